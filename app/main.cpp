@@ -1,0 +1,159 @@
+// The tool: reads an image, makes roots by the option named on the command line, writes them.
+//
+// One table says what each option asks of its arguments and how it makes its roots; a new option is
+// a line in it. Argument errors are found only after the image has been read.
+
+#include "base/report.h"
+#include "base/scan.h"
+#include "ift/ift.h"
+#include "image/image.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+using namespace seedforest::detail;
+
+namespace {
+
+struct CommandLine {
+  int count;          // arguments, the program's own name included
+  const char **words; // the arguments
+
+  const char *program() const { return count > 0 ? words[0] : "seedforest"; }
+
+  // A decimal parameter; 0 where there is no number, and trailing text is ignored.
+  int number(int position) const {
+    Text text{std::string_view(words[position])};
+    int value = 0;
+    scanInt(text, value);
+    return value;
+  }
+};
+
+enum CommandLinePosition { imagePath = 1, rootsPath = 2, optionWord = 3, firstParameter = 4 };
+
+// How many arguments an option takes, and what is said, and returned to the shell, otherwise.
+struct ArgumentRule {
+  int least;
+  int most;
+  const char *message;
+  std::FILE *stream;
+  int status;
+};
+
+// Makes an option's roots. None means that it has printed why, and that the run ends with status 0.
+using MakeRootsFn = ifRootsPtr (*)(const CommandLine &, const imImage *);
+
+struct Option {
+  std::string_view word;
+  ArgumentRule rule;
+  MakeRootsFn makeRoots;
+};
+
+constexpr int anyCount = INT32_MAX;
+
+void printUsage(const char *program) {
+  std::printf("\n%s <input image> <output roots file> <opt> [par(s)]\n", program);
+  std::fputs("valid <opt> values:\n"
+             "\tregMax (regional maxima in [min, max]) : par(s) = min max\n"
+             "\tregMin (regional minima in [min, max]) : par(s) = min max\n"
+             "\tdt     (contour border of binary img)  : par(s) = none\n"
+             "\tjoin   (joins two roots files)         : par(s) = <roots_file2>\n"
+             "\tframe  (seeds are the frame pixels)    : par(s) = <uniform labels> "
+             "<label, if uniform labels is selected>\n"
+             "\tlabels (label image  -> seeds)         : par(s) = none\n"
+             "\tcells  (seeds to extract cells)        : par(s) = none\n"
+             "\n",
+             stdout);
+}
+
+ifRootsPtr readRoots(const char *path, const imImage *image) {
+  ifRootsPtr roots(ifReadRoots(path, image));
+  if (roots == nullptr)
+    complain("error reading seeds file %s\n", path);
+  else
+    progress("read file %s\n", path);
+  return roots;
+}
+
+ifRootsPtr joinRoots(const CommandLine &line, const imImage *image) {
+  const ifRootsPtr a = readRoots(line.words[firstParameter], image);
+  const ifRootsPtr b = a ? readRoots(line.words[firstParameter + 1], image) : nullptr;
+  if (b == nullptr)
+    return nullptr;
+  const std::int64_t total = std::int64_t{a->n} + b->n;
+  if (total > INT32_MAX)
+    fatal("join: %d and %d roots are too many\n", a->n, b->n);
+  ifRootsPtr joined = createRoots(static_cast<int>(total));
+  int k = 0;
+  for (const ifRoots *part : {a.get(), b.get()})
+    for (int i = 0; i < part->n; ++i, ++k) {
+      joined->pixel[k] = part->pixel[i];
+      joined->label[k] = part->label[i];
+      joined->value[k] = part->value[i];
+    }
+  return joined;
+}
+
+ifRootsPtr frameRoots(const CommandLine &line, const imImage *image) {
+  const int uniform = line.number(firstParameter);
+  if (uniform != 0 && line.count != 6) {
+    complain("value not suplied for <label>\n");
+    return nullptr;
+  }
+  const int label = uniform != 0 ? line.number(firstParameter + 1) : 0;
+  return ifRootsPtr(ifFrameAsRoots(image, uniform, label));
+}
+
+ifRootsPtr labelRoots(const CommandLine &, const imImage *image) {
+  return ifRootsPtr(ifLabelsToRoots(image));
+}
+
+const Option *findOption(std::string_view word) {
+  static const Option options[] = {
+      {"frame", {5, anyCount, "value not suplied for <uniform label>\n", stderr, 0}, frameRoots},
+      {"join", {6, anyCount, "invalid seed file(s) name(s)\n", stderr, 0}, joinRoots},
+      {"labels", {0, anyCount, "", stdout, 0}, labelRoots},
+  };
+  for (const Option &option : options)
+    if (option.word == word)
+      return &option;
+  return nullptr;
+}
+
+int run(const CommandLine &line) {
+  if (line.count <= optionWord) {
+    printUsage(line.program());
+    return EXIT_SUCCESS;
+  }
+  imImage *read = nullptr;
+  imReadImage(line.words[imagePath], &read);
+  const imImagePtr image(read);
+  progress("Image %s was read\n", line.words[imagePath]);
+  const Option *option = findOption(line.words[optionWord]);
+  if (option == nullptr)
+    fatal("Invalid opt %s\n", line.words[optionWord]);
+  const ArgumentRule &rule = option->rule;
+  if (line.count < rule.least || line.count > rule.most) {
+    std::fputs(rule.message, rule.stream);
+    return rule.status;
+  }
+  const ifRootsPtr roots = option->makeRoots(line, image.get());
+  if (roots == nullptr)
+    return EXIT_SUCCESS;
+  ifSaveRoots(line.words[rootsPath], image.get(), roots.get());
+  progress("there are %d roots\n", roots->n);
+  progress("done!\n");
+  return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, const char **argv) {
+  const int status = run({argc, argv});
+  if (std::fflush(stdout) != 0)
+    fatal("%s: could not write to standard output\n", argc > 0 ? argv[0] : "seedforest");
+  return status;
+}

@@ -1,0 +1,30 @@
+// Integer arithmetic with its edges settled: saturating and wrapping ways back to 32 bits.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace seedforest::detail {
+
+inline constexpr int maxInt = std::numeric_limits<int>::max();
+inline constexpr int minInt = std::numeric_limits<int>::min();
+
+/// The nearest 32-bit value.
+constexpr int saturate(std::int64_t value) {
+  return static_cast<int>(std::clamp<std::int64_t>(value, minInt, maxInt));
+}
+
+/// The low 32 bits, in two's complement.
+constexpr int wrap(std::int64_t value) {
+  return static_cast<int>(static_cast<std::uint32_t>(value));
+}
+
+/// The integer part of the square root of value >= 0. A double holds every int exactly and its
+/// square root is correctly rounded, so truncation is exact over the whole range.
+inline int truncatedSqrt(int value) {
+  return static_cast<int>(std::sqrt(value));
+}
+
+} // namespace seedforest::detail

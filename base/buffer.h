@@ -1,0 +1,51 @@
+// Memory: blocks from malloc and calloc, so that callers may free() what a record holds, with large
+// blocks put on huge pages where the system grants them. Memory that cannot be had ends the process
+// through outOfMemory(), unless the function says otherwise.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <type_traits>
+
+namespace seedforest::detail {
+
+/// A zeroed block for `count` elements of `size` bytes, or null when it cannot be had; never null
+/// for count 0. Pages are not touched before they are used. Release with free().
+void *tryAllocateZeroed(std::size_t count, std::size_t size);
+
+/// The same, never null.
+void *allocateZeroed(std::size_t count, std::size_t size);
+
+/// Grows or shrinks a block to `count` elements of `size` bytes, new bytes uninitialised (block may
+/// be null, for a fresh one); never null.
+void *reallocate(void *block, std::size_t count, std::size_t size);
+
+/// Zeroed ints, for lists that a record hands to its caller.
+inline int *allocateInts(std::size_t count) {
+  return static_cast<int *>(allocateZeroed(count, sizeof(int)));
+}
+
+struct Free {
+  void operator()(void *block) const { std::free(block); }
+};
+
+/// An array that frees itself: scratch, or a block on its way into a record.
+template <class T>
+using Array = std::unique_ptr<T[], Free>;
+
+/// An uninitialised array of `count` elements.
+template <class T>
+Array<T> makeArray(std::size_t count) {
+  static_assert(std::is_trivial_v<T>);
+  return Array<T>(static_cast<T *>(reallocate(nullptr, count, sizeof(T))));
+}
+
+/// An array of `count` zeroed elements.
+template <class T>
+Array<T> makeZeroedArray(std::size_t count) {
+  static_assert(std::is_trivial_v<T>);
+  return Array<T>(static_cast<T *>(allocateZeroed(count, sizeof(T))));
+}
+
+} // namespace seedforest::detail

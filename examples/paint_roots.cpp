@@ -1,0 +1,66 @@
+// Paints a roots file over its image, a colour for each label:
+//
+//   paint_roots IMAGE ROOTS PICTURE.ppm
+//
+// Built with the project as build/examples/paint_roots, or by hand from the project's folder:
+//   g++ -std=c++20 -O2 -I. examples/paint_roots.cpp -o paint_roots
+//       -Lbuild -lseedforest-ift -lseedforest-image           (one line)
+
+#include "ift/ift.h"
+#include "image/image.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+
+// The image as a dimmed colour picture, its largest value at three quarters of white.
+static imImagePtr background(const imImage *image) {
+  imImagePtr picture(imCreateImage(3, imTypeColor, image->ncols, image->nrows));
+  if (picture == nullptr)
+    return nullptr;
+  int brightest = image->type == imTypeAscii ? 1 : 255; // ASCII images often use a few values only
+  for (int b = 0; b < image->nbands; ++b)
+    brightest =
+        std::max(brightest, *std::max_element(image->band[b], image->band[b] + image->npixels));
+  for (int b = 0; b < 3; ++b) {
+    const int *band = image->band[image->nbands == 3 ? b : 0];
+    for (int p = 0; p < image->npixels; ++p)
+      picture->band[b][p] = static_cast<int>(std::int64_t{std::max(band[p], 0)} * 191 / brightest);
+  }
+  return picture;
+}
+
+// A strong colour for a label; labels that follow each other lie far apart on the colour circle.
+static void colourOf(int label, int rgb[3]) {
+  const double turn = std::fmod(label * 0.61803398875, 1.0);
+  for (int b = 0; b < 3; ++b) {
+    const double wave = 0.5 + 0.5 * std::cos(6.28318530718 * (turn - b / 3.0));
+    rgb[b] = static_cast<int>(255 * wave);
+  }
+}
+
+int main(int argc, char **argv) {
+  if (argc != 4) {
+    std::fprintf(stderr, "usage: %s IMAGE ROOTS PICTURE.ppm\n", argv[0]);
+    return 1;
+  }
+  imImage *read = nullptr;
+  imReadImage(argv[1], &read);
+  const imImagePtr image(read);
+  const ifRootsPtr roots(ifReadRoots(argv[2], image.get()));
+  const imImagePtr picture = background(image.get());
+  if (roots == nullptr || picture == nullptr)
+    return 1;
+  for (int i = 0; i < roots->n; ++i) {
+    const int p = roots->pixel[i];
+    if (p < 0 || p >= image->npixels)
+      continue; // the file was made for another image
+    int rgb[3];
+    colourOf(roots->label[i], rgb);
+    for (int b = 0; b < 3; ++b)
+      picture->band[b][p] = rgb[b];
+  }
+  imSaveImage(argv[3], picture.get());
+  return 0;
+}

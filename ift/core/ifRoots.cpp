@@ -1,0 +1,130 @@
+#include "ift/core/ifRoots.h"
+
+#include "base/arith.h"
+#include "base/buffer.h"
+#include "base/file.h"
+#include "base/report.h"
+#include "base/scan.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+using namespace seedforest::detail;
+
+namespace {
+
+void saveRoots(const char *path, const imImage *image, int n, const int *pixel, const int *label) {
+  OutputFile file(path);
+  if (!file.isOpen())
+    fatal("Could not open file %s for writing\n", path);
+  Writer &writer = file.writer();
+  writer.number(n);
+  writer.text("\n");
+  for (int i = 0; i < n; ++i) {
+    writer.number(pixel[i] % image->ncols);
+    writer.text(" ");
+    writer.number(pixel[i] / image->ncols);
+    writer.text(" ");
+    writer.number(label[i]);
+    writer.text("\n");
+  }
+  if (!file.close())
+    fatal("ifSaveRoots: could not write all of %s\n", path);
+}
+
+// Nothing behind a count that cannot be scanned is of use.
+std::size_t wantedBytes(std::string_view start) {
+  Text text(start);
+  int count = 0;
+  return scanInt(text, count) == Scanned::nothing && text.at != text.end ? 0 : allBytes;
+}
+
+// Scans x, y and label for each seed, with a debug line for each.
+void scanSeeds(Text text, const imImage *image, const ifRoots &roots) {
+  Writer out(stdout);
+  int line[3] = {0, 0, 0}; // what a failing scan leaves as it was serves the next seed too
+  for (int i = 0; i < roots.n; ++i) {
+    scanInts(text, line, 3);
+    roots.pixel[i] = wrap(line[0] + std::int64_t{line[1]} * image->ncols);
+    roots.label[i] = line[2];
+    out.text("read: ");
+    out.number(roots.pixel[i]);
+    out.text(" ");
+    out.number(roots.label[i]);
+    out.text("\n");
+  }
+  out.flush();
+}
+
+} // namespace
+
+void ifAllocateRoots(ifRoots *roots, int n) {
+  if (n < 0)
+    fatal("ifAllocateRoots: %d is no number of roots\n", n);
+  const auto count = static_cast<std::size_t>(n);
+  *roots = {allocateInts(count), allocateInts(count), allocateInts(count), n};
+}
+
+void ifReleaseRoots(ifRoots *roots) {
+  std::free(roots->pixel);
+  std::free(roots->label);
+  std::free(roots->value);
+  *roots = {};
+}
+
+void ifReleaseRoots2(ifRoots2 *roots) {
+  std::free(roots->pixel);
+  std::free(roots->label);
+  std::free(roots->value);
+  std::free(roots->extra);
+  *roots = {};
+}
+
+void ifSaveRoots(const char *path, const imImage *image, const ifRoots *roots) {
+  saveRoots(path, image, roots->n, roots->pixel, roots->label);
+}
+
+void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots) {
+  saveRoots(path, image, roots->n, roots->pixel, roots->label);
+}
+
+ifRoots *ifReadRoots(const char *path, const imImage *image) {
+  Bytes bytes;
+  if (!loadFile(path, wantedBytes, bytes))
+    fatal("Could not open file %s for reading\n", path);
+  Text text(bytes.view());
+  int n = 0;
+  scanInt(text, n);
+  constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
+  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + bytes.size) {
+    complain("invalid number of roots in file %s\n", path);
+    return nullptr;
+  }
+  ifRootsPtr roots = createRoots(n);
+  scanSeeds(text, image, *roots);
+  return roots.release();
+}
+
+imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots) {
+  for (int i = 0; i < roots->n; ++i)
+    requirePixel("ifVisualizeRoots", image, roots->pixel[i]);
+  imImage *labels = imCreateImage(1, imTypeAscii, image->ncols, image->nrows);
+  for (int i = 0; labels != nullptr && i < roots->n; ++i)
+    labels->band[0][roots->pixel[i]] = roots->label[i];
+  return labels;
+}
+
+void ifRootsDeleter::operator()(ifRoots *roots) const {
+  ifReleaseRoots(roots);
+  std::free(roots);
+}
+
+namespace seedforest::detail {
+
+ifRootsPtr createRoots(int n) {
+  ifRootsPtr roots(static_cast<ifRoots *>(allocateZeroed(1, sizeof(ifRoots))));
+  ifAllocateRoots(roots.get(), n);
+  return roots;
+}
+
+} // namespace seedforest::detail

@@ -1,0 +1,92 @@
+// Adjacency relations: which pixels are neighbours of a pixel, as an ordered list of displacements.
+// The order is part of every result: transforms visit neighbours in list order, and it decides
+// which of two equal paths wins.
+//
+// A relation is a function that stores a new list of pairs dx0, dy0, dx1, dy1, ... through its
+// argument, for the caller to free(), and returns the number n of pairs. dx counts columns to the
+// right, dy rows downwards. A neighbour outside the image does not exist; nothing wraps around.
+// A list that cannot be allocated ends the process: "could not allocate memory!\n", status 1.
+#pragma once
+
+#include "base/buffer.h"
+#include "image/imImage.h"
+
+using imNeighborhoodFn = int (*)(int **list);
+
+// The fixed relations, with the order in which they visit the neighbours of o:
+//
+//      4        4forward       8        8forward   8Clockwise
+//
+//    . 3 .      . . .        8 3 7      . . .       6 7 8
+//    4 o 1      . o 1        4 o 1      . o 1       5 o 1
+//    . 2 .      . 2 .        6 2 5      4 2 3       4 3 2
+
+int imNeighborhood4(int **list);
+int imNeighborhood4forward(int **list);
+int imNeighborhood8(int **list);
+int imNeighborhood8forward(int **list);
+int imNeighborhood8Clockwise(int **list);
+
+/// The disc of squared radius r2: every (dx, dy) with dx * dx + dy * dy <= r2, the centre included,
+/// dx ascending and, within one dx, dy ascending. A negative r2 gives an empty list.
+/// A disc of more than 2^30 - 1 pairs ends the process with status 1 after a line.
+int imNeighborhood(int **list, int r2);
+
+/// The square of (2r + 1) x (2r + 1) displacements, the centre included, in the order of the disc.
+/// A negative r, or one beyond 2^30 - 1 pairs, ends the process with status 1 after a line.
+int imMorphWindow(int **list, int r);
+
+namespace seedforest::detail {
+
+/// The neighbours that the pixels of an image have under an adjacency, in list order. This is the
+/// one place where it is decided whether a neighbour exists.
+class NeighborWalk {
+public:
+  NeighborWalk(const imImage *image, imNeighborhoodFn adjacency);
+
+  int size() const { return n_; }
+  int dx(int k) const { return displacement_[2 * k]; }
+  int dy(int k) const { return displacement_[2 * k + 1]; }
+
+  /// Calls visit(q, k) for each neighbour q, by displacement k, of the pixel p = (x, y), until a
+  /// call returns true; returns whether one did.
+  template <class Visit>
+  bool any(int x, int y, Visit visit) const {
+    const int p = x + y * ncols_;
+    const bool interior = x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_;
+    for (int k = 0; k < n_; ++k)
+      if ((interior || isInside(x, y, k)) && visit(p + offset_[k], k))
+        return true;
+    return false;
+  }
+
+  /// Calls visit(q, k) for every neighbour of p.
+  template <class Visit>
+  void each(int p, Visit visit) const {
+    const int y = static_cast<int>(static_cast<unsigned>(p) / static_cast<unsigned>(ncols_));
+    any(p - y * ncols_, y, [&visit](int q, int k) {
+      visit(q, k);
+      return false;
+    });
+  }
+
+private:
+  bool isInside(int x, int y, int k) const {
+    // Unsigned, a coordinate left of or above the image is larger than any inside.
+    return static_cast<unsigned>(x) + static_cast<unsigned>(dx(k)) <
+               static_cast<unsigned>(ncols_) &&
+           static_cast<unsigned>(y) + static_cast<unsigned>(dy(k)) < static_cast<unsigned>(nrows_);
+  }
+
+  int n_;
+  int ncols_;
+  int nrows_;
+  int left_ = 0; // how far the relation reaches to each side
+  int right_ = 0;
+  int up_ = 0;
+  int down_ = 0;
+  Array<int> displacement_;
+  Array<int> offset_;
+};
+
+} // namespace seedforest::detail

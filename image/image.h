@@ -1,0 +1,7 @@
+// The image library.
+#pragma once
+
+#include "image/imIO.h"
+#include "image/imImage.h"
+#include "image/imNeighborhood.h"
+#include "image/imVisual.h"

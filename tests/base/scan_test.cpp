@@ -1,0 +1,88 @@
+#include "base/scan.h"
+
+#include "base/arith.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace seedforest::detail;
+
+namespace {
+
+TEST(Scan, OneInteger) {
+  struct Case {
+    const char *text;
+    Scanned scanned;
+    int value; // -1 where none is scanned
+    const char *rest;
+  };
+  const Case cases[] = {
+      {"", Scanned::nothing, -1, ""},
+      {" \t\n\v\f\r7x", Scanned::exact, 7, "x"},
+      {"+12 3", Scanned::exact, 12, " 3"},
+      {"-0007", Scanned::exact, -7, ""},
+      {"x1", Scanned::nothing, -1, "x1"},
+      {"- 5", Scanned::nothing, -1, " 5"}, // a lone sign is consumed
+      {"+-5", Scanned::nothing, -1, "-5"},
+      {"0x10", Scanned::exact, 0, "x10"},
+      {"2147483647.", Scanned::exact, maxInt, "."},
+      {"2147483648 ", Scanned::clamped, maxInt, " "},
+      {"-2147483648", Scanned::exact, minInt, ""},
+      {"-2147483649", Scanned::clamped, minInt, ""},
+      {"99999999999999999999999999999999", Scanned::clamped, maxInt, ""},
+      {"000000000000000000000000000000042", Scanned::exact, 42, ""},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.text);
+    Text text{std::string_view(c.text)};
+    int value = -1;
+    EXPECT_EQ(scanInt(text, value), c.scanned);
+    EXPECT_EQ(value, c.value);
+    EXPECT_EQ(std::string(text.at, text.end), c.rest);
+  }
+}
+
+// Whatever way the bulk scanner takes, it must read what scanning one by one reads, and stop where
+// that stops, without touching the values behind.
+TEST(Scan, ManyEqualOneByOne) {
+  std::mt19937 random(1);
+  const char *separators[] = {" ", "  ", "\n", "\t ", "     ", "\r\n"};
+  const char *faults[] = {"x", "-", "+ ", "1.5", "#"};
+  const auto pick = [&random](int n) { return static_cast<int>(random() % n); };
+  for (int round = 0; round < 400; ++round) {
+    std::string bytes;
+    for (int i = pick(60); i > 0; --i) {
+      bytes += separators[pick(6)];
+      if (round % 2 == 1 && pick(40) == 0)
+        bytes += faults[pick(5)];
+      const int digits = pick(round % 3 == 0 ? 13 : 4) + 1;
+      if (pick(9) == 0)
+        bytes += '-';
+      for (int d = 0; d < digits; ++d)
+        bytes += static_cast<char>('0' + pick(10));
+    }
+    Text one{std::string_view(bytes)};
+    Text many = one;
+    const std::size_t count = 50;
+    std::vector<int> expected(count, -77);
+    std::vector<int> values(count, -77);
+    std::size_t n = 0;
+    while (n < count && scanInt(one, expected[n]) != Scanned::nothing)
+      ++n;
+    EXPECT_EQ(scanInts(many, values.data(), count), n) << bytes;
+    EXPECT_EQ(values, expected) << bytes;
+    EXPECT_EQ(many.at, one.at) << bytes;
+  }
+}
+
+TEST(Scan, Words) {
+  Text text{std::string_view(" \nP5\tnext")};
+  EXPECT_EQ(scanWord(text), "P5");
+  EXPECT_EQ(scanWord(text), "next");
+  EXPECT_EQ(scanWord(text), "");
+}
+
+} // namespace

@@ -1,0 +1,67 @@
+#include "support.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sys/wait.h>
+
+imImagePtr makeImage(const Matrix &rows, char type) {
+  imImagePtr image(imCreateImage(1, type, static_cast<int>(rows[0].size()), static_cast<int>(rows.size())));
+  int *pixel = image->band[0];
+  for (const std::vector<int> &row : rows)
+    pixel = std::copy(row.begin(), row.end(), pixel);
+  image->maxValue = seedforest::detail::largestValue(image.get(), 0);
+  return image;
+}
+
+Matrix bandOf(const imImage *image, int b) {
+  Matrix rows;
+  for (int y = 0; y < image->nrows; ++y) {
+    const int *row = image->band[b] + image->row[y];
+    rows.emplace_back(row, row + image->ncols);
+  }
+  return rows;
+}
+
+imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, int nrows, int lo,
+                       int hi) {
+  imImagePtr image(imCreateImage(nbands, type, ncols, nrows));
+  std::uniform_int_distribution<int> value(lo, hi);
+  for (int b = 0; b < nbands; ++b)
+    std::generate_n(image->band[b], image->npixels, [&] { return value(random); });
+  image->maxValue = hi;
+  return image;
+}
+
+TemporaryFolder::TemporaryFolder() {
+  std::string name = (std::filesystem::temp_directory_path() / "seedforest-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr)
+    throw std::runtime_error("no temporary folder");
+  folder_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+std::string TemporaryFolder::write(std::string_view name, std::string_view bytes) const {
+  std::ofstream(path(name), std::ios::binary) << bytes;
+  return path(name);
+}
+
+std::string contentsOf(const std::string &path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file)
+    return "(no such file)";
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments) {
+  const std::string command = "cd '" + folder.path("") + "' && '" SEEDFOREST_TOOL "' " + arguments +
+                              " >tool.out 2>tool.err";
+  const int ended = std::system(command.c_str());
+  return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(folder.path("tool.out")),
+          contentsOf(folder.path("tool.err"))};
+}
