@@ -7,7 +7,8 @@
 #include <sys/wait.h>
 
 imImagePtr makeImage(const Matrix &rows, char type) {
-  imImagePtr image(imCreateImage(1, type, static_cast<int>(rows[0].size()), static_cast<int>(rows.size())));
+  imImagePtr image(
+      imCreateImage(1, type, static_cast<int>(rows[0].size()), static_cast<int>(rows.size())));
   int *pixel = image->band[0];
   for (const std::vector<int> &row : rows)
     pixel = std::copy(row.begin(), row.end(), pixel);
@@ -59,8 +60,8 @@ std::string contentsOf(const std::string &path) {
 }
 
 ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments) {
-  const std::string command = "cd '" + folder.path("") + "' && '" SEEDFOREST_TOOL "' " + arguments +
-                              " >tool.out 2>tool.err";
+  const std::string command = "cd '" + folder.path("") + "' && exec >tool.out 2>tool.err; '" +
+                              SEEDFOREST_TOOL + "' " + arguments;
   const int ended = std::system(command.c_str());
   return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(folder.path("tool.out")),
           contentsOf(folder.path("tool.err"))};

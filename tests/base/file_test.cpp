@@ -6,7 +6,9 @@ using namespace seedforest::detail;
 
 namespace {
 
-std::size_t everything(std::string_view) { return allBytes; }
+std::size_t everything(std::string_view) {
+  return allBytes;
+}
 
 TEST(File, LoadsAcrossItsChunks) {
   const TemporaryFolder folder;
@@ -25,7 +27,8 @@ TEST(File, LoadsAcrossItsChunks) {
 
 TEST(File, EndlessFilesAreReadAsFarAsWanted) {
   Bytes bytes;
-  ASSERT_TRUE(loadFile("/dev/zero", [](std::string_view) { return 3 * Writer::chunk; }, bytes));
+  ASSERT_TRUE(loadFile(
+      "/dev/zero", [](std::string_view) { return 3 * Writer::chunk; }, bytes));
   EXPECT_EQ(bytes.size, 3 * Writer::chunk);
 }
 

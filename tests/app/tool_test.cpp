@@ -1,0 +1,132 @@
+// Whole runs of the tool: both streams, the exit status and the roots file, to the byte.
+
+#include "support.h"
+
+namespace {
+
+const char *const sample = "P2\n# a label image\n4 3\n300\n0 0 1 0\n2 -3 300 0\n0 0 0 5\n";
+const char *const sampleLabels = "4\n2 0 1\n0 1 2\n2 1 300\n3 2 5\n";
+
+TEST(Tool, UsageWithoutAnOption) {
+  const std::string usage =
+      "\n" SEEDFOREST_TOOL " <input image> <output roots file> <opt> [par(s)]\n"
+      "valid <opt> values:\n"
+      "\tregMax (regional maxima in [min, max]) : par(s) = min max\n"
+      "\tregMin (regional minima in [min, max]) : par(s) = min max\n"
+      "\tdt     (contour border of binary img)  : par(s) = none\n"
+      "\tjoin   (joins two roots files)         : par(s) = <roots_file2>\n"
+      "\tframe  (seeds are the frame pixels)    : par(s) = <uniform labels> "
+      "<label, if uniform labels is selected>\n"
+      "\tlabels (label image  -> seeds)         : par(s) = none\n"
+      "\tcells  (seeds to extract cells)        : par(s) = none\n"
+      "\n";
+  const TemporaryFolder folder;
+  for (const char *arguments : {"", "in.pgm", "in.pgm out"}) {
+    const ToolRun run = runTool(folder, arguments);
+    EXPECT_EQ(run.out, usage);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.status, 0);
+  }
+  EXPECT_EQ(contentsOf(folder.path("out")), "(no such file)");
+}
+
+struct Case {
+  const char *arguments;
+  int status;
+  std::string out;
+  std::string err;
+  std::string roots; // the file "out" afterwards
+};
+
+const std::string wasRead = "Image in.pgm was read\n";
+const std::string none = "(no such file)";
+
+std::string savedRoots(int n) {
+  return "there are " + std::to_string(n) + " roots\ndone!\n";
+}
+
+TEST(Tool, Runs) {
+  const std::string frame =
+      "10\n0 0 1\n1 0 2\n2 0 3\n3 0 4\n0 2 5\n1 2 6\n2 2 7\n3 2 8\n0 1 9\n3 1 10\n";
+  const std::string sevens =
+      "10\n0 0 7\n1 0 7\n2 0 7\n3 0 7\n0 2 7\n1 2 7\n2 2 7\n3 2 7\n0 1 7\n3 1 7\n";
+  const std::string joined = "3\n1 1 4\n1 1 4\n9 0 -2\n";
+  const std::string readA = "read: 5 4\nread file a\n";
+  const std::string readB = "read: 5 4\nread: 9 -2\nread file b\n";
+  const std::string labelMissing = "value not suplied for <label>\n";
+  const Case cases[] = {
+      {"in.pgm out labels", 0, wasRead + savedRoots(4), "", sampleLabels},
+      {"in.pgm out labels more 1 2", 0, wasRead + savedRoots(4), "", sampleLabels},
+      {"in.pgm out frame", 0, wasRead, "value not suplied for <uniform label>\n", none},
+      {"in.pgm out frame 0", 0, wasRead + savedRoots(10), "", frame},
+      {"in.pgm out frame no-number", 0, wasRead + savedRoots(10), "", frame},
+      {"in.pgm out frame 0 7", 0, wasRead + savedRoots(10), "", frame},
+      {"in.pgm out frame 0 7 8 9", 0, wasRead + savedRoots(10), "", frame},
+      {"in.pgm out frame 1", 0, wasRead, labelMissing, none},
+      {"in.pgm out frame 1 7 8", 0, wasRead, labelMissing, none},
+      {"in.pgm out frame -1x 7x", 0, wasRead + savedRoots(10), "", sevens},
+      {"in.pgm out join a", 0, wasRead, "invalid seed file(s) name(s)\n", none},
+      {"in.pgm out join a b", 0, wasRead + readA + readB + savedRoots(3), "",
+       "3\n1 1 4\n1 1 4\n1 2 -2\n"},
+      {"in.pgm out join a bad", 0, wasRead + readA,
+       "invalid number of roots in file bad\nerror reading seeds file bad\n", none},
+      {"in.pgm out join bad b", 0, wasRead,
+       "invalid number of roots in file bad\nerror reading seeds file bad\n", none},
+      {"in.pgm out join a missing", 1, wasRead + readA, "Could not open file missing for reading\n",
+       none},
+      {"in.pgm out Labels", 1, wasRead, "Invalid opt Labels\n", none},
+      {"in.pgm out frames 0", 1, wasRead, "Invalid opt frames\n", none},
+      {"in.pgm out ''", 1, wasRead, "Invalid opt \n", none},
+      {"missing out nonsense", 1, "", "could not open file missing\n", none},
+      {"/dev/null out labels", 1, "", "unknown file format; trying to read \n", none},
+      {"in.pgm no/out labels", 1, wasRead, "Could not open file no/out for writing\n", none},
+      {"- out labels", 1, "", "could not open file -\n", none},
+      {"/dev/stdin out labels <in.pgm", 0, "Image /dev/stdin was read\n" + savedRoots(4), "",
+       sampleLabels},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.arguments);
+    const TemporaryFolder folder;
+    folder.write("in.pgm", sample);
+    folder.write("a", "1\n1 1 4\n");
+    folder.write("b", "2\n1 1 4\n1 2 -2\n");
+    folder.write("bad", "0\n");
+    const ToolRun run = runTool(folder, c.arguments);
+    EXPECT_EQ(run.out, c.out);
+    EXPECT_EQ(run.err, c.err);
+    EXPECT_EQ(run.status, c.status);
+    EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
+  }
+}
+
+TEST(Tool, FailuresLeaveAnExistingFileAlone) {
+  const TemporaryFolder folder;
+  folder.write("row.pgm", "P2 3 1 9 1 2 3");
+  folder.write("out", "precious");
+  const ToolRun run = runTool(folder, "row.pgm out frame 0");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.err.find("ifFrameAsRoots"), std::string::npos);
+  EXPECT_EQ(contentsOf(folder.path("out")), "precious");
+}
+
+TEST(Tool, FullDisksAreNoticed) {
+  const TemporaryFolder folder;
+  folder.write("in.pgm", sample);
+  const ToolRun roots = runTool(folder, "in.pgm /dev/full labels");
+  EXPECT_EQ(roots.status, 1);
+  EXPECT_EQ(roots.out, wasRead);
+  EXPECT_NE(roots.err.find("/dev/full"), std::string::npos);
+  const ToolRun output = runTool(folder, "in.pgm out labels >/dev/full");
+  EXPECT_EQ(output.status, 1);
+}
+
+TEST(Tool, ReadsFromAPipe) {
+  const TemporaryFolder folder;
+  folder.write("in.pgm", sample);
+  const ToolRun run =
+      runTool(folder, "/dev/stdin out labels <<EOF\n" + std::string(sample) + "EOF");
+  EXPECT_EQ(contentsOf(folder.path("out")), sampleLabels);
+  EXPECT_EQ(run.status, 0);
+}
+
+} // namespace

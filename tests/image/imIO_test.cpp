@@ -1,0 +1,174 @@
+#include "image/imIO.h"
+
+#include "support.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+imImagePtr read(const std::string &path) {
+  imImage *image = nullptr;
+  const int kind = imReadImage(path.c_str(), &image);
+  EXPECT_EQ(kind, image->type);
+  return imImagePtr(image);
+}
+
+imImagePtr parse(std::string_view bytes) {
+  std::string error;
+  imImagePtr image = seedforest::detail::parseImage(bytes, "file", error);
+  EXPECT_NE(image, nullptr) << error;
+  return image;
+}
+
+TEST(ReadImage, Ascii) {
+  const imImagePtr image = parse("P2\n# one comment\n3 2\n5\n1 -2\t300\n 99999999999 0007\n8 9");
+  EXPECT_EQ(image->type, imTypeAscii);
+  EXPECT_EQ(image->maxValue, 5); // as declared, whatever the pixels hold
+  EXPECT_EQ(bandOf(image.get()), (Matrix{{1, -2, 300}, {2147483647, 7, 8}}));
+}
+
+TEST(ReadImage, AsciiIsZeroFromTheFirstPlaceWithoutANumber) {
+  for (const char *samples : {"4 5", "4 5 # 6 7", "4 5 x6", "4 5 - 6", "4 5."})
+    EXPECT_EQ(bandOf(parse("P2 4 1 9 "s + samples).get()), (Matrix{{4, 5, 0, 0}})) << samples;
+}
+
+TEST(ReadImage, Binary) {
+  const imImagePtr grey = parse("P5 # not white space first, so no comment here\n"
+                                "2 2 7\n\0\xff\n9 and more"s);
+  EXPECT_EQ(grey->type, imTypeGrey);
+  EXPECT_EQ(grey->maxValue, 7);
+  EXPECT_EQ(bandOf(grey.get()), (Matrix{{0, 255}, {10, 57}}));
+  // exactly one character separates header and samples, and a sample is one byte for any maximum
+  EXPECT_EQ(bandOf(parse("P5 2 1 65535\r\nA").get()), (Matrix{{'\n', 'A'}}));
+  const imImagePtr colour = parse("P6\n2 1\n255\nabcdef");
+  EXPECT_EQ(colour->type, imTypeColor);
+  EXPECT_EQ(bandOf(colour.get(), 0), (Matrix{{'a', 'd'}}));
+  EXPECT_EQ(bandOf(colour.get(), 1), (Matrix{{'b', 'e'}}));
+  EXPECT_EQ(bandOf(colour.get(), 2), (Matrix{{'c', 'f'}}));
+}
+
+TEST(ReadImage, FaultyFiles) {
+  const struct {
+    std::string bytes;
+    std::string error; // of our own lines only a part
+  } cases[] = {
+      {"", "unknown file format; trying to read \n"},
+      {" \n ", "unknown file format; trying to read \n"},
+      {"P3 1 1 255 1 2 3", "unknown file format; trying to read P3\n"},
+      {"P5#c\n1 1 255 x", "unknown file format; trying to read P5#c\n"},
+      {"\x89PNG\r\n\x1a\n", "unknown file format; trying to read \x89PNG\n"},
+      {std::string(100000, 'w'), "unknown file format; trying to read " + std::string(100000, 'w')},
+      {"P5", "imReadImage: file"},
+      {"P5 # endless comment 1 1 255 x", "imReadImage: file"},
+      {"P5\n#one\n#two\n1 1 255\nx", "imReadImage: file"},
+      {"P5 1 # behind the width\n1 255\nx", "imReadImage: file"},
+      {"P5 1 1\nx", "imReadImage: file"},
+      {"P2 1 1 4294967296 0", "imReadImage: file"},
+      {"P2 99999999999 1 1 0", "imReadImage: file"},
+      {"P5 0 1 255\n", "imReadImage: file: impossible size 0 x 1"},
+      {"P5 1 -1 255\n", "imReadImage: file: impossible size 1 x -1"},
+      {"P5 65536 32768 255\n", "imReadImage: file: impossible size"},
+      {"P6 32768 32768 255\n", "imReadImage: file: impossible size"},
+      {"P5 60000 30000 255\nabc", "error reading file file; expecting 1800000000 pixels, read 3\n"},
+      {"P5 1 1 255", "error reading file file; expecting 1 pixels, read 0\n"},
+      {"P6 2 1 255\nabcde", "error reading file file; expecting 6 pixels, read 5\n"},
+  };
+  for (const auto &c : cases) {
+    std::string error;
+    EXPECT_EQ(seedforest::detail::parseImage(c.bytes, "file", error), nullptr) << c.bytes;
+    EXPECT_EQ(error.substr(0, c.error.size()), c.error);
+    EXPECT_EQ(error.back(), '\n');
+  }
+}
+
+TEST(ReadImage, FatalErrorsEndTheProcess) {
+  const TemporaryFolder folder;
+  imImage *image = nullptr;
+  EXPECT_EXIT(imReadImage("no/such/file", &image), testing::ExitedWithCode(1),
+              "^could not open file no/such/file\n$");
+  EXPECT_EXIT(imReadImage(folder.path("").c_str(), &image), testing::ExitedWithCode(1),
+              "^unknown file format; trying to read \n$");
+  EXPECT_EXIT(imReadImage("/dev/zero", &image), testing::ExitedWithCode(1),
+              "^unknown file format; trying to read \n$");
+}
+
+TEST(SaveImage, Bytes) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("image");
+  const auto saved = [&path](const imImagePtr &image) {
+    imSaveImage(path.c_str(), image.get());
+    return contentsOf(path);
+  };
+  EXPECT_EQ(saved(makeImage({{300, -1, 7}}, imTypeGrey)), "P5\n3 1\n255\n\x2c\xff\x07");
+  EXPECT_EQ(saved(makeImage({{300, -1}, {123456, 0}})),
+            "P2\n2 2\n123456\n  300    -1 123456     0 ");
+  const imImagePtr line = makeImage({std::vector<int>(16, 1)});
+  EXPECT_EQ(saved(line).substr(94), "    1     1 \n"); // a line holds 16 values
+  const imImagePtr colour(imCreateImage(3, imTypeColor, 2, 1));
+  for (int b = 0; b < 3; ++b)
+    for (int p = 0; p < 2; ++p)
+      colour->band[b][p] = 256 + 'a' + b + 3 * p;
+  EXPECT_EQ(saved(colour), "P6\n2 1\n255\nabcdef");
+}
+
+TEST(SaveImage, SetsAMaximumOfZero) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("image");
+  const struct {
+    Matrix pixels;
+    int maximum;
+  } cases[] = {{{{3, 8}}, 8}, {{{-3, -8}}, 0}};
+  for (const auto &c : cases) {
+    const imImagePtr image = makeImage(c.pixels);
+    image->maxValue = 0;
+    imSaveImage(path.c_str(), image.get());
+    EXPECT_EQ(image->maxValue, c.maximum);
+    EXPECT_EQ(contentsOf(path).substr(0, 8), "P2\n2 1\n" + std::to_string(c.maximum));
+  }
+}
+
+TEST(SaveImage, TypesWithoutAFileFormLeaveAnEmptyFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("image", "old bytes");
+  const imImagePtr image(imCreateImage(1, imTypeWork, 1, 1));
+  testing::internal::CaptureStderr();
+  imSaveImage(path.c_str(), image.get());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not write image. Unknown type.");
+  EXPECT_EQ(contentsOf(path), "");
+}
+
+TEST(SaveImage, FatalErrors) {
+  const imImagePtr image(imCreateImage(1, imTypeGrey, 3, 3));
+  EXPECT_EXIT(imSaveImage("no/such/folder", image.get()), testing::ExitedWithCode(1),
+              "^could not open file no/such/folder for writing\n$");
+  EXPECT_EXIT(imSaveImage("/dev/full", image.get()), testing::ExitedWithCode(1),
+              "^error writing image /dev/full\n$");
+  image->type = imTypeColor;
+  EXPECT_EXIT(imSaveImage("/dev/null", image.get()), testing::ExitedWithCode(1), "imSaveImage");
+}
+
+// Whatever a file holds, a copy of its image written again holds the same pixels.
+TEST(SaveImage, RoundTrips) {
+  const TemporaryFolder folder;
+  std::mt19937 random(3);
+  const struct {
+    int nbands;
+    char type;
+    int lo;
+    int hi;
+  } cases[] = {{1, imTypeGrey, 0, 255}, {3, imTypeColor, 0, 255}, {1, imTypeAscii, -70000, 70000}};
+  for (const auto &c : cases)
+    for (const int ncols : {1, 17, 300}) {
+      const imImagePtr image =
+          randomImage(random, c.nbands, c.type, ncols, 257, c.lo, c.hi); // more than one chunk
+      const imImagePtr copy(imCopyImage(image.get()));
+      imSaveImage(folder.path("image").c_str(), copy.get());
+      const imImagePtr again = read(folder.path("image"));
+      EXPECT_EQ(again->type, c.type);
+      EXPECT_EQ(again->maxValue, c.hi);
+      for (int b = 0; b < c.nbands; ++b)
+        EXPECT_EQ(bandOf(again.get(), b), bandOf(image.get(), b));
+    }
+}
+
+} // namespace
