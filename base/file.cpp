@@ -1,7 +1,6 @@
 #include "base/file.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -39,7 +38,7 @@ bool loadFile(const char *path, WantedBytesFn wanted, Bytes &bytes) {
   }
 }
 
-void Writer::text(std::string_view text) {
+void Writer::longText(std::string_view text) {
   while (!text.empty()) {
     const std::size_t part = std::min(text.size(), chunk);
     std::memcpy(room(part), text.data(), part);
@@ -48,23 +47,18 @@ void Writer::text(std::string_view text) {
 }
 
 void Writer::number(int value, int width) {
-  constexpr std::size_t longest = 16;
-  char digits[longest];
-  const char *end = std::to_chars(digits, digits + longest, value).ptr;
-  const std::size_t length = static_cast<std::size_t>(end - digits);
-  const std::size_t padding =
-      std::max(std::min(static_cast<std::size_t>(width), longest), length) - length;
-  char *at = room(padding + length);
-  std::memset(at, ' ', padding);
-  std::memcpy(at + padding, digits, length);
-}
-
-char *Writer::room(std::size_t count) {
-  if (count > chunk - used_)
-    flush();
-  char *at = buffer_.data() + used_;
-  used_ += count;
-  return at;
+  char field[2 * widest]; // the number ends in the middle; what is behind may be anything
+  std::memset(field, ' ', sizeof field);
+  char *at = field + widest;
+  std::uint32_t magnitude = value < 0 ? 0U - static_cast<std::uint32_t>(value) : value;
+  do {
+    *--at = static_cast<char>('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  if (value < 0)
+    *--at = '-';
+  const auto length = std::max<std::ptrdiff_t>(field + widest - at, std::min(width, widest));
+  std::memcpy(room(static_cast<std::size_t>(length)), field + widest - length, widest);
 }
 
 bool Writer::flush() {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -38,13 +39,24 @@ public:
   Writer(const Writer &) = delete;
   Writer &operator=(const Writer &) = delete;
 
-  void text(std::string_view text);
+  void text(std::string_view text) {
+    if (text.size() > chunk || text.size() > chunk - used_)
+      return longText(text);
+    std::memcpy(buffer_.data() + used_, text.data(), text.size());
+    used_ += text.size();
+  }
 
   /// A decimal integer, right-aligned with blanks in at least `width` (at most 16) characters.
   void number(int value, int width = 0);
 
   /// Room for `count` (at most `chunk`) characters, which the caller fills in at once.
-  char *room(std::size_t count);
+  char *room(std::size_t count) {
+    if (count > chunk - used_)
+      flush();
+    char *at = buffer_.data() + used_;
+    used_ += count;
+    return at;
+  }
 
   /// Hands everything to the stream; false when anything failed since the start.
   bool flush();
@@ -52,10 +64,13 @@ public:
   static constexpr std::size_t chunk = std::size_t{1} << 16;
 
 private:
+  void longText(std::string_view text);
+
+  static constexpr int widest = 16; // of a number; it is stored whole, so the buffer has some slack
   std::FILE *stream_;
   std::size_t used_ = 0;
   bool good_ = true;
-  std::array<char, chunk> buffer_;
+  std::array<char, chunk + widest> buffer_;
 };
 
 /// A file being written: created, or emptied, by the constructor.

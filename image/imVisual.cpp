@@ -46,8 +46,9 @@ imImage *imHighlightElements(const imImage *image, const imImage *mask, int r, i
 }
 
 imImage *imShowSegm(const imImage *image, const imImage *labels, int r, int g, int b) {
-  const bool grey = image != nullptr && (image->type == imTypeGrey || image->type == imTypeAscii);
-  const bool colour = image != nullptr && image->type == imTypeColor;
+  requireBands("imShowSegm", image, 0);
+  const bool grey = image->type == imTypeGrey || image->type == imTypeAscii;
+  const bool colour = image->type == imTypeColor;
   requireBands("imShowSegm", image, grey ? 1 : colour ? 3 : 0);
   requireBands("imShowSegm", labels, 1);
   requireSameSize("imShowSegm", image, labels);

@@ -21,9 +21,10 @@ void saveRoots(const char *path, const imImage *image, int n, const int *pixel, 
   writer.number(n);
   writer.text("\n");
   for (int i = 0; i < n; ++i) {
-    writer.number(pixel[i] % image->ncols);
+    const int y = pixel[i] / image->ncols;
+    writer.number(pixel[i] - y * image->ncols);
     writer.text(" ");
-    writer.number(pixel[i] / image->ncols);
+    writer.number(y);
     writer.text(" ");
     writer.number(label[i]);
     writer.text("\n");

@@ -1,0 +1,37 @@
+// What the benchmarks share. Every program prints, beside what it measures, a plain pass over the
+// same amount of memory in the same run: compare ratios, not seconds.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <string>
+
+/// The side of the images measured, in pixels.
+inline constexpr int benchSide = 4096;
+
+/// Reports nanoseconds per item, for a benchmark whose one iteration works on `items` of them.
+inline void reportPerItem(benchmark::State &state, const char *name, double items) {
+  using benchmark::Counter;
+  state.counters[name] = Counter(items * 1e-9 * static_cast<double>(state.iterations()),
+                                 Counter::kIsRate | Counter::kInvert);
+}
+
+/// A file that goes away with the benchmark.
+class ScratchFile {
+public:
+  ScratchFile()
+      : path_((std::filesystem::temp_directory_path() /
+               ("seedforest-bench-" + std::to_string(std::random_device{}())))
+                  .string()) {}
+  ~ScratchFile() { std::remove(path_.c_str()); }
+  ScratchFile(const ScratchFile &) = delete;
+  ScratchFile &operator=(const ScratchFile &) = delete;
+
+  const char *path() const { return path_.c_str(); }
+
+private:
+  std::string path_;
+};
