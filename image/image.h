@@ -4,4 +4,5 @@
 #include "image/imIO.h"
 #include "image/imImage.h"
 #include "image/imNeighborhood.h"
+#include "image/imPixelwise.h"
 #include "image/imVisual.h"

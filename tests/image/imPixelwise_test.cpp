@@ -1,0 +1,130 @@
+#include "image/imPixelwise.h"
+
+#include "base/arith.h"
+#include "support.h"
+
+#include <algorithm>
+
+using seedforest::detail::maxInt;
+using seedforest::detail::minInt;
+
+namespace {
+
+// Takes the image over.
+void expectImage(const char *what, imImage *image, char type, int maxValue,
+                 const std::vector<Matrix> &bands) {
+  SCOPED_TRACE(what);
+  const imImagePtr owned(image);
+  ASSERT_NE(image, nullptr);
+  EXPECT_EQ(image->type, type);
+  EXPECT_EQ(image->maxValue, maxValue);
+  ASSERT_EQ(image->nbands, static_cast<int>(bands.size()));
+  for (int b = 0; b < image->nbands; ++b)
+    EXPECT_EQ(bandOf(image, b), bands[b]) << "band " << b;
+}
+
+// Two bands, maxValue 50.
+imImagePtr twoBands(char type, const std::vector<int> &first, const std::vector<int> &second) {
+  imImagePtr image(imCreateImage(2, type, static_cast<int>(first.size()), 1));
+  std::copy(first.begin(), first.end(), image->band[0]);
+  std::copy(second.begin(), second.end(), image->band[1]);
+  image->maxValue = 50;
+  return image;
+}
+
+TEST(Pixelwise, OneBandFromBandZero) {
+  const imImagePtr owned = twoBands(imTypeGrey, {minInt, 0, 3, 7, 300, maxInt}, {1, 2, 3, 4, 5, 6});
+  imImage *a = owned.get();
+  expectImage("inclusive", imThreshold(a, 2, 3, 300), 2, 255, {{{0, 0, 255, 255, 255, 0}}});
+  expectImage("lo > hi", imThreshold(a, 1, 7, 3), 1, 255, {{{0, 0, 0, 0, 0, 0}}});
+  expectImage("pass", imBandPass(a, 11, minInt, 7), 11, 0, {{{minInt, 0, 3, 7, 0, 0}}});
+  expectImage("mask", imNegative2(a, 1), 1, 255, {{{255, 255, 0, 0, 0, 0}}});
+  expectImage("grey", imNegative(a, 2), 2, 255, {{{maxInt, 255, 252, 248, -45, 255 - maxInt}}});
+  EXPECT_EQ(a->maxValue, 50);
+}
+
+TEST(Pixelwise, NegativeRaisesTheMaximumOfOtherTypes) {
+  const imImagePtr image = makeImage({{0, 7, -2}});
+  image->maxValue = 0;
+  expectImage("raised", imNegative(image.get(), 1), 1, 0, {{{7, 0, 9}}});
+  EXPECT_EQ(image->maxValue, 7);
+  image->maxValue = 10;
+  expectImage("kept", imNegative(image.get(), 2), 2, 0, {{{10, 3, 12}}});
+  EXPECT_EQ(image->maxValue, 10);
+  const imImagePtr below = makeImage({{-3, -5, minInt}});
+  below->maxValue = -9;
+  expectImage("below 0", imNegative(below.get(), 2), 2, 0, {{{0, 2, maxInt - 2}}});
+}
+
+TEST(Pixelwise, BandByBand) {
+  const imImagePtr a = twoBands(6, {5, -1, 0, maxInt}, {1, 2, 3, minInt});
+  const imImagePtr b = twoBands(2, {0, 4, -1, -1}, {9, 2, -8, 1});
+  expectImage("mask", imMask(a.get(), b.get(), -7), 6, 0, {{{-7, -1, -7, -7}}, {{-7, 2, -7, -7}}});
+  expectImage("upper", imUpperEnvelope(a.get(), b.get()), 6, 0,
+              {{{5, 4, 0, maxInt}}, {{9, 2, 3, 1}}});
+  expectImage("lower", imLowerEnvelope(a.get(), b.get()), 6, 0,
+              {{{0, -1, -1, -1}}, {{1, 2, -8, minInt}}});
+  expectImage("minus", imSubtractImage(a.get(), b.get()), 6, maxInt,
+              {{{5, 0, 1, maxInt}}, {{0, 0, 11, 0}}});
+  expectImage("negative only", imSubtractImage(makeImage({{1}}).get(), makeImage({{2}}).get()), 2,
+              0, {{{0}}});
+  expectImage("difference", imBinaryDifference(a.get(), b.get(), 1), 1, 255,
+              {{{255, 0, 0, 0}}, {{0, 0, 0, 0}}}); // a negative b is not 0
+  expectImage("union", imBinaryUnion(a.get(), b.get(), 2), 2, 255,
+              {{{255, 255, 0, 255}}, {{0, 0, 0, 0}}});
+  EXPECT_EQ(imCombineImageWithGrad(a.get(), b.get()), 4);
+  expectImage("in place", imCopyImage(a.get()), 6, 50, {{{5, 4, 0, maxInt}}, {{1, 4, 3, -1}}});
+}
+
+TEST(Pixelwise, SumsClipByType) {
+  const imImagePtr grey = twoBands(imTypeGrey, {250, 3, minInt}, {0, 300, maxInt});
+  expectImage("grey", imAddToPixelValues(grey.get(), 10), 1, 60,
+              {{{255, 13, 0}}, {{10, 255, 255}}});
+  const imImagePtr other = twoBands(imTypeAscii, {250, 3, minInt}, {0, 300, maxInt});
+  expectImage("other", imAddToPixelValues(other.get(), 10), 2, 60,
+              {{{260, 13, 0}}, {{10, 310, maxInt}}});
+  expectImage("minus", imAddToPixelValues(other.get(), -51), 2, 0,
+              {{{199, 0, 0}}, {{0, 249, maxInt - 51}}});
+}
+
+TEST(Pixelwise, BordersGoAndComeBack) {
+  const imImagePtr image = twoBands(imTypeGrey, {1, 2}, {-3, 4});
+  const imImagePtr framed(imAddBorder(image.get(), 1));
+  expectImage("and back", imRemoveBorder(framed.get(), 1), 1, 0, {{{1, 2}}, {{-3, 4}}});
+  expectImage(
+      "framed", imCopyImage(framed.get()), 1, 0,
+      {{{0, 0, 0, 0}, {0, 1, 2, 0}, {0, 0, 0, 0}}, {{0, 0, 0, 0}, {0, -3, 4, 0}, {0, 0, 0, 0}}});
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(imAddBorder(image.get(), maxInt), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not allocate image!\n");
+}
+
+TEST(Pixelwise, FalseExtremaLookNoFurtherThanTheirNeighbours) {
+  const imImagePtr image = makeImage({{4, 4, 4, 4, 3}, {4, 4, 4, 4, 4}, {9, 4, 4, 4, 4}}, 1);
+  expectImage("minima", imFalseRegionalMinimum(image.get()), 2, 1,
+              {{{1, 1, 1, 0, 1}, {1, 1, 1, 0, 0}, {0, 1, 1, 1, 1}}});
+  expectImage("maxima", imFalseRegionalMaximum(image.get()), 2, 1,
+              {{{1, 1, 1, 1, 0}, {0, 0, 1, 1, 1}, {1, 0, 1, 1, 1}}});
+  for (const Matrix &same : {Matrix{{-3}}, Matrix{{8, 8, 8}}, Matrix{{0, 0}, {0, 0}}}) {
+    const Matrix all(same.size(), std::vector<int>(same[0].size(), 1));
+    expectImage("constant", imFalseRegionalMinimum(makeImage(same).get()), 2, 1, {all});
+    expectImage("constant", imFalseRegionalMaximum(makeImage(same).get()), 2, 1, {all});
+  }
+}
+
+TEST(Pixelwise, WhatDoesNotFitIsRefused) {
+  const imImagePtr two = twoBands(6, {1, 2, 3}, {4, 5, 6});
+  const imImagePtr one = makeImage({{1, 2, 3}});
+  const imImagePtr tall = makeImage({{1}, {2}, {3}}); // as many pixels
+  const auto exits = testing::ExitedWithCode(1);
+  EXPECT_EXIT(imNegative(nullptr, 1), exits, "imNegative");
+  EXPECT_EXIT(imMask(two.get(), tall.get(), 0), exits, "imMask");
+  EXPECT_EXIT(imBinaryUnion(one.get(), tall.get(), 1), exits, "imBinaryUnion");
+  EXPECT_EXIT(imUpperEnvelope(two.get(), one.get()), exits, "imUpperEnvelope");
+  EXPECT_EXIT(imCombineImageWithGrad(two.get(), tall.get()), exits, "imCombineImageWithGrad");
+  EXPECT_EXIT(imAddBorder(one.get(), -1), exits, "imAddBorder");
+  for (const int w : {-1, 1, maxInt})
+    EXPECT_EXIT(imRemoveBorder(one.get(), w), exits, "imRemoveBorder");
+}
+
+} // namespace
