@@ -21,6 +21,25 @@ constexpr int wrap(std::int64_t value) {
   return static_cast<int>(static_cast<std::uint32_t>(value));
 }
 
+/// The integer part, saturating; 0 for what is no number.
+inline int truncate(double value) {
+  if (std::isnan(value))
+    return 0;
+  return static_cast<int>(std::clamp(value, double{minInt}, double{maxInt}));
+}
+
+/// (a - b)^2: up to 64 bits without a sign.
+constexpr std::uint64_t squaredDifference(int a, int b) {
+  const std::uint64_t d =
+      a > b ? std::uint64_t(a) - std::uint64_t(b) : std::uint64_t(b) - std::uint64_t(a);
+  return d * d;
+}
+
+/// a + b, at most 2^64 - 1.
+constexpr std::uint64_t addSaturating(std::uint64_t a, std::uint64_t b) {
+  return a + b < a ? ~std::uint64_t{0} : a + b;
+}
+
 /// The integer part of the square root of value >= 0. A double holds every int exactly and its
 /// square root is correctly rounded, so truncation is exact over the whole range.
 inline int truncatedSqrt(int value) {

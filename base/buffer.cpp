@@ -44,13 +44,20 @@ void *allocateZeroed(std::size_t count, std::size_t size) {
   return block;
 }
 
+void *tryReallocate(void *block, std::size_t count, std::size_t size) {
+  const bool fits = count <= std::numeric_limits<std::size_t>::max() / size;
+  void *grown = fits ? std::realloc(block, std::max<std::size_t>(count * size, 1)) : nullptr;
+  if (grown == nullptr)
+    std::free(block);
+  else
+    adviseHugePages(grown, count * size);
+  return grown;
+}
+
 void *reallocate(void *block, std::size_t count, std::size_t size) {
-  if (count > std::numeric_limits<std::size_t>::max() / size)
-    outOfMemory();
-  block = std::realloc(block, std::max<std::size_t>(count * size, 1));
+  block = tryReallocate(block, count, size);
   if (block == nullptr)
     outOfMemory();
-  adviseHugePages(block, count * size);
   return block;
 }
 

@@ -18,7 +18,10 @@ void *tryAllocateZeroed(std::size_t count, std::size_t size);
 void *allocateZeroed(std::size_t count, std::size_t size);
 
 /// Grows or shrinks a block to `count` elements of `size` bytes, new bytes uninitialised (block may
-/// be null, for a fresh one); never null.
+/// be null, for a fresh one). Null when that cannot be had, and then the block is gone.
+void *tryReallocate(void *block, std::size_t count, std::size_t size);
+
+/// The same, never null.
 void *reallocate(void *block, std::size_t count, std::size_t size);
 
 /// Zeroed ints, for lists that a record hands to its caller.

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <sys/resource.h>
 
 /// The side of the images measured, in pixels.
 inline constexpr int benchSide = 4096;
@@ -17,6 +18,15 @@ inline void reportPerItem(benchmark::State &state, const char *name, double item
   using benchmark::Counter;
   state.counters[name] = Counter(items * 1e-9 * static_cast<double>(state.iterations()),
                                  Counter::kIsRate | Counter::kInvert);
+}
+
+/// Reports the most memory that the process has had so far, in bytes per pixel: run a program with
+/// a
+/// --benchmark_filter that leaves the benchmark of interest alone.
+inline void reportPeakMemory(benchmark::State &state, double pixels) {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  state.counters["peak bytes/pixel"] = static_cast<double>(usage.ru_maxrss) * 1024 / pixels;
 }
 
 /// A file that goes away with the benchmark.

@@ -1,5 +1,9 @@
 // The image foresting library.
 #pragma once
 
+#include "ift/core/ifCost.h"
+#include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
+#include "ift/core/ifWeightImage.h"
+#include "ift/core/iftForest.h"
 #include "ift/seeds/ifFrameSeeds.h"

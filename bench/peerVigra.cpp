@@ -1,0 +1,39 @@
+// Compiled as C++17, which is as new as the library's headers understand.
+
+#include "bench/peerVigra.h"
+
+#include <iostream>
+
+#include <vigra/multi_array.hxx>
+#include <vigra/seededregiongrowing.hxx>
+#include <vigra/watersheds.hxx>
+
+struct VigraWatershed::Images {
+  vigra::MultiArray<2, unsigned char> image;
+  vigra::MultiArray<2, unsigned> markers;
+  vigra::MultiArray<2, unsigned> labels;
+};
+
+VigraWatershed::VigraWatershed(int ncols, int nrows) : images_(new Images) {
+  const vigra::Shape2 shape(ncols, nrows);
+  images_->image.reshape(shape);
+  images_->markers.reshape(shape);
+  images_->labels.reshape(shape);
+}
+
+VigraWatershed::~VigraWatershed() {
+  delete images_;
+}
+
+unsigned char *VigraWatershed::image() {
+  return images_->image.data();
+}
+unsigned *VigraWatershed::markers() {
+  return images_->markers.data();
+}
+
+void VigraWatershed::run() {
+  images_->labels = images_->markers;
+  vigra::watershedsRegionGrowing(images_->image, images_->labels, vigra::EightNeighborCode(),
+                                 vigra::WatershedOptions().turboAlgorithm(256));
+}

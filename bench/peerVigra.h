@@ -1,0 +1,20 @@
+// VIGRA's watershed, for comparison; built only where the library is installed.
+#pragma once
+
+/// An 8-connected watershed of an 8-bit image with a queue of 256 buckets. Labels holds the markers
+/// before and every pixel's label afterwards. The returned object owns the images.
+class VigraWatershed {
+public:
+  VigraWatershed(int ncols, int nrows);
+  ~VigraWatershed();
+  VigraWatershed(const VigraWatershed &) = delete;
+  VigraWatershed &operator=(const VigraWatershed &) = delete;
+
+  unsigned char *image();
+  unsigned *markers();
+  void run();
+
+private:
+  struct Images;
+  Images *images_;
+};

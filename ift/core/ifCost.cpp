@@ -1,0 +1,35 @@
+#include "ift/core/ifCost.h"
+
+#include "base/arith.h"
+#include "base/report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+
+using namespace seedforest::detail;
+
+int ifPathCostSum(int cost, int weight) {
+  return wrap(std::int64_t{cost} + weight);
+}
+
+int ifEuclideanDistance(const imImage *image, int p, int q) {
+  requireBands("ifEuclideanDistance", image, 1);
+  std::uint64_t sum = 0;
+  for (int b = 0; b < image->nbands; ++b)
+    sum = addSaturating(sum, squaredDifference(image->band[b][p], image->band[b][q]));
+  return truncate(std::sqrt(static_cast<double>(sum / static_cast<std::uint64_t>(image->nbands))));
+}
+
+int ifMaxDistance(const imImage *image, int p, int q) {
+  std::int64_t largest = -1;
+  for (int b = 0; b < image->nbands; ++b)
+    largest = std::max(largest, std::abs(std::int64_t{image->band[b][p]} - image->band[b][q]));
+  return saturate(largest);
+}
+
+int ifChanferDistance(const imImage *image, int p, int q) {
+  const int ncols = image->ncols;
+  return p % ncols == q % ncols || p / ncols == q / ncols ? 12 : 17;
+}

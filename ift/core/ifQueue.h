@@ -1,0 +1,69 @@
+// The public bucket queue: elements 0 .. nelems - 1 wait in buckets, first in first out within
+// each; the buckets are served in a circle. Transforms order pixels by cost with exactly these
+// semantics.
+//
+// An element is white (-1: never inserted, or taken out), grey (0 .. nbuckets - 1: waiting in that
+// bucket) or black (-2: removed as a best element). The queue stores no costs; the caller computes
+// buckets. Each bucket is a list linked through prev and next, so every operation but isEmpty is
+// O(1).
+//
+// A bucket or an element out of range is ignored: nothing happens, and removal returns -1.
+#pragma once
+
+struct ifQueue {
+  int *first; ///< the head of each bucket, -1 when it is empty
+  int *last;  ///< the tail of each bucket, -1 when it is empty
+  int nbuckets;
+  int current; ///< where isEmpty() starts to search
+};
+
+struct ifQueueNodes {
+  int *prev;   ///< the element before, -1 at the head
+  int *next;   ///< the element behind, -1 at the tail
+  int *bucket; ///< the element's state
+  int nelems;
+};
+
+/// Allocates the five arrays and empties the queue. Where that fails, or there is no bucket, prints
+/// "Could not allocate queue (Q) in initQueue\n" (buckets) or "(A)" (elements) on standard error
+/// and leaves a queue that is empty and stays so.
+void initQueue(ifQueue *q, int nbuckets, ifQueueNodes *a, int nelems);
+
+/// Empties the queue: every element white, current 0.
+void resetQueue(ifQueue *q, ifQueueNodes *a);
+
+/// Appends element e at the tail of bucket b; an element that already waits is moved there.
+void insertQueue(ifQueue *q, ifQueueNodes *a, int b, int e);
+
+/// The same, and pulls current back to b if it was beyond.
+void insertQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e);
+
+/// Removes the head of bucket b, which becomes black, and returns it; -1 when the bucket is empty.
+int removeQueue(ifQueue *q, ifQueueNodes *a, int b);
+
+/// Takes a waiting element out, which becomes white; nothing where it does not wait.
+void removeQueueElem(ifQueue *q, ifQueueNodes *a, int e);
+
+/// Moves a waiting element to the tail of bucket b, even if it is there already; nothing where it
+/// does not wait.
+void updateQueue(ifQueue *q, ifQueueNodes *a, int b, int e);
+
+/// The same, and pulls current back to b if it was beyond and the element was moved.
+void updateQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e);
+
+/// Moves current forward, round the circle, to the first bucket that is not empty, itself included;
+/// returns 0, or 1 with current where it was when all are empty.
+int isEmpty(ifQueue *q);
+
+/// Frees the arrays and nulls every field.
+void releaseQueue(ifQueue *q, ifQueueNodes *a);
+
+namespace seedforest::detail {
+
+/// Prints the line of initQueue() on standard error: `what` is 'Q' for buckets, 'A' for elements.
+void complainOfQueue(char what);
+
+/// The same, for a transform that cannot go on without: ends the process with status 1.
+[[noreturn]] void queueUnavailable(char what);
+
+} // namespace seedforest::detail

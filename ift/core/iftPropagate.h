@@ -1,0 +1,315 @@
+// The one loop behind every transform, and the queue that it runs on. Internal: the public
+// operations are in iftForest.h and its siblings.
+//
+// Every transform is the same sentence: take the best waiting pixel, offer each neighbour a path
+// through it, let a strictly better path conquer. What differs is said by policies:
+//
+//   Arcs     visit(p, offer) calls offer(q, k) for each arc of p, in order; weight(p, q, k) weighs
+//   it Rule     extend(p, weight) is the cost of the offered path, improves(cost, q) the strict
+//   test,
+//            conquer(p, q, cost) stores what q gains, bucket(cost, q) says where q waits
+//   Entries  what waits in the queue, and how an outdated entry is told from a valid one
+//
+// Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
+// its new bucket; an equal cost never conquers. Buckets are served in a circle.
+#pragma once
+
+#include "base/buffer.h"
+#include "ift/core/ifCost.h"
+#include "ift/core/ifQueue.h"
+#include "image/imNeighborhood.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <map>
+#include <new>
+
+namespace seedforest::detail {
+
+/// The bucket of a key (a cost, or what the largest cost exceeds it by) in a circle of n: the
+/// remainder of division, folded into 0 .. n - 1.
+inline int circularBucket(std::int64_t key, std::int64_t n) {
+  if (key >= 0 && key < n)
+    return static_cast<int>(key);
+  const std::int64_t remainder = key % n;
+  return static_cast<int>(remainder < 0 ? remainder + n : remainder);
+}
+
+/// Buckets in a circle, each a first-in first-out list of entries. An element that is to move is
+/// simply appended anew, and its old entry left to be skipped when it surfaces: nothing is linked
+/// through per-element arrays, so memory is read and written in order.
+///
+/// Entries live in chunks of one growing pool; a drained chunk is used again. The table of buckets
+/// is dense, or an ordered map when there are many more buckets than elements.
+template <class Entry>
+class BucketQueue {
+public:
+  /// Ends the process with status 1, after the line of initQueue(), when the buckets cannot be had.
+  BucketQueue(std::int64_t nbuckets, int nelems)
+      : nbuckets_(nbuckets), dense_(nbuckets <= std::int64_t{4} * nelems + 65536) {
+    if (!dense_)
+      return;
+    const auto count = static_cast<std::size_t>(nbuckets);
+    table_.reset(static_cast<Bucket *>(tryAllocateZeroed(count, sizeof(Bucket))));
+    occupied_.reset(static_cast<std::uint64_t *>(
+        tryAllocateZeroed((count + wordBits - 1) / wordBits, sizeof(std::uint64_t))));
+    if (table_ == nullptr || occupied_ == nullptr)
+      queueUnavailable('Q');
+  }
+
+  std::int64_t size() const { return nbuckets_; }
+
+  /// The bucket from which take() took last, and where its search goes on.
+  int current() const { return current_; }
+
+  /// Appends an entry at the tail of bucket b, which is 0 .. size() - 1.
+  void append(int b, Entry entry) {
+    Bucket &bucket = bucketAt(b);
+    const bool roomInChunk = bucket.last % chunkSize != chunkSize - 1;
+    bucket.last = bucket.last != empty && roomInChunk ? bucket.last + 1 : startChunk(bucket, b);
+    pool_[bucket.last] = entry;
+  }
+
+  /// Takes the head of the current bucket or, when that is empty, of the next one in the circle
+  /// that is not. False when all are empty.
+  bool take(Entry &entry) {
+    Bucket *bucket = dense_ ? &table_[current_] : nullptr;
+    if (bucket == nullptr || bucket->last == empty) {
+      bucket = nextBucket();
+      if (bucket == nullptr)
+        return false;
+    }
+    const std::int64_t position = bucket->head;
+    entry = pool_[position];
+    if (position == bucket->last)
+      drain(*bucket);
+    else if (position % chunkSize == chunkSize - 1)
+      bucket->head = releaseChunk(position) * chunkSize;
+    else
+      bucket->head = position + 1;
+    return true;
+  }
+
+private:
+  // Positions of the first and the last entry in the pool. No bucket has chunk 0, so that a table
+  // of zeros is one of empty buckets.
+  struct Bucket {
+    std::int64_t head;
+    std::int64_t last;
+  };
+  static constexpr std::int64_t empty = 0;
+  static constexpr std::int64_t chunkSize = 64;
+  static constexpr std::int64_t noChunk = 0;
+  static constexpr std::int64_t wordBits = 64;
+
+  Bucket &bucketAt(int b) {
+    if (dense_)
+      return table_[b];
+    try {
+      return sparse_[b];
+    } catch (const std::bad_alloc &) {
+      queueUnavailable('Q');
+    }
+  }
+
+  // Puts an unused chunk at the tail of bucket b; returns the position of its first entry.
+  std::int64_t startChunk(Bucket &bucket, int b) {
+    if (freeChunk_ == noChunk)
+      growPool();
+    const std::int64_t chunk = freeChunk_;
+    freeChunk_ = next_[chunk];
+    if (bucket.last != empty) {
+      next_[bucket.last / chunkSize] = chunk;
+    } else {
+      bucket.head = chunk * chunkSize;
+      if (dense_)
+        occupied_[b / wordBits] |= std::uint64_t{1} << b % wordBits;
+    }
+    return chunk * chunkSize;
+  }
+
+  // Gives back the chunk around a position; returns the chunk that followed it in its bucket.
+  std::int64_t releaseChunk(std::int64_t position) {
+    const std::int64_t chunk = position / chunkSize;
+    const std::int64_t follower = next_[chunk];
+    next_[chunk] = freeChunk_;
+    freeChunk_ = chunk;
+    return follower;
+  }
+
+  // Empties the current bucket, whose last entry has been taken.
+  void drain(Bucket &bucket) {
+    releaseChunk(bucket.last);
+    bucket.last = empty;
+    if (dense_)
+      occupied_[current_ / wordBits] &= ~(std::uint64_t{1} << current_ % wordBits);
+    else
+      sparse_.erase(current_);
+  }
+
+  Bucket *nextBucket() {
+    if (!dense_) {
+      auto next = sparse_.lower_bound(current_);
+      if (next == sparse_.end())
+        next = sparse_.begin();
+      if (next == sparse_.end())
+        return nullptr;
+      current_ = next->first;
+      return &next->second;
+    }
+    // From the current word, without the bits before the current bucket, once round to that word.
+    const std::int64_t words = (nbuckets_ + wordBits - 1) / wordBits;
+    std::int64_t word = current_ / wordBits;
+    std::uint64_t bits = occupied_[word] & ~std::uint64_t{0} << current_ % wordBits;
+    for (std::int64_t seen = 0; bits == 0; ++seen) {
+      if (seen == words)
+        return nullptr;
+      word = word + 1 == words ? 0 : word + 1;
+      bits = occupied_[word];
+    }
+    current_ = static_cast<int>(word * wordBits + std::countr_zero(bits));
+    return &table_[current_];
+  }
+
+  void growPool() {
+    const std::int64_t grown = std::max<std::int64_t>(64, 2 * nchunks_);
+    pool_.reset(static_cast<Entry *>(tryReallocate(
+        pool_.release(), static_cast<std::size_t>(grown * chunkSize), sizeof(Entry))));
+    next_.reset(static_cast<std::int64_t *>(
+        tryReallocate(next_.release(), static_cast<std::size_t>(grown), sizeof(std::int64_t))));
+    if (pool_ == nullptr || next_ == nullptr)
+      queueUnavailable('A');
+    for (std::int64_t chunk = grown - 1; chunk >= std::max<std::int64_t>(nchunks_, 1); --chunk) {
+      next_[chunk] = freeChunk_;
+      freeChunk_ = chunk;
+    }
+    nchunks_ = grown;
+  }
+
+  std::int64_t nbuckets_;
+  bool dense_;
+  int current_ = 0;
+  Array<Bucket> table_;
+  Array<std::uint64_t> occupied_; // a bit for each bucket of the dense table: it is not empty
+  std::map<int, Bucket> sparse_;
+  Array<Entry> pool_;
+  Array<std::int64_t> next_; // the chunk behind each, in its bucket or in the list of free ones
+  std::int64_t nchunks_ = 0;
+  std::int64_t freeChunk_ = noChunk;
+};
+
+/// Entries for transforms in which paths never get better as they grow and each bucket holds a
+/// single cost. Then a pixel that is done cannot be improved, and an entry is outdated exactly when
+/// its pixel's cost belongs elsewhere: nothing needs to be stored beside the costs.
+struct PlainEntries {
+  struct Entry {
+    int pixel;
+  };
+  Entry make(int p, int) const { return {p}; }
+  bool isDone(int) const { return false; }
+  void finish(int) {}
+  template <class Rule>
+  bool isValid(const Rule &rule, Entry entry, int bucket) const {
+    return rule.bucket(rule.cost[entry.pixel], entry.pixel) == bucket;
+  }
+};
+
+/// Entries for all other transforms: a cost can meet another one in its bucket, so it is carried
+/// along, and what is done is marked. Costs improve strictly, so no pixel waits twice with one
+/// cost.
+class MarkedEntries {
+public:
+  /// Ends the process with status 1, after the line of initQueue(), without memory.
+  explicit MarkedEntries(int nelems)
+      : done_(static_cast<char *>(tryAllocateZeroed(static_cast<std::size_t>(nelems), 1))) {
+    if (done_ == nullptr)
+      queueUnavailable('A');
+  }
+
+  struct Entry {
+    int pixel;
+    int cost;
+  };
+  Entry make(int p, int cost) const { return {p, cost}; }
+  bool isDone(int q) const { return done_[q] != 0; }
+  void finish(int p) { done_[p] = 1; }
+  template <class Rule>
+  bool isValid(const Rule &rule, Entry entry, int) const {
+    return !isDone(entry.pixel) && rule.cost[entry.pixel] == entry.cost;
+  }
+
+private:
+  Array<char> done_;
+};
+
+/// Runs a transform whose seeds are waiting in the queue.
+template <class Arcs, class Rule, class Entries>
+void propagate(const Arcs &arcs, Rule &rule, Entries &entries,
+               BucketQueue<typename Entries::Entry> &queue) {
+  typename Entries::Entry entry;
+  while (queue.take(entry)) {
+    if (!entries.isValid(rule, entry, queue.current()))
+      continue;
+    const int p = entry.pixel;
+    entries.finish(p);
+    arcs.visit(p, [&](int q, int k) {
+      if (entries.isDone(q))
+        return;
+      const int cost = rule.extend(p, arcs.weight(p, q, k));
+      if (!rule.improves(cost, q))
+        return;
+      rule.conquer(p, q, cost);
+      queue.append(rule.bucket(cost, q), entries.make(q, cost));
+    });
+  }
+}
+
+/// The arcs of an adjacency, weighed by a function of the pixels at their ends.
+template <class Weight>
+struct AdjacencyArcs {
+  NeighborWalk neighbors;
+  Weight weigh;
+
+  template <class Offer>
+  void visit(int p, Offer offer) const {
+    neighbors.each(p, offer);
+  }
+  int weight(int p, int q, int) const { return weigh(p, q); }
+};
+
+/// The two directions of a transform: which of two costs is better, what an unreached pixel has,
+/// and the key by which a cost finds its bucket when costs are expected up to maxCost.
+struct Minimising {
+  static constexpr int infinite = ifInfiniteCost;
+  static bool isBetter(int a, int b) { return a < b; }
+  static std::int64_t key(int cost, int) { return cost; }
+};
+struct Maximising {
+  static constexpr int infinite = ifInfiniteCostInverted;
+  static bool isBetter(int a, int b) { return a > b; }
+  static std::int64_t key(int cost, int maxCost) { return std::int64_t{maxCost} - cost; }
+};
+
+/// The rule of the forest transforms: a path cost, and a label, a cost and a predecessor to gain.
+template <class Direction, class PathCost>
+struct ForestRule {
+  int *label;
+  int *cost;
+  int *pred;
+  int maxCost;
+  PathCost pathCost;
+
+  int extend(int p, int weight) const { return pathCost(cost[p], weight); }
+  bool improves(int offered, int q) const { return Direction::isBetter(offered, cost[q]); }
+  void conquer(int p, int q, int offered) {
+    cost[q] = offered;
+    label[q] = label[p];
+    pred[q] = p;
+  }
+  int bucket(int offered, int) const {
+    return circularBucket(Direction::key(offered, maxCost), std::int64_t{maxCost} + 1);
+  }
+};
+
+} // namespace seedforest::detail

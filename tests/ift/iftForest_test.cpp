@@ -1,0 +1,281 @@
+#include "ift/core/iftForest.h"
+
+#include "ift/core/iftPropagate.h"
+#include "reference/literalTransform.h"
+#include "support.h"
+
+#include <functional>
+
+using namespace seedforest::detail;
+
+namespace {
+
+using Transform = void (*)(const imImage *, imImage *, imNeighborhoodFn, ifArcWeightFn, int,
+                           ifPathCostFn, const ifRoots *);
+
+struct Seed {
+  int pixel;
+  int label;
+  int value;
+};
+
+ifRootsPtr makeSeeds(const std::vector<Seed> &seeds) {
+  ifRootsPtr roots = createRoots(static_cast<int>(seeds.size()));
+  for (int i = 0; i < roots->n; ++i) {
+    roots->pixel[i] = seeds[i].pixel;
+    roots->label[i] = seeds[i].label;
+    roots->value[i] = seeds[i].value;
+  }
+  return roots;
+}
+
+struct Forest {
+  Matrix label;
+  Matrix cost;
+  Matrix pred;
+};
+
+Forest forestOf(const imImage *output) {
+  const int n = output->nbands;
+  return {bandOf(output, n - 3), bandOf(output, n - 2), bandOf(output, n - 1)};
+}
+
+Forest run(Transform transform, const imImagePtr &input, const std::vector<Seed> &seeds,
+           int maxCost, ifPathCostFn pathCost, ifArcWeightFn weight = ifWatershedMetric) {
+  const imImagePtr output(imCreateImage(3, imTypeWork, input->ncols, input->nrows));
+  transform(input.get(), output.get(), imNeighborhood8, weight, maxCost, pathCost,
+            makeSeeds(seeds).get());
+  return forestOf(output.get());
+}
+
+TEST(Forest, TiesOnPlateaus) {
+  struct Case {
+    const char *what;
+    Matrix image;
+    std::vector<Seed> seeds;
+    Matrix label;
+  };
+  const Matrix odd = {{0, 0, 0, 0, 0, 0, 0, 0, 0}};
+  const Matrix even = {Matrix::value_type(8, 0), Matrix::value_type(8, 0)};
+  const Case cases[] = {
+      {"odd gap: the first listed takes the middle",
+       odd,
+       {{0, 1, 0}, {8, 2, 0}},
+       {{1, 1, 1, 1, 1, 2, 2, 2, 2}}},
+      {"odd gap, listed in reverse", odd, {{8, 2, 0}, {0, 1, 0}}, {{1, 1, 1, 1, 2, 2, 2, 2, 2}}},
+      {"even gap: each takes half",
+       even,
+       {{7, 2, 0}, {0, 1, 0}},
+       {{1, 1, 1, 1, 2, 2, 2, 2}, {1, 1, 1, 1, 2, 2, 2, 2}}},
+      {"a seed of higher cost is conquered while it waits",
+       {{0, 0, 0, 0, 0}},
+       {{4, 2, 3}, {0, 1, 1}},
+       {{1, 1, 1, 1, 1}}},
+      {"a seed of equal cost is not", {{0, 0, 0, 0, 0}}, {{4, 2, 1}, {0, 1, 1}}, {{1, 1, 2, 2, 2}}},
+      {"the ridge goes to whoever is there first",
+       {{0, 5, 9, 5, 0}},
+       {{4, 2, 0}, {0, 1, 0}},
+       {{1, 1, 2, 2, 2}}},
+      {"a pixel listed twice takes the later label and the later place",
+       {{0, 0, 0}},
+       {{0, 1, 0}, {2, 2, 0}, {0, 3, 0}},
+       {{3, 2, 2}}},
+      {"costs beyond the bound are served in remainder order",
+       {{0, 0, 0}},
+       {{0, 1, 0}, {2, 2, 2}},
+       {{1, 1, 2}}},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.what);
+    int bound = 9;
+    if (c.seeds.back().value == 2)
+      bound = 1;
+    EXPECT_EQ(run(iftNonNormalized, makeImage(c.image), c.seeds, bound, ifPathCostMax).label,
+              c.label);
+    // Mirrored: the negative image and costs, maximised.
+    imImagePtr mirrored = makeImage(c.image);
+    for (int p = 0; p < mirrored->npixels; ++p)
+      mirrored->band[0][p] = bound - mirrored->band[0][p];
+    std::vector<Seed> seeds = c.seeds;
+    for (Seed &seed : seeds)
+      seed.value = bound - seed.value;
+    EXPECT_EQ(run(iftNonNormalizedInverted, mirrored, seeds, bound, ifPathCostMin).label, c.label);
+  }
+}
+
+TEST(Forest, CostsAndPredecessors) {
+  const imImagePtr image = makeImage({{3, 1, 4}, {1, 5, 9}});
+  const Forest forest = run(iftNonNormalized, image, {{0, 7, 2}}, 9, ifPathCostMax);
+  EXPECT_EQ(forest.cost, (Matrix{{2, 2, 4}, {2, 5, 9}}));
+  EXPECT_EQ(forest.pred, (Matrix{{0, 0, 1}, {0, 0, 1}}));
+  EXPECT_EQ(forest.label, (Matrix{{7, 7, 7}, {7, 7, 7}}));
+}
+
+TEST(Forest, UnreachedPixelsKeepTheirStart) {
+  const imImagePtr image = makeImage({{3, 1, 4}});
+  for (const auto &[transform, infinite] :
+       {std::pair<Transform, int>{iftNonNormalized, ifInfiniteCost},
+        std::pair<Transform, int>{iftNonNormalizedInverted, ifInfiniteCostInverted}}) {
+    const Forest none = run(transform, image, {}, 9, ifPathCostSum);
+    EXPECT_EQ(none.cost, (Matrix{{infinite, infinite, infinite}}));
+    EXPECT_EQ(none.label, (Matrix{{0, 0, 0}}));
+    EXPECT_EQ(none.pred, (Matrix{{0, 1, 2}}));
+  }
+  const Forest blocked = run(iftNonNormalized, image, {{1, 8, 3}}, 9, ifPathCostMaxLocal);
+  EXPECT_EQ(blocked.cost, (Matrix{{3, 3, ifInfiniteCost}}));
+  EXPECT_EQ(blocked.label, (Matrix{{8, 8, 0}}));
+}
+
+TEST(Forest, WritesTheLastThreeBandsOnly) {
+  const imImagePtr image = makeImage({{0, 0}});
+  const imImagePtr output(imCreateImage(5, imTypeWork, 2, 1));
+  output->band[0][1] = 77;
+  iftNonNormalized(image.get(), output.get(), imNeighborhood4, ifChanferDistance, 100,
+                   ifPathCostSum, makeSeeds({{0, 5, 1}}).get());
+  EXPECT_EQ(bandOf(output.get(), 0), (Matrix{{0, 77}}));
+  EXPECT_EQ(bandOf(output.get(), 3), (Matrix{{1, 13}}));
+}
+
+TEST(Forest, RefusesWhatItCannotDo) {
+  const imImagePtr image = makeImage({{0, 0}});
+  const imImagePtr other(imCreateImage(3, imTypeWork, 1, 2));
+  const auto with = [&image](const imImage *output, const std::vector<Seed> &seeds, int maxCost) {
+    iftNonNormalized(image.get(), const_cast<imImage *>(output), imNeighborhood8, ifWatershedMetric,
+                     maxCost, ifPathCostMax, makeSeeds(seeds).get());
+  };
+  const imImagePtr output(imCreateImage(3, imTypeWork, 2, 1));
+  const auto exits = testing::ExitedWithCode(1);
+  EXPECT_EXIT(with(image.get(), {}, 1), exits, "iftNonNormalized");
+  EXPECT_EXIT(with(other.get(), {}, 1), exits, "iftNonNormalized");
+  EXPECT_EXIT(with(output.get(), {}, -1), exits, "iftNonNormalized.*-1");
+  EXPECT_EXIT(with(output.get(), {{2, 1, 0}}, 1), exits, "iftNonNormalized.*2");
+}
+
+// Random problems, for the certificate and the comparison below.
+struct Problem {
+  imImagePtr image;
+  std::vector<Seed> seeds;
+  int maxCost;
+};
+
+Problem randomProblem(std::mt19937 &random, bool inRange) {
+  const auto pick = [&random](int lo, int hi) {
+    return std::uniform_int_distribution(lo, hi)(random);
+  };
+  const int levels[] = {1, 3, 20, 255};
+  const int top = levels[random() % 4];
+  Problem problem = {randomImage(random, pick(1, 2), imTypeAscii, pick(1, 14), pick(1, 14),
+                                 inRange ? 0 : -top / 2, top),
+                     {},
+                     top};
+  if (!inRange)
+    problem.maxCost = std::vector<int>{0, 1, top / 3, top, 70000, 2147483647}[random() % 6];
+  for (int n = pick(0, 9); n > 0; --n)
+    problem.seeds.push_back({pick(0, problem.image->npixels - 1), pick(1, 4),
+                             inRange ? pick(0, top) : pick(-2 * top, 4 * top)});
+  return problem;
+}
+
+constexpr ifArcWeightFn weights[] = {ifWatershedMetric, ifEuclideanDistance, ifMaxDistance,
+                                     ifChanferDistance};
+constexpr ifPathCostFn pathCosts[] = {ifPathCostMax, ifPathCostMin, ifPathCostSum,
+                                      ifPathCostMaxLocal, ifPathCostMinLocal};
+
+template <class Direction>
+void compareWithLiteral(Transform transform) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 1500; ++round) {
+    Problem problem = randomProblem(random, round % 3 != 0);
+    if (problem.maxCost > 100000)
+      problem.maxCost = 100000; // the literal queue would ask for gigabytes
+    const ifArcWeightFn weight = weights[round % 2 == 0 ? 0 : random() % 4];
+    const ifPathCostFn pathCost = pathCosts[random() % 5];
+    const imNeighborhoodFn adjacency = random() % 3 == 0 ? imNeighborhood4 : imNeighborhood8;
+    const imImage *image = problem.image.get();
+    const ifRootsPtr seeds = makeSeeds(problem.seeds);
+    const imImagePtr fast(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
+    transform(image, fast.get(), adjacency, weight, problem.maxCost, pathCost, seeds.get());
+    const imImagePtr literal(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
+    const auto weigh = [=](int p, int q) { return weight(image, p, q); };
+    const AdjacencyArcs<decltype(weigh)> arcs = {NeighborWalk(image, adjacency), weigh};
+    int **band = literal->band;
+    literalTransform(
+        arcs,
+        ForestRule<Direction, ifPathCostFn>{band[0], band[1], band[2], problem.maxCost, pathCost},
+        Direction::infinite, problem.maxCost + 1, image->npixels, *seeds);
+    for (int b = 0; b < 3; ++b)
+      ASSERT_EQ(bandOf(fast.get(), b), bandOf(literal.get(), b))
+          << "round " << round << ", band " << b;
+  }
+}
+
+TEST(Forest, EqualsTheLiteralLoop) {
+  compareWithLiteral<Minimising>(iftNonNormalized);
+}
+TEST(Forest, InvertedEqualsTheLiteralLoop) {
+  compareWithLiteral<Maximising>(iftNonNormalizedInverted);
+}
+
+// The bound only sizes the queue: with costs in range, a huge one changes nothing.
+TEST(Forest, HugeBoundsGiveTheSameForest) {
+  std::mt19937 random(13);
+  for (int round = 0; round < 200; ++round) {
+    const Problem problem = randomProblem(random, true);
+    for (const ifPathCostFn pathCost : {ifPathCostMax, ifPathCostSum}) {
+      const auto with = [&](int bound) {
+        return run(iftNonNormalized, problem.image, problem.seeds, bound, pathCost);
+      };
+      const Forest small = with(20000);
+      const Forest huge = with(2147483647);
+      ASSERT_EQ(small.label, huge.label);
+      ASSERT_EQ(small.pred, huge.pred);
+    }
+  }
+}
+
+// Proves a forest optimal without another transform: costs follow predecessors, predecessors end at
+// seeds, and no arc offers better.
+TEST(Forest, Certificate) {
+  std::mt19937 random(12);
+  for (int round = 0; round < 600; ++round) {
+    const Problem problem = randomProblem(random, true);
+    const imImage *image = problem.image.get();
+    const ifArcWeightFn weight = weights[random() % 4];
+    const bool maximise = round % 2 == 1;
+    const ifPathCostFn pathCost =
+        maximise ? ifPathCostMin : (random() % 2 == 0 ? ifPathCostMax : ifPathCostSum);
+    const imImagePtr output(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
+    const auto transform = maximise ? iftNonNormalizedInverted : iftNonNormalized;
+    transform(image, output.get(), imNeighborhood8, weight, 4000, pathCost,
+              makeSeeds(problem.seeds).get());
+    const int *label = output->band[0];
+    const int *cost = output->band[1];
+    const int *pred = output->band[2];
+    std::vector<Seed> seedAt(static_cast<std::size_t>(image->npixels), {-1, 0, 0});
+    for (const Seed &seed : problem.seeds)
+      seedAt[seed.pixel] = seed;
+    const NeighborWalk neighbors(image, imNeighborhood8);
+    for (int p = 0; p < image->npixels; ++p) {
+      if (problem.seeds.empty())
+        continue;
+      if (pred[p] == p) {
+        EXPECT_EQ(seedAt[p].pixel, p);
+        EXPECT_EQ(seedAt[p].label, label[p]);
+        EXPECT_EQ(seedAt[p].value, cost[p]);
+      } else {
+        EXPECT_EQ(cost[p], pathCost(cost[pred[p]], weight(image, pred[p], p)));
+        EXPECT_EQ(label[p], label[pred[p]]);
+        int steps = 0;
+        for (int r = p; pred[r] != r && steps <= image->npixels; r = pred[r])
+          ++steps;
+        EXPECT_LE(steps, image->npixels - 1);
+      }
+      neighbors.each(p, [&](int q, int) {
+        const int offer = pathCost(cost[p], weight(image, p, q));
+        EXPECT_TRUE(maximise ? offer <= cost[q] : offer >= cost[q]);
+      });
+    }
+  }
+}
+
+} // namespace
