@@ -3,6 +3,7 @@
 // through outOfMemory(), unless the function says otherwise.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
@@ -50,5 +51,31 @@ Array<T> makeZeroedArray(std::size_t count) {
   static_assert(std::is_trivial_v<T>);
   return Array<T>(static_cast<T *>(allocateZeroed(count, sizeof(T))));
 }
+
+/// A stack that takes up memory as it grows.
+template <class T>
+class Stack {
+public:
+  bool isEmpty() const { return size_ == 0; }
+
+  /// The element pushed last; a further push() may move it.
+  T &top() { return data_[size_ - 1]; }
+
+  void push(T value) {
+    if (size_ == capacity_) {
+      capacity_ = std::max<std::size_t>(2 * capacity_, 64);
+      data_.reset(static_cast<T *>(reallocate(data_.release(), capacity_, sizeof(T))));
+    }
+    data_[size_++] = value;
+  }
+
+  T pop() { return data_[--size_]; }
+
+private:
+  static_assert(std::is_trivial_v<T>);
+  Array<T> data_;
+  std::size_t size_ = 0;
+  std::size_t capacity_ = 0;
+};
 
 } // namespace seedforest::detail

@@ -6,4 +6,6 @@
 #include "ift/core/ifRoots.h"
 #include "ift/core/ifWeightImage.h"
 #include "ift/core/iftForest.h"
+#include "ift/label/ifContour.h"
+#include "ift/label/ifLabel.h"
 #include "ift/seeds/ifFrameSeeds.h"

@@ -1,0 +1,30 @@
+// Labels for connected sets of pixels: components of a binary image, flat zones around seeds, and
+// labels renumbered without gaps. All work on band 0 and join neighbours by imNeighborhood8.
+//
+// Outputs are images of the input's size, zeroed by the caller: no operation clears what it does
+// not write. Errors: an image without band 0, or of another size than its partner, ends the process
+// with status 1 after a line.
+#pragma once
+
+#include "ift/core/ifRoots.h"
+
+/// Connected components: numbers the 8-connected sets of pixels > 0 with 1, 2, ... in the order of
+/// their first pixels in raster order. One pass over runs of pixels with a union-find.
+///   binary  pixels > 0 are object
+///   labels  in, out: an object pixel gets the number of its component, others stay as they are.
+///           In an image that holds labels already, a component counts from its first pixel of
+///           label 0: one without such a pixel is left alone and takes no number, any other is
+///           numbered whole. maxValue becomes the number of components, 0 where there is none.
+/// Prints "in ifLabelImage\n" on standard output.
+void ifLabelImage(const imImage *binary, imImage *labels);
+
+/// Flat zones: writes 255 on every pixel of the 8-connected zones of equal grey value that hold a
+/// root, by a flood from the roots.
+///   grey    any values
+///   output  out: 255 where reached, else unchanged; maxValue stays as it is
+/// Errors: a root outside the image ends the process with status 1 after a line.
+void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *roots);
+
+/// Renumbers the values of an image 1 .. k, in place, in the order of their first pixels in raster
+/// order; 0 and negative values are numbered like any other. maxValue becomes k.
+void ifCorrectLabels(imImage *labels);

@@ -1,0 +1,234 @@
+#include "ift/label/ifContour.h"
+
+#include "base/arith.h"
+#include "image/imNeighborhood.h"
+#include "support.h"
+
+#include <algorithm>
+
+using namespace seedforest::detail;
+
+namespace {
+
+imImagePtr blankLike(const imImage *image) {
+  return imImagePtr(imCreateImage(1, imTypeAscii, image->ncols, image->nrows));
+}
+
+TEST(RegionsToContours, InnerBorders) {
+  const imImagePtr labels = makeImage({{1, 1, 1, 2, 2}, //
+                                       {1, 1, 1, 2, 2},
+                                       {1, 1, 0, 2, 2},
+                                       {1, 1, 1, -3, 2},
+                                       {1, 1, 1, 0, -3}});
+  const imImagePtr output = blankLike(labels.get());
+  ifRegionsToContours(labels.get(), output.get());
+  EXPECT_EQ(bandOf(output.get()), (Matrix{{0, 0, 0, 0, 0},
+                                          {0, 0, 255, 0, 0},
+                                          {0, 255, 0, 255, 0},
+                                          {0, 0, 255, 0, 0},
+                                          {0, 0, 255, 0, 0}}));
+  const imImagePtr full = makeImage({{1, 1}, {1, 1}});
+  const imImagePtr none = blankLike(full.get());
+  ifRegionsToContours(full.get(), none.get());
+  EXPECT_EQ(bandOf(none.get()), (Matrix{{0, 0}, {0, 0}}));
+  EXPECT_EQ(none->maxValue, 255);
+  EXPECT_EXIT(ifRegionsToContours(labels.get(), none.get()), testing::ExitedWithCode(1),
+              "ifRegionsToContours");
+}
+
+TEST(LabelContours, Walks) {
+  const struct {
+    Matrix contour, labels;
+    int count, maxValue;
+  } cases[] = {
+      {{{0, 0}}, {{0, 0}}, 0, 0},
+      {{{0, 1, 1, 1, 1, 1}}, {{0, 1, 2, 3, 4, 7}}, 5, 7},
+      {{{1, 0, 1, 0, 1}}, {{3, 0, 6, 0, 9}}, 3, 9}, // more labels than pixels
+      {{{-1, 4, -1}, {0, 0, 0}, {-1, -1, -1}}, {{5, 1, 2}, {0, 0, 0}, {0, 0, 0}}, 3, 5},
+      // A ring: two branches in turn, straight before diagonal, meet at the far corner.
+      {{{1, 1, 1}, {1, 0, 1}, {1, 1, 1}}, {{1, 2, 4}, {3, 0, 6}, {5, 7, 10}}, 8, 10},
+      // The diagonal is taken only from a pixel without a straight way on.
+      {{{1, 1, 0, 0}, {0, 1, 0, 1}, {1, 0, 1, 0}},
+       {{1, 2, 0, 0}, {0, 3, 0, 8}, {5, 0, 4, 0}},
+       6,
+       8},
+  };
+  for (const auto &c : cases) {
+    const imImagePtr contour = makeImage(c.contour);
+    const imImagePtr labels = blankLike(contour.get());
+    EXPECT_EQ(labelContours(contour.get(), labels.get()), c.count);
+    EXPECT_EQ(bandOf(labels.get()), c.labels);
+    EXPECT_EQ(labels->maxValue, c.maxValue);
+  }
+}
+
+// A record with room for every pixel of an image, and what has been appended to it.
+struct Followed {
+  explicit Followed(const imImage *image)
+      : pixel(image->npixels), label(image->npixels), value(image->npixels) {}
+
+  void follow(imImage *mask, const imImage *shape, int contour, int p, const int *displacements) {
+    ifRoots2 record = {pixel.data(), label.data(), value.data(), nullptr, -1};
+    ifContourFollow(&record, &count, contour, mask, shape, p, displacements);
+    EXPECT_EQ(record.n, -1);
+  }
+
+  std::vector<int> pixel, label, value;
+  int count = 0;
+};
+
+constexpr int eight[] = {1, 0, 0, 1, 0, -1, -1, 0, 1, 1, -1, 1, 1, -1, -1, -1};
+
+// The recursive form, with the positions as differences of pixel indices.
+void followRecursively(Followed &record, int contour, imImage *mask, const imImage *shape, int p,
+                       const int *displacements) {
+  const int w = shape->ncols;
+  record.pixel[record.count] = p;
+  record.label[record.count] = record.count + 1;
+  record.value[record.count++] = contour;
+  mask->band[0][p] = 0;
+  for (int k = 0; k < 8; ++k) {
+    const int x = p % w + displacements[2 * k];
+    const int y = p / w + displacements[2 * k + 1];
+    const int q = x + y * w;
+    if (x < 0 || x >= w || y < 0 || y >= shape->nrows || mask->band[0][q] < 1)
+      continue;
+    const int above = y > 0 ? shape->band[0][q - w] : 0;
+    const int below = y < shape->nrows - 1 ? shape->band[0][q + w] : 0;
+    const int left = x > 0 ? shape->band[0][q - 1] : 0;
+    const int right = x < w - 1 ? shape->band[0][q + 1] : 0;
+    bool follow = false;
+    if (q == p - w)
+      follow = left > 0 && right == 0;
+    else if (q == p + w)
+      follow = right > 0 && left == 0;
+    else if (q == p + 1)
+      follow = above > 0 && below == 0;
+    else if (q == p - 1)
+      follow = below > 0 && above == 0;
+    else if (q == p - w + 1)
+      follow = left > 0 && below == 0;
+    else if (q == p + w + 1)
+      follow = above > 0 && left == 0;
+    else if (q == p - w - 1)
+      follow = below > 0 && right == 0;
+    else if (q == p + w - 1)
+      follow = right > 0 && above == 0;
+    if (follow)
+      followRecursively(record, contour, mask, shape, q, displacements);
+  }
+}
+
+TEST(ContourFollow, WalksABorderWithTheShapeOnItsLeft) {
+  const imImagePtr shape = makeImage({{0, 0, 0, 0, 0}, //
+                                      {0, 1, 1, 1, 0},
+                                      {0, 1, 1, 1, 0},
+                                      {0, 1, 1, 1, 0}});
+  const imImagePtr mask(imCopyImage(shape.get()));
+  mask->band[0][12] = 0;
+  Followed record(shape.get());
+  record.follow(mask.get(), shape.get(), 7, 6, eight);
+  ASSERT_EQ(record.count, 8);
+  record.pixel.resize(8);
+  EXPECT_EQ(record.pixel, (std::vector<int>{6, 11, 16, 17, 18, 13, 8, 7}));
+  EXPECT_EQ(std::count(record.value.begin(), record.value.end(), 7), 8);
+  EXPECT_EQ(record.label[7], 8);
+  EXPECT_EQ(mask->maxValue, 1);
+  EXPECT_EQ(bandOf(mask.get()), Matrix(4, std::vector<int>(5)));
+}
+
+TEST(ContourFollow, EqualsTheRecursion) {
+  std::mt19937 random(8);
+  for (int round = 0; round < 2000; ++round) {
+    const int ncols = 1 + static_cast<int>(random() % (round % 2 == 0 ? 3 : 12));
+    const int nrows = 1 + static_cast<int>(random() % 12);
+    const imImagePtr shape = randomImage(random, 1, imTypeGrey, ncols, nrows, -1, 2);
+    const imImagePtr mask = randomImage(random, 1, imTypeGrey, ncols, nrows, -1, 3);
+    const imImagePtr otherMask(imCopyImage(mask.get()));
+    std::vector<int> displacements(std::begin(eight), std::end(eight));
+    if (round % 4 == 3) // any list will do, steps of no rule included
+      std::generate(displacements.begin(), displacements.end(),
+                    [&] { return static_cast<int>(random() % 5) - 2; });
+    Followed record(shape.get());
+    Followed expected(shape.get());
+    for (int p = 0; p < shape->npixels; ++p)
+      if (mask->band[0][p] > 0) {
+        record.follow(mask.get(), shape.get(), p, p, displacements.data());
+        followRecursively(expected, p, otherMask.get(), shape.get(), p, displacements.data());
+      }
+    ASSERT_EQ(record.count, expected.count) << "round " << round;
+    EXPECT_EQ(record.pixel, expected.pixel);
+    EXPECT_EQ(record.label, expected.label);
+    EXPECT_EQ(record.value, expected.value);
+    EXPECT_EQ(bandOf(mask.get()), bandOf(otherMask.get()));
+  }
+}
+
+TEST(ContourFollow, AMillionPixels) {
+  const int length = 500000;
+  const imImagePtr shape(imCreateImage(1, imTypeGrey, length + 2, 5));
+  for (int y = 1; y <= 3; ++y)
+    std::fill_n(shape->band[0] + shape->row[y] + 1, length, 1);
+  const imImagePtr mask(imCopyImage(shape.get()));
+  std::fill_n(mask->band[0] + mask->row[2] + 2, length - 2, 0);
+  Followed record(shape.get());
+  record.follow(mask.get(), shape.get(), 1, shape->row[1] + 1, eight);
+  EXPECT_EQ(record.count, 2 * length + 2);
+  EXPECT_EQ(record.pixel[2 * length + 1], shape->row[1] + 2); // once around
+}
+
+TEST(ContourFollow, Errors) {
+  const imImagePtr shape = makeImage({{1, 0}});
+  const imImagePtr other = makeImage({{1}, {0}});
+  Followed record(shape.get());
+  const auto follow = [&](int count, imImage *mask, int p) {
+    record.count = count;
+    record.follow(mask, shape.get(), 1, p, eight);
+  };
+  EXPECT_EXIT(follow(-1, shape.get(), 0), testing::ExitedWithCode(1), "ifContourFollow.*-1");
+  EXPECT_EXIT(follow(2, shape.get(), 0), testing::ExitedWithCode(1), "ifContourFollow.*2");
+  EXPECT_EXIT(follow(0, shape.get(), 2), testing::ExitedWithCode(1), "ifContourFollow.*2");
+  EXPECT_EXIT(follow(0, other.get(), 0), testing::ExitedWithCode(1), "ifContourFollow");
+  follow(1, shape.get(), 1);
+  EXPECT_EQ(record.pixel[1], 1);
+}
+
+TEST(LabelDifferences, HandImages) {
+  constexpr int none = -100000;
+  const struct {
+    Matrix value, label;
+    int maxLabel, absolute;
+    Matrix difference;
+    int maxValue;
+  } cases[] = {
+      // A ring: 1 and 8 are neighbours along it, as are 1 and 2; 9 lies in a label of its own.
+      {{{1, 2, 3}, {8, 9, 4}, {7, 6, 5}},
+       {{2, 2, 2}, {2, 1, 2}, {2, 2, 2}},
+       2,
+       1,
+       {{1, 1, 1}, {1, 2, 1}, {1, 1, 1}},
+       2},
+      // Half the range is rounded down: r = 7, so 4 counts as 3. Signed, a fall of 4 stays a fall.
+      {{{1, 5, 8}}, {{1, 1, 1}}, 1, 1, {{3, 3, 3}}, 4},
+      {{{8, 4, 1}}, {{1, 1, 1}}, 1, 0, {{-4, 3, 3}}, 4},
+      // Beside a higher label only; beside a lower one only; alone.
+      {{{4, 9}}, {{1, 2}}, 2, 1, {{-99999, none}}, -99999},
+      {{{4}}, {{1}}, 1, 1, {{none}}, -99999},
+      // Labels outside 1 .. maxValue have no range, yet the higher one marks the lower.
+      {{{4, 9, 1, 2}}, {{0, 0, 7, 7}}, 3, 1, {{none, -99999, none, none}}, -99999},
+      // Far apart labels, and values whose differences take more than 32 bits.
+      {{{4, 6, 7, 9}}, {{5, 5, maxInt, maxInt}}, maxInt, 1, {{0, 1, 0, 0}}, 1},
+      {{{minInt, maxInt}}, {{1, 1}}, 1, 0, {{0, none}}, 1},
+  };
+  for (const auto &c : cases) {
+    const imImagePtr value = makeImage(c.value);
+    const imImagePtr label = makeImage(c.label);
+    label->maxValue = c.maxLabel;
+    const imImagePtr output = blankLike(label.get());
+    ifLabelDifferences(value.get(), label.get(), output.get(), c.absolute);
+    EXPECT_EQ(bandOf(output.get()), c.difference) << "value " << c.value[0][0];
+    EXPECT_EQ(output->maxValue, c.maxValue) << "value " << c.value[0][0];
+  }
+}
+
+} // namespace
