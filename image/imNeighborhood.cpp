@@ -73,7 +73,7 @@ int imMorphWindow(int **list, int r) {
 namespace seedforest::detail {
 
 NeighborWalk::NeighborWalk(const imImage *image, imNeighborhoodFn adjacency)
-    : ncols_(image->ncols), nrows_(image->nrows) {
+    : ncols_(image->ncols), nrows_(image->nrows), lastRow_(image->npixels - image->ncols) {
   int *list = nullptr;
   n_ = adjacency(&list);
   displacement_.reset(list);

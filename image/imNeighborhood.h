@@ -48,6 +48,9 @@ public:
   int dx(int k) const { return displacement_[2 * k]; }
   int dy(int k) const { return displacement_[2 * k + 1]; }
 
+  /// q - p for the neighbour q of p by displacement k.
+  int offset(int k) const { return offset_[k]; }
+
   /// Calls visit(q, k) for each neighbour q, by displacement k, of the pixel p = (x, y), until a
   /// call returns true; returns whether one did.
   template <class Visit>
@@ -70,6 +73,17 @@ public:
     });
   }
 
+  /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
+  /// that will soon be read. Inlined by force: a compiler drops calls to what has no effect.
+  template <class T>
+  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+#if defined(__GNUC__)
+    __builtin_prefetch(band + p);
+    __builtin_prefetch(band + (p >= ncols_ ? p - ncols_ : p));
+    __builtin_prefetch(band + (p < lastRow_ ? p + ncols_ : p));
+#endif
+  }
+
 private:
   bool isInside(int x, int y, int k) const {
     // Unsigned, a coordinate left of or above the image is larger than any inside.
@@ -81,6 +95,7 @@ private:
   int n_;
   int ncols_;
   int nrows_;
+  int lastRow_;  // its first pixel
   int left_ = 0; // how far the relation reaches to each side
   int right_ = 0;
   int up_ = 0;

@@ -7,7 +7,8 @@
 //   Arcs     visit(p, offer) calls offer(q, k) for each arc of p, in order; weight(p, q, k) weighs
 //   it Rule     extend(p, weight) is the cost of the offered path, improves(cost, q) the strict
 //   test,
-//            conquer(p, q, cost) stores what q gains, bucket(cost, q) says where q waits
+//            conquer(p, q, k, cost) stores what q gains, bucket(cost, q) says where q waits;
+//            finish(p) is told when p is taken, prefetch(p) a little before; costOf(p) is p's cost
 //   Entries  what waits in the queue, and how an outdated entry is told from a valid one
 //
 // Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
@@ -17,6 +18,7 @@
 #include "base/buffer.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/ifQueue.h"
+#include "ift/core/ifRoots.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>
@@ -47,7 +49,9 @@ class BucketQueue {
 public:
   /// Ends the process with status 1, after the line of initQueue(), when the buckets cannot be had.
   BucketQueue(std::int64_t nbuckets, int nelems)
-      : nbuckets_(nbuckets), dense_(nbuckets <= std::int64_t{4} * nelems + 65536) {
+      : nbuckets_(nbuckets), dense_(nbuckets <= std::int64_t{4} * nelems + 65536),
+        chunkShift_(std::clamp<int>(std::bit_width(static_cast<std::uint64_t>(nelems / nbuckets)),
+                                    smallestChunkShift, largestChunkShift)) {
     if (!dense_)
       return;
     const auto count = static_cast<std::size_t>(nbuckets);
@@ -66,8 +70,8 @@ public:
   /// Appends an entry at the tail of bucket b, which is 0 .. size() - 1.
   void append(int b, Entry entry) {
     Bucket &bucket = bucketAt(b);
-    const bool roomInChunk = bucket.last % chunkSize != chunkSize - 1;
-    bucket.last = bucket.last != empty && roomInChunk ? bucket.last + 1 : startChunk(bucket, b);
+    const bool hasRoom = bucket.last != empty && !endsChunk(bucket.last);
+    bucket.last = hasRoom ? bucket.last + 1 : startChunk(bucket, b);
     pool_[bucket.last] = entry;
   }
 
@@ -82,14 +86,19 @@ public:
     }
     const std::int64_t position = bucket->head;
     entry = pool_[position];
+    upcoming_ = pixelAhead(position, bucket->last);
     if (position == bucket->last)
       drain(*bucket);
-    else if (position % chunkSize == chunkSize - 1)
-      bucket->head = releaseChunk(position) * chunkSize;
+    else if (endsChunk(position))
+      bucket->head = firstOf(releaseChunk(position));
     else
       bucket->head = position + 1;
     return true;
   }
+
+  /// The pixel of an entry that will be taken soon, where that is cheap to tell; else none.
+  int upcoming() const { return upcoming_; }
+  static constexpr int none = -1;
 
 private:
   // Positions of the first and the last entry in the pool. No bucket has chunk 0, so that a table
@@ -99,9 +108,25 @@ private:
     std::int64_t last;
   };
   static constexpr std::int64_t empty = 0;
-  static constexpr std::int64_t chunkSize = 64;
+  static constexpr std::int64_t chunkSize = 256;
   static constexpr std::int64_t noChunk = 0;
   static constexpr std::int64_t wordBits = 64;
+  // A chunk has room for what a bucket might hold: large ones are read fast, small ones waste
+  // little where each of many buckets has an entry or two.
+  static constexpr int smallestChunkShift = 2;
+  static constexpr int largestChunkShift = 8;
+  // So many entries ahead, memory asked for now will have arrived.
+  static constexpr int lookahead = 16;
+
+  std::int64_t chunkOf(std::int64_t position) const { return position >> chunkShift_; }
+  std::int64_t firstOf(std::int64_t chunk) const { return chunk << chunkShift_; }
+  bool endsChunk(std::int64_t position) const { return chunkOf(position) != chunkOf(position + 1); }
+
+  int pixelAhead(std::int64_t position, std::int64_t last) const {
+    const std::int64_t ahead = position + lookahead;
+    const bool isUsed = ahead <= last || chunkOf(last) != chunkOf(position);
+    return chunkOf(ahead) == chunkOf(position) && isUsed ? pool_[ahead].pixel : none;
+  }
 
   Bucket &bucketAt(int b) {
     if (dense_)
@@ -120,18 +145,18 @@ private:
     const std::int64_t chunk = freeChunk_;
     freeChunk_ = next_[chunk];
     if (bucket.last != empty) {
-      next_[bucket.last / chunkSize] = chunk;
+      next_[chunkOf(bucket.last)] = chunk;
     } else {
-      bucket.head = chunk * chunkSize;
+      bucket.head = firstOf(chunk);
       if (dense_)
         occupied_[b / wordBits] |= std::uint64_t{1} << b % wordBits;
     }
-    return chunk * chunkSize;
+    return firstOf(chunk);
   }
 
   // Gives back the chunk around a position; returns the chunk that followed it in its bucket.
   std::int64_t releaseChunk(std::int64_t position) {
-    const std::int64_t chunk = position / chunkSize;
+    const std::int64_t chunk = chunkOf(position);
     const std::int64_t follower = next_[chunk];
     next_[chunk] = freeChunk_;
     freeChunk_ = chunk;
@@ -174,8 +199,8 @@ private:
 
   void growPool() {
     const std::int64_t grown = std::max<std::int64_t>(64, 2 * nchunks_);
-    pool_.reset(static_cast<Entry *>(tryReallocate(
-        pool_.release(), static_cast<std::size_t>(grown * chunkSize), sizeof(Entry))));
+    pool_.reset(static_cast<Entry *>(
+        tryReallocate(pool_.release(), static_cast<std::size_t>(firstOf(grown)), sizeof(Entry))));
     next_.reset(static_cast<std::int64_t *>(
         tryReallocate(next_.release(), static_cast<std::size_t>(grown), sizeof(std::int64_t))));
     if (pool_ == nullptr || next_ == nullptr)
@@ -189,7 +214,9 @@ private:
 
   std::int64_t nbuckets_;
   bool dense_;
+  int chunkShift_;
   int current_ = 0;
+  int upcoming_ = none;
   Array<Bucket> table_;
   Array<std::uint64_t> occupied_; // a bit for each bucket of the dense table: it is not empty
   std::map<int, Bucket> sparse_;
@@ -211,7 +238,7 @@ struct PlainEntries {
   void finish(int) {}
   template <class Rule>
   bool isValid(const Rule &rule, Entry entry, int bucket) const {
-    return rule.bucket(rule.cost[entry.pixel], entry.pixel) == bucket;
+    return rule.costOf(entry.pixel) == bucket;
   }
 };
 
@@ -236,12 +263,24 @@ public:
   void finish(int p) { done_[p] = 1; }
   template <class Rule>
   bool isValid(const Rule &rule, Entry entry, int) const {
-    return !isDone(entry.pixel) && rule.cost[entry.pixel] == entry.cost;
+    return !isDone(entry.pixel) && rule.costOf(entry.pixel) == entry.cost;
   }
 
 private:
   Array<char> done_;
 };
+
+/// Calls plant(pixel, label, cost) for each seed, in order, but for a pixel that is listed several
+/// times only at its last place. `scratch` has an element for each pixel; those of seeds are
+/// overwritten.
+template <class Plant>
+void forEachSeed(const ifRoots &seeds, int *scratch, Plant plant) {
+  for (int i = 0; i < seeds.n; ++i)
+    scratch[seeds.pixel[i]] = i;
+  for (int i = 0; i < seeds.n; ++i)
+    if (scratch[seeds.pixel[i]] == i)
+      plant(seeds.pixel[i], seeds.label[i], seeds.value[i]);
+}
 
 /// Runs a transform whose seeds are waiting in the queue.
 template <class Arcs, class Rule, class Entries>
@@ -251,15 +290,18 @@ void propagate(const Arcs &arcs, Rule &rule, Entries &entries,
   while (queue.take(entry)) {
     if (!entries.isValid(rule, entry, queue.current()))
       continue;
+    if (queue.upcoming() != queue.none)
+      rule.prefetch(queue.upcoming());
     const int p = entry.pixel;
     entries.finish(p);
+    rule.finish(p);
     arcs.visit(p, [&](int q, int k) {
       if (entries.isDone(q))
         return;
       const int cost = rule.extend(p, arcs.weight(p, q, k));
       if (!rule.improves(cost, q))
         return;
-      rule.conquer(p, q, cost);
+      rule.conquer(p, q, k, cost);
       queue.append(rule.bucket(cost, q), entries.make(q, cost));
     });
   }
@@ -300,9 +342,12 @@ struct ForestRule {
   int maxCost;
   PathCost pathCost;
 
+  int costOf(int p) const { return cost[p]; }
+  void prefetch(int) const {}
+  void finish(int) {}
   int extend(int p, int weight) const { return pathCost(cost[p], weight); }
   bool improves(int offered, int q) const { return Direction::isBetter(offered, cost[q]); }
-  void conquer(int p, int q, int offered) {
+  void conquer(int p, int q, int, int offered) {
     cost[q] = offered;
     label[q] = label[p];
     pred[q] = p;

@@ -32,7 +32,7 @@ void literalTransform(const Arcs &arcs, Rule rule, int infinite, int nbuckets, i
       const int cost = rule.extend(p, arcs.weight(p, q, k));
       if (!rule.improves(cost, q))
         return;
-      rule.conquer(p, q, cost);
+      rule.conquer(p, q, k, cost);
       insertQueue(&queue, &nodes, rule.bucket(cost, q), q); // moves it when it waits
     });
   }

@@ -1,0 +1,147 @@
+#include "ift/core/iftPacked.h"
+
+#include "ift/core/iftPropagate.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace seedforest::detail {
+
+namespace {
+
+// A pixel's word, from the lowest bit: its value, the displacement by which it was reached, its
+// cost so far. The cost has half of the bits, the displacement 8.
+template <class Word>
+struct Packing {
+  static constexpr int costShift = 4 * sizeof(Word);
+  static constexpr int arcShift = costShift - 8;
+  static constexpr Word valueMask = (Word{1} << arcShift) - 1;
+  static constexpr Word arcMask = (Word{1} << costShift) - 1 - valueMask;
+  static constexpr int noArc = 255;
+  static constexpr int infinite = static_cast<int>(
+      std::min<Word>((Word{1} << (costShift - 1)) - 1, static_cast<Word>(ifInfiniteCost)));
+
+  static Word pack(int value, int arc, int cost) {
+    return static_cast<Word>(value) | static_cast<Word>(arc) << arcShift |
+           static_cast<Word>(cost) << costShift;
+  }
+  static int value(Word word) { return static_cast<int>(word & valueMask); }
+  static int arc(Word word) { return static_cast<int>((word & arcMask) >> arcShift); }
+  static int cost(Word word) { return static_cast<int>(word >> costShift); }
+};
+
+template <class Word, bool local>
+struct PackedRule {
+  using Bits = Packing<Word>;
+  Word *words;
+  int *label;
+  const NeighborWalk *neighbors;
+
+  [[gnu::always_inline]] void prefetch(int p) const {
+    neighbors->prefetch(words, p);
+    neighbors->prefetch(label, p);
+  }
+  int costOf(int p) const { return Bits::cost(words[p]); }
+  int extend(int p, int weight) const {
+    const int cost = costOf(p);
+    if constexpr (local)
+      return cost < weight ? Bits::infinite : cost;
+    else
+      return std::max(cost, weight);
+  }
+  bool improves(int cost, int q) const { return cost < costOf(q); }
+  void conquer(int, int q, int k, int cost) {
+    words[q] = Bits::pack(Bits::value(words[q]), k, cost);
+  }
+  int bucket(int cost, int) const { return cost; }
+
+  // The path to p is final, and so is its predecessor's label.
+  void finish(int p) {
+    if (const int k = Bits::arc(words[p]); k != Bits::noArc)
+      label[p] = label[p - neighbors->offset(k)];
+  }
+};
+
+template <class Word>
+struct PackedArcs {
+  const NeighborWalk *neighbors;
+  const Word *words;
+
+  template <class Offer>
+  void visit(int p, Offer offer) const {
+    neighbors->each(p, offer);
+  }
+  int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
+};
+
+bool inRange(const int *values, int n, int maxCost) {
+  int least = 0;
+  int most = 0;
+  for (int i = 0; i < n; ++i) {
+    least = std::min(least, values[i]);
+    most = std::max(most, values[i]);
+  }
+  return least >= 0 && most <= maxCost;
+}
+
+template <class Word, bool local>
+void run(const PackedProblem &problem, Word *words) {
+  using Bits = Packing<Word>;
+  const int npixels = problem.input->npixels;
+  const NeighborWalk &neighbors = problem.neighbors;
+  // Keys and costs are each other's mirror image, or the same.
+  const auto mirror = [&problem](int v) { return problem.maximise ? problem.maxCost - v : v; };
+  const int *value = problem.input->band[0];
+  for (int p = 0; p < npixels; ++p)
+    words[p] = Bits::pack(mirror(value[p]), Bits::noArc, Bits::infinite);
+  std::fill_n(problem.label, npixels, 0);
+
+  PackedRule<Word, local> rule = {words, problem.label, &neighbors};
+  PlainEntries entries;
+  BucketQueue<PlainEntries::Entry> queue(std::int64_t{problem.maxCost} + 1, npixels);
+  forEachSeed(*problem.seeds, problem.pred, [&](int p, int label, int cost) {
+    words[p] = Bits::pack(Bits::value(words[p]), Bits::noArc, mirror(cost));
+    problem.label[p] = label;
+    queue.append(mirror(cost), {p});
+  });
+  propagate(PackedArcs<Word>{&neighbors, words}, rule, entries, queue);
+
+  const int unreached = problem.maximise ? ifInfiniteCostInverted : ifInfiniteCost;
+  for (int p = 0; p < npixels; ++p) {
+    const Word word = words[p];
+    const int k = Bits::arc(word);
+    problem.pred[p] = k == Bits::noArc ? p : p - neighbors.offset(k);
+    problem.cost[p] = Bits::cost(word) == Bits::infinite ? unreached : mirror(Bits::cost(word));
+  }
+}
+
+template <class Word>
+void run(const PackedProblem &problem, Word *words) {
+  if (problem.local)
+    run<Word, true>(problem, words);
+  else
+    run<Word, false>(problem, words);
+}
+
+} // namespace
+
+bool runPacked(const PackedProblem &problem) {
+  using Narrow = Packing<std::uint32_t>;
+  using Wide = Packing<std::uint64_t>;
+  const imImage *input = problem.input;
+  const ifRoots *seeds = problem.seeds;
+  if (problem.maxCost > static_cast<int>(Wide::valueMask) ||
+      problem.neighbors.size() > Wide::noArc ||
+      !inRange(input->band[0], input->npixels, problem.maxCost) ||
+      !inRange(seeds->value, seeds->n, problem.maxCost))
+    return false;
+  if (problem.maxCost <= static_cast<int>(Narrow::valueMask)) {
+    // In place: a word is as large as the cost that it ends as.
+    run(problem, reinterpret_cast<std::uint32_t *>(problem.cost));
+  } else {
+    run(problem, makeArray<std::uint64_t>(static_cast<std::size_t>(input->npixels)).get());
+  }
+  return true;
+}
+
+} // namespace seedforest::detail
