@@ -8,6 +8,7 @@
 #include "ift/ift.h"
 #include "image/image.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -69,6 +70,12 @@ void printUsage(const char *program) {
              stdout);
 }
 
+void copyRoot(const ifRoots &from, int i, ifRoots &to, int k) {
+  to.pixel[k] = from.pixel[i];
+  to.label[k] = from.label[i];
+  to.value[k] = from.value[i];
+}
+
 ifRootsPtr readRoots(const char *path, const imImage *image) {
   ifRootsPtr roots(ifReadRoots(path, image));
   if (roots == nullptr)
@@ -89,11 +96,8 @@ ifRootsPtr joinRoots(const CommandLine &line, const imImage *image) {
   ifRootsPtr joined = createRoots(static_cast<int>(total));
   int k = 0;
   for (const ifRoots *part : {a.get(), b.get()})
-    for (int i = 0; i < part->n; ++i, ++k) {
-      joined->pixel[k] = part->pixel[i];
-      joined->label[k] = part->label[i];
-      joined->value[k] = part->value[i];
-    }
+    for (int i = 0; i < part->n; ++i)
+      copyRoot(*part, i, *joined, k++);
   return joined;
 }
 
@@ -111,8 +115,43 @@ ifRootsPtr labelRoots(const CommandLine &, const imImage *image) {
   return ifRootsPtr(ifLabelsToRoots(image));
 }
 
+// The roots whose value in band 0 of the image is in the range given on the command line.
+ifRootsPtr keepRange(const char *option, const CommandLine &line, const imImage *image,
+                     ifRoots *(*makeRoots)(const imImage *)) {
+  const int least = line.number(firstParameter);
+  const int most = line.number(firstParameter + 1);
+  progress("%s: %d %d\n", option, least, most);
+  const ifRootsPtr all(makeRoots(image));
+  const auto keep = [=](int p) { return image->band[0][p] >= least && image->band[0][p] <= most; };
+  ifRootsPtr kept =
+      createRoots(static_cast<int>(std::count_if(all->pixel, all->pixel + all->n, keep)));
+  for (int i = 0, k = 0; i < all->n; ++i)
+    if (keep(all->pixel[i]))
+      copyRoot(*all, i, *kept, k++);
+  return kept;
+}
+
+ifRootsPtr maximumRoots(const CommandLine &line, const imImage *image) {
+  return keepRange("regMax", line, image, ifRegionalMaximaAsRoots);
+}
+
+ifRootsPtr minimumRoots(const CommandLine &line, const imImage *image) {
+  return keepRange("regMin", line, image, ifRegionalMinimaAsRoots);
+}
+
+ifRootsPtr contourRoots(const CommandLine &, const imImage *image) {
+  ifRootsPtr roots = createRoots(0);
+  ifReleaseRoots(roots.get());
+  ifDistTransfRoots(image, roots.get(), 1);
+  return roots;
+}
+
 const Option *findOption(std::string_view word) {
+  constexpr const char *wrongCount = "Invalid number of parameters\n";
   static const Option options[] = {
+      {"regMax", {6, 6, wrongCount, stdout, 1}, maximumRoots},
+      {"regMin", {6, 6, wrongCount, stdout, 1}, minimumRoots},
+      {"dt", {0, anyCount, "", stdout, 0}, contourRoots},
       {"frame", {5, anyCount, "value not suplied for <uniform label>\n", stderr, 0}, frameRoots},
       {"join", {6, anyCount, "invalid seed file(s) name(s)\n", stderr, 0}, joinRoots},
       {"labels", {0, anyCount, "", stdout, 0}, labelRoots},

@@ -145,11 +145,14 @@ void requirePixel(const char *operation, const imImage *image, int p) {
     fatal("%s: pixel %d is outside the image\n", operation, p);
 }
 
-imImagePtr createImage(int nbands, char type, int ncols, int nrows) {
-  imImagePtr image(imCreateImage(nbands, type, ncols, nrows));
+imImagePtr requireMade(imImage *image) {
   if (image == nullptr)
     std::exit(EXIT_FAILURE);
-  return image;
+  return imImagePtr(image);
+}
+
+imImagePtr createImage(int nbands, char type, int ncols, int nrows) {
+  return requireMade(imCreateImage(nbands, type, ncols, nrows));
 }
 
 int largestValue(const imImage *image, int b) {

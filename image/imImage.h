@@ -81,8 +81,11 @@ void requireBands(const char *operation, const imImage *image, int nbands);
 void requireSameSize(const char *operation, const imImage *a, const imImage *b);
 void requirePixel(const char *operation, const imImage *image, int p);
 
-/// imCreateImage for an operation that cannot go on without: ends the process with status 1 after
-/// the allocation line.
+/// Takes over an image that an operation cannot go on without: ends the process with status 1 where
+/// it could not be made, which has been said.
+imImagePtr requireMade(imImage *image);
+
+/// imCreateImage, in the same way.
 imImagePtr createImage(int nbands, char type, int ncols, int nrows);
 
 /// The largest of band b's values and 0.

@@ -156,7 +156,7 @@ void ifLabelImage(const imImage *binary, imImage *labels) {
   requireBands("ifLabelImage", binary, 1);
   requireBands("ifLabelImage", labels, 1);
   requireSameSize("ifLabelImage", binary, labels);
-  progress("in ifLabelImage\n");
+  announceLabelling();
   labels->maxValue = labelRuns(findRuns(binary), labels->band[0]);
 }
 
@@ -202,3 +202,11 @@ void ifCorrectLabels(imImage *labels) {
   }
   labels->maxValue = k;
 }
+
+namespace seedforest::detail {
+
+void announceLabelling() {
+  progress("in ifLabelImage\n");
+}
+
+} // namespace seedforest::detail

@@ -53,6 +53,7 @@ TEST(Tool, Runs) {
   const std::string joined = "3\n1 1 4\n1 1 4\n9 0 -2\n";
   const std::string readA = "read: 5 4\nread file a\n";
   const std::string readB = "read: 5 4\nread: 9 -2\nread file b\n";
+  const std::string wrongCount = "Invalid number of parameters\n";
   const std::string labelMissing = "value not suplied for <label>\n";
   const Case cases[] = {
       {"in.pgm out labels", 0, wasRead + savedRoots(4), "", sampleLabels},
@@ -74,6 +75,9 @@ TEST(Tool, Runs) {
        "invalid number of roots in file bad\nerror reading seeds file bad\n", none},
       {"in.pgm out join a missing", 1, wasRead + readA, "Could not open file missing for reading\n",
        none},
+      {"in.pgm out regMax 1", 1, wasRead + wrongCount, "", none},
+      {"in.pgm out regMin 1 2 3", 1, wasRead + wrongCount, "", none},
+      {"in.pgm out dtx", 1, wasRead, "Invalid opt dtx\n", none},
       {"in.pgm out Labels", 1, wasRead, "Invalid opt Labels\n", none},
       {"in.pgm out frames 0", 1, wasRead, "Invalid opt frames\n", none},
       {"in.pgm out ''", 1, wasRead, "Invalid opt \n", none},
@@ -95,6 +99,53 @@ TEST(Tool, Runs) {
     EXPECT_EQ(run.out, c.out);
     EXPECT_EQ(run.err, c.err);
     EXPECT_EQ(run.status, c.status);
+    EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
+  }
+}
+
+// Small pictures whose roots a person can find by eye. Each run prints its lines and leaves its
+// roots.
+TEST(Tool, RunsOnPictures) {
+  const std::string twice = "in ifLabelImage\nin ifLabelImage\n";
+  const std::string peaks = "P2 5 3 9\n" // two maxima of 300 and 9; the minima are at the frame
+                            "0 1 1 1 1\n1 300 1 9 1\n1 1 1 1 0\n";
+  const std::string binary = "P5\n5 2\n255\n" + std::string("\0\xff\xff\0\0\0\0\0\0\xff", 10);
+  const struct {
+    const char *what;
+    std::string image;
+    const char *option;
+    std::string out; // before the count
+    int n;
+    std::string roots;
+  } cases[] = {
+      {"maxima in a range", peaks, "regMax 9 300", "regMax: 9 300\n" + twice, 2,
+       "2\n1 1 1\n3 1 2\n"},
+      {"labels are not renumbered", peaks, "regMax 9 9", "regMax: 9 9\n" + twice, 1, "1\n3 1 2\n"},
+      {"bounds the wrong way round", peaks, "regMax 300 9", "regMax: 300 9\n" + twice, 0, "0\n"},
+      {"parameters beyond 32 bits", peaks, "regMin -99999999999 0",
+       "regMin: -2147483648 0\n" + twice, 2, "2\n0 0 1\n4 2 2\n"},
+      {"values 0 and 255: maxima", binary, "regMax 0 255", "regMax: 0 255\n" + twice, 3,
+       "3\n1 0 1\n2 0 1\n4 1 2\n"},
+      {"values 0 and 255: minima", binary, "regMin 0 255", "regMin: 0 255\n" + twice, 7,
+       "7\n0 0 1\n3 0 1\n4 0 1\n0 1 1\n1 1 1\n2 1 1\n3 1 1\n"},
+      {"a constant image of 0 has no maximum", "P5 2 1 255\n" + std::string(2, '\0'), "regMax 0 0",
+       "regMax: 0 0\n" + twice, 0, "0\n"},
+      {"a constant image of 255 has no minimum", "P5 2 1 255\n\xff\xff", "regMin 0 255",
+       "regMin: 0 255\n" + twice, 0, "0\n"},
+      {"one row", "P2 4 1 5 1 5 5 0", "regMax 0 9", "regMax: 0 9\n" + twice, 2,
+       "2\n1 0 1\n2 0 1\n"},
+      {"contours, one object at the frame", binary, "dt", "", 3, "3\n1 0 1\n2 0 4\n4 1 7\n"},
+      {"one column", "P2 1 4 1 0 1 1 1", "dt", "", 1, "1\n0 1 3\n"},
+      {"extra parameters of dt", "P2 1 2 1 0 1", "dt 1 2", "", 1, "1\n0 1 3\n"},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
+    const TemporaryFolder folder;
+    folder.write("in.pgm", c.image);
+    const ToolRun run = runTool(folder, std::string("in.pgm out ") + c.option);
+    EXPECT_EQ(run.out, wasRead + c.out + savedRoots(c.n));
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.status, 0);
     EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
   }
 }

@@ -1,0 +1,28 @@
+// Regional extrema of band 0, and roots on them.
+//
+// A regional maximum is an 8-connected set of pixels of one value whose every outside 8-neighbour
+// is strictly lower; a regional minimum is the mirror. What lies outside the image is no neighbour,
+// so a constant image is one minimum and one maximum.
+//
+// They are defined as the places where the image differs from its reconstruction from a copy
+// shifted by one grey level. The shift stays inside the grey scale, and where it cannot move there
+// is no extremum: no maximum at 0 and, in an image of type grey, no minimum at 255. For values
+// inside the scale (at least 0; at most 255 in type grey, below 2^31 - 1 in others) that is what a
+// flood of plateaus finds, which runs then; others go through the reconstruction itself, and its
+// result may hold differences other than 0 and 1.
+//
+// Each of the first two prints "in ifLabelImage\n" once on standard output, the last two twice.
+// Errors: no image or no band ends the process with status 1 after a line, as does memory that
+// cannot be had.
+#pragma once
+
+#include "ift/core/ifRoots.h"
+
+/// A new image of type ASCII, maxValue 1: 1 on the extrema, else 0. The caller releases it.
+imImage *ifRegionalMinima(const imImage *image);
+imImage *ifRegionalMaxima(const imImage *image);
+
+/// A new set with a root for each pixel of an extremum, in raster order: label k for the k-th
+/// extremum in raster order of first pixels, value the pixel's own. The caller owns it.
+ifRoots *ifRegionalMinimaAsRoots(const imImage *image);
+ifRoots *ifRegionalMaximaAsRoots(const imImage *image);
