@@ -1,0 +1,25 @@
+// Makes a synthetic micrograph, bright cells on a dark ground, as a P5 file:
+//
+//   make_micrograph NCOLS NROWS IMAGE.pgm
+//
+// Built with the project as build/examples/make_micrograph, or by hand from the project's folder:
+//   g++ -std=c++20 -O2 -I. examples/make_micrograph.cpp -o make_micrograph
+//       -Lbuild -lseedforest-image                            (one line)
+
+#include "examples/micrograph.h"
+#include "image/image.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+int main(int argc, char **argv) {
+  if (argc != 4) {
+    std::fprintf(stderr, "usage: %s NCOLS NROWS IMAGE.pgm\n", argv[0]);
+    return 1;
+  }
+  const imImagePtr image = micrograph(std::atoi(argv[1]), std::atoi(argv[2]));
+  if (image == nullptr)
+    return 1;
+  imSaveImage(argv[3], image.get());
+  return 0;
+}
