@@ -1,0 +1,77 @@
+// Connected components and regional extrema of images of 4096 x 4096 pixels, with the bare copying
+// of the image beside them.
+
+#include "bench.h"
+#include "images.h"
+
+#include "ift/label/ifLabel.h"
+#include "ift/seeds/ifExtrema.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+// Progress lines go where they take no time to speak of.
+void silenceProgress() {
+  static const bool silenced = std::freopen("/dev/null", "w", stdout) != nullptr;
+  benchmark::DoNotOptimize(silenced);
+}
+
+// What lies above the middle of the scale: shapes, noise, squares, a spiral.
+imImagePtr binaryImage(std::int64_t number) {
+  imImagePtr image = benchImage(number, benchSide);
+  const int threshold = number == micrographImage ? 80 : 127;
+  for (int p = 0; p < image->npixels; ++p)
+    image->band[0][p] = image->band[0][p] > threshold ? 255 : 0;
+  return image;
+}
+
+void copyImage(benchmark::State &state) {
+  const imImagePtr image = benchImage(state.range(0), benchSide);
+  const imImagePtr copy(imCopyImage(image.get()));
+  for (auto _ : state) {
+    std::copy_n(image->band[0], image->npixels, copy->band[0]);
+    benchmark::ClobberMemory();
+  }
+  reportPerItem(state, "ns/pixel", image->npixels);
+}
+
+void labelComponents(benchmark::State &state) {
+  silenceProgress();
+  const imImagePtr binary = binaryImage(state.range(0));
+  for (auto _ : state) {
+    const imImagePtr labels(imCreateImage(1, imTypeAscii, benchSide, benchSide));
+    ifLabelImage(binary.get(), labels.get());
+    benchmark::DoNotOptimize(labels->maxValue);
+  }
+  reportPerItem(state, "ns/pixel", binary->npixels);
+  reportPeakMemory(state, binary->npixels);
+}
+
+void regionalMaxima(benchmark::State &state) {
+  silenceProgress();
+  const imImagePtr image = benchImage(state.range(0), benchSide);
+  for (auto _ : state)
+    imImagePtr(ifRegionalMaxima(image.get()));
+  reportPerItem(state, "ns/pixel", image->npixels);
+  reportPeakMemory(state, image->npixels);
+}
+
+void regionalMaximaAsRoots(benchmark::State &state) {
+  silenceProgress();
+  const imImagePtr image = benchImage(state.range(0), benchSide);
+  for (auto _ : state)
+    ifRootsPtr(ifRegionalMaximaAsRoots(image.get()));
+  reportPerItem(state, "ns/pixel", image->npixels);
+}
+
+void allImages(benchmark::internal::Benchmark *b) {
+  b->ArgName("image")->ArgsProduct({benchImageNumbers()})->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(copyImage)->Apply(allImages);
+BENCHMARK(labelComponents)->Apply(allImages);
+BENCHMARK(regionalMaxima)->Apply(allImages);
+BENCHMARK(regionalMaximaAsRoots)->Apply(allImages);
+
+} // namespace

@@ -1,0 +1,189 @@
+#include "ift/core/ifQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <random>
+#include <vector>
+
+namespace {
+
+struct Queue {
+  ifQueue q;
+  ifQueueNodes a;
+
+  Queue(int nbuckets, int nelems) { initQueue(&q, nbuckets, &a, nelems); }
+  ~Queue() { releaseQueue(&q, &a); }
+  Queue(const Queue &) = delete;
+  Queue &operator=(const Queue &) = delete;
+
+  void insert(int b, int e) { insertQueue(&q, &a, b, e); }
+  int remove(int b) { return removeQueue(&q, &a, b); }
+
+  // The elements in the order in which a transform takes them.
+  std::vector<int> takeAll() {
+    std::vector<int> taken;
+    while (isEmpty(&q) == 0)
+      taken.push_back(remove(q.current));
+    return taken;
+  }
+};
+
+TEST(Queue, FirstInFirstOutAndRound) {
+  Queue queue(10, 8);
+  queue.q.current = 5;
+  for (const int e : {4, 2, 6})
+    queue.insert(2, e);
+  queue.insert(9, 7);
+  queue.insert(5, 0);
+  updateQueue(&queue.q, &queue.a, 2, 4); // within its bucket, behind the others
+  removeQueueElem(&queue.q, &queue.a, 2);
+  queue.insert(2, 2); // new again
+  EXPECT_EQ(queue.takeAll(), (std::vector<int>{0, 7, 6, 4, 2}));
+  EXPECT_EQ(queue.q.current, 2); // all empty: stays
+  EXPECT_EQ(queue.remove(2), -1);
+  EXPECT_EQ(queue.a.bucket[4], -2);
+  EXPECT_EQ(queue.a.bucket[1], -1);
+  resetQueue(&queue.q, &queue.a);
+  EXPECT_EQ(queue.q.current, 0);
+  EXPECT_EQ(queue.a.bucket[4], -1);
+}
+
+TEST(Queue, OnlyTheLinearFormsPullTheSearchBack) {
+  Queue queue(10, 4);
+  queue.q.current = 7;
+  queue.insert(3, 0);
+  EXPECT_EQ(queue.q.current, 7);
+  insertQueueUpdateCurr(&queue.q, &queue.a, 9, 1);
+  EXPECT_EQ(queue.q.current, 7);
+  updateQueueUpdateCurr(&queue.q, &queue.a, 1, 2); // not waiting: no move
+  EXPECT_EQ(queue.q.current, 7);
+  insertQueueUpdateCurr(&queue.q, &queue.a, 3, 2);
+  EXPECT_EQ(queue.q.current, 3);
+  updateQueueUpdateCurr(&queue.q, &queue.a, 1, 1);
+  EXPECT_EQ(queue.q.current, 1);
+  EXPECT_EQ(queue.takeAll(), (std::vector<int>{1, 0, 2}));
+}
+
+// The same queue without links: a list for each bucket, and a state for each element. It is asked
+// only for buckets and elements that exist.
+struct Model {
+  std::vector<std::deque<int>> buckets;
+  std::vector<int> state;
+  int current = 0;
+
+  void takeOut(int e, int after) {
+    if (state[e] >= 0)
+      std::erase(buckets[state[e]], e);
+    state[e] = after;
+  }
+
+  void insert(int b, int e, bool pullBack) {
+    takeOut(e, b);
+    buckets[b].push_back(e);
+    current = pullBack ? std::min(current, b) : current;
+  }
+
+  int remove(int b) {
+    const int e = buckets[b].empty() ? -1 : buckets[b].front();
+    if (e >= 0)
+      takeOut(e, -2);
+    return e;
+  }
+
+  int isEmpty() {
+    for (std::size_t i = 0; i < buckets.size(); ++i) {
+      if (!buckets[current].empty())
+        return 0;
+      current = (current + 1) % static_cast<int>(buckets.size());
+    }
+    return 1;
+  }
+};
+
+void expectEqual(const Queue &queue, const Model &model) {
+  EXPECT_EQ(queue.q.current, model.current);
+  EXPECT_EQ(std::vector<int>(queue.a.bucket, queue.a.bucket + queue.a.nelems), model.state);
+  for (int b = 0; b < queue.q.nbuckets; ++b) {
+    int previous = -1;
+    int at = queue.q.first[b];
+    for (const int e : model.buckets[b]) {
+      ASSERT_EQ(at, e);
+      EXPECT_EQ(queue.a.prev[e], previous);
+      previous = e;
+      at = queue.a.next[e];
+    }
+    EXPECT_EQ(at, -1);
+    EXPECT_EQ(queue.q.last[b], previous);
+  }
+}
+
+// Buckets and elements reach one beyond their ranges on both sides.
+TEST(Queue, EqualsTheModel) {
+  std::mt19937 random(1);
+  const auto pick = [&random](int n) { return static_cast<int>(random() % (n + 2)) - 1; };
+  constexpr decltype(&insertQueue) moves[] = {insertQueue, insertQueueUpdateCurr, updateQueue,
+                                              updateQueueUpdateCurr};
+  for (const int nbuckets : {1, 2, 7})
+    for (const int nelems : {0, 1, 12}) {
+      Queue queue(nbuckets, nelems);
+      Model model{std::vector<std::deque<int>>(nbuckets), std::vector<int>(nelems, -1)};
+      for (int step = 0; step < 2000 && !HasFailure(); ++step) {
+        const int b = pick(nbuckets);
+        const int e = pick(nelems);
+        const bool isBucket = b >= 0 && b < nbuckets;
+        const bool isElement = e >= 0 && e < nelems;
+        const int move = static_cast<int>(random() % 8);
+        if (move < 4) {
+          const bool update = move >= 2;
+          if (isBucket && isElement && (!update || model.state[e] >= 0))
+            model.insert(b, e, move % 2 == 1);
+          moves[move](&queue.q, &queue.a, b, e);
+        } else if (move == 4) {
+          if (isElement && model.state[e] >= 0)
+            model.takeOut(e, -1);
+          removeQueueElem(&queue.q, &queue.a, e);
+        } else if (move == 5) {
+          EXPECT_EQ(queue.remove(b), isBucket ? model.remove(b) : -1);
+        } else {
+          EXPECT_EQ(isEmpty(&queue.q), model.isEmpty());
+          EXPECT_EQ(queue.remove(queue.q.current), model.remove(model.current));
+        }
+        expectEqual(queue, model);
+      }
+    }
+}
+
+TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
+  const struct {
+    int nbuckets;
+    int nelems;
+    const char *message;
+  } cases[] = {
+      {0, 5, "Could not allocate queue (Q) in initQueue\n"},
+      {-1, -1, "Could not allocate queue (Q) in initQueue\n"},
+      {5, -1, "Could not allocate queue (A) in initQueue\n"},
+      {5, 5, ""}, // released below
+  };
+  for (const auto &c : cases) {
+    testing::internal::CaptureStderr();
+    Queue queue(c.nbuckets, c.nelems);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
+    if (c.message[0] == '\0')
+      releaseQueue(&queue.q, &queue.a);
+    resetQueue(&queue.q, &queue.a);
+    queue.insert(0, 0);
+    updateQueueUpdateCurr(&queue.q, &queue.a, 0, 0);
+    removeQueueElem(&queue.q, &queue.a, 0);
+    EXPECT_EQ(queue.remove(0), -1);
+    EXPECT_EQ(isEmpty(&queue.q), 1);
+    EXPECT_EQ(queue.q.first, nullptr);
+    EXPECT_EQ(queue.q.last, nullptr);
+    EXPECT_EQ(queue.a.prev, nullptr);
+    EXPECT_EQ(queue.a.next, nullptr);
+    EXPECT_EQ(queue.a.bucket, nullptr);
+  }
+}
+
+} // namespace
