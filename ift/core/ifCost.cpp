@@ -19,7 +19,8 @@ int ifEuclideanDistance(const imImage *image, int p, int q) {
   std::uint64_t sum = 0;
   for (int b = 0; b < image->nbands; ++b)
     sum = addSaturating(sum, squaredDifference(image->band[b][p], image->band[b][q]));
-  return truncate(std::sqrt(static_cast<double>(sum / static_cast<std::uint64_t>(image->nbands))));
+  const std::uint64_t mean = sum / static_cast<std::uint64_t>(image->nbands);
+  return truncate(std::sqrt(static_cast<double>(mean)));
 }
 
 int ifMaxDistance(const imImage *image, int p, int q) {

@@ -126,8 +126,6 @@ void updateQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e) {
 }
 
 int isEmpty(ifQueue *q) {
-  if (q->nbuckets == 0)
-    return 1;
   for (int seen = 0; seen < q->nbuckets; ++seen) {
     if (q->first[q->current] != none)
       return 0;

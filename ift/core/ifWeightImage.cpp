@@ -59,7 +59,7 @@ imImage *gaussian2WF(const imImage *image, imNeighborhoodFn adjacency) {
       return 0;
     const auto beyond =
         static_cast<double>(std::min<std::int64_t>(d - 3, 1000)); // exp is 0 by then
-    return std::min(truncate((1.0 - std::exp(beyond * beyond * -1.0 / 0.5)) * 1000.0), 1000);
+    return truncate((1.0 - std::exp(beyond * beyond * -1.0 / 0.5)) * 1000.0);
   });
 }
 
