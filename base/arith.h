@@ -46,4 +46,12 @@ inline int truncatedSqrt(int value) {
   return static_cast<int>(std::sqrt(value));
 }
 
+/// Whether all values lie in least .. most. In vector code, without an early end.
+inline bool allWithin(const int *values, int n, int least, int most) {
+  int outside = 0;
+  for (int i = 0; i < n; ++i)
+    outside |= static_cast<int>(values[i] < least) | static_cast<int>(values[i] > most);
+  return outside == 0;
+}
+
 } // namespace seedforest::detail

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/report.h"
+#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -85,33 +86,20 @@ imImage *reframe(const imImage *a, std::int64_t w) {
   return result.release();
 }
 
-// 1 where no 8-neighbour's value stands in the relation `beats` to the pixel's own. Clamping a
-// neighbour's place to the image leads to another neighbour or to the pixel itself, which do no
-// harm: so all rows are alike, and the inner columns make a loop that compilers turn into vector
-// code.
+// 1 where no 8-neighbour's value stands in the relation `beats` to the pixel's own.
 template <class Beats>
 imImage *markUnbeaten(const char *operation, const imImage *a, Beats beats) {
   requireBands(operation, a, 1);
   imImagePtr result = createLike(a, 1, imTypeAscii, 1);
   if (result == nullptr)
     return nullptr;
-  const int last = a->ncols - 1;
   for (int y = 0; y < a->nrows; ++y) {
-    const int *row = a->band[0] + a->row[y];
-    const int *above = a->band[0] + a->row[std::max(y - 1, 0)];
-    const int *below = a->band[0] + a->row[std::min(y + 1, a->nrows - 1)];
+    const RowWindow value(a, 0, y);
     int *mark = result->band[0] + a->row[y];
-    const auto look = [=](int left, int x, int right) {
-      const int v = row[x];
-      const bool beaten = beats(row[right], v) | beats(below[x], v) | beats(above[x], v) |
-                          beats(row[left], v) | beats(below[right], v) | beats(below[left], v) |
-                          beats(above[right], v) | beats(above[left], v);
-      mark[x] = beaten ? 0 : 1;
-    };
-    look(0, 0, std::min(1, last));
-    for (int x = 1; x < last; ++x)
-      look(x - 1, x, x + 1);
-    look(std::max(last - 1, 0), last, last);
+    forEachColumn(a->ncols, [=](int left, int x, int right) {
+      const int v = value.row[x];
+      mark[x] = value.any(left, x, right, [=](int u) { return beats(u, v); }) ? 0 : 1;
+    });
   }
   return result.release();
 }

@@ -1,5 +1,6 @@
 #include "ift/core/iftPacked.h"
 
+#include "base/arith.h"
 #include "ift/core/iftPropagate.h"
 
 #include <algorithm>
@@ -74,16 +75,6 @@ struct PackedArcs {
   int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
 };
 
-bool inRange(const int *values, int n, int maxCost) {
-  int least = 0;
-  int most = 0;
-  for (int i = 0; i < n; ++i) {
-    least = std::min(least, values[i]);
-    most = std::max(most, values[i]);
-  }
-  return least >= 0 && most <= maxCost;
-}
-
 template <class Word, bool local>
 void run(const PackedProblem &problem, Word *words) {
   using Bits = Packing<Word>;
@@ -132,8 +123,8 @@ bool runPacked(const PackedProblem &problem) {
   const ifRoots *seeds = problem.seeds;
   if (problem.maxCost > static_cast<int>(Wide::valueMask) ||
       problem.neighbors.size() > Wide::noArc ||
-      !inRange(input->band[0], input->npixels, problem.maxCost) ||
-      !inRange(seeds->value, seeds->n, problem.maxCost))
+      !allWithin(input->band[0], input->npixels, 0, problem.maxCost) ||
+      !allWithin(seeds->value, seeds->n, 0, problem.maxCost))
     return false;
   if (problem.maxCost <= static_cast<int>(Narrow::valueMask)) {
     // In place: a word is as large as the cost that it ends as.

@@ -7,9 +7,11 @@
 #include "ift/seeds/ifFrameSeeds.h"
 #include "image/imNeighborhood.h"
 #include "image/imPixelwise.h"
+#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 
 using namespace seedforest::detail;
 
@@ -34,45 +36,63 @@ ifRootsPtr rootsOfComponents(const imImage *mask, const imImage *values) {
 
 // Whether the flood of plateaus finds what the reconstruction does.
 bool staysInScale(const imImage *image, Extremum kind) {
-  const auto [least, most] = std::minmax_element(image->band[0], image->band[0] + image->npixels);
-  if (image->type == imTypeGrey)
-    return *least >= 0 && *most <= 255;
-  return *least >= 0 && (kind == Extremum::maximum || *most < maxInt);
+  const int top = kind == Extremum::maximum ? maxInt : maxInt - 1;
+  return allWithin(image->band[0], image->npixels, 0, image->type == imTypeGrey ? 255 : top);
 }
 
-// Extrema as plateaus without a better neighbour. All pixels of such a plateau are false extrema; a
-// false extremum with an equal neighbour that is none belongs to another plateau, all of which
-// goes.
-imImagePtr floodPlateaus(const imImage *image, Extremum kind) {
-  imImagePtr marks = falseExtrema(image, kind);
-  int *mark = marks->band[0];
+// Extrema as plateaus without a neighbour that beats them, for values >= 0. A pixel without a
+// better neighbour is an extremum unless its plateau goes on to a pixel that has one; then the
+// whole plateau is none.
+template <class Beats>
+imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
+  constexpr int extremum = -1; // for the time being; what is none holds its value
+  imImagePtr result = createImage(1, imTypeAscii, image->ncols, image->nrows);
   const int *value = image->band[0];
-  const NeighborWalk neighbors(image, imNeighborhood8);
+  int *state = result->band[0];
+  for (int y = 0; y < image->nrows; ++y) {
+    const RowWindow window(image, 0, y);
+    forEachColumn(image->ncols, [=, out = state + image->row[y]](int left, int x, int right) {
+      const int v = window.row[x];
+      out[x] = window.any(left, x, right, [=](int u) { return beats(u, v); }) ? v : extremum;
+    });
+  }
   Stack<int> rejected;
-  int p = 0;
-  for (int y = 0; y < image->nrows; ++y)
-    for (int x = 0; x < image->ncols; ++x, ++p) {
-      const auto goesOn = [=](int q, int) { return mark[q] == 0 && value[q] == value[p]; };
-      if (mark[p] == 0 || !neighbors.any(x, y, goesOn))
-        continue;
-      mark[p] = 0;
-      rejected.push(p);
-      while (!rejected.isEmpty()) {
-        const int r = rejected.pop();
-        neighbors.each(r, [&](int q, int) {
-          if (mark[q] == 0 || value[q] != value[r])
-            return;
-          mark[q] = 0;
-          rejected.push(q);
-        });
-      }
-    }
-  // The end of the scale, from which no shift leads on.
-  const bool hasEnd = kind == Extremum::maximum || image->type == imTypeGrey;
-  const int end = kind == Extremum::maximum ? 0 : 255;
-  for (p = 0; hasEnd && p < image->npixels; ++p)
-    mark[p] = value[p] == end ? 0 : mark[p];
-  return marks;
+  const auto reject = [&](int p) {
+    state[p] = value[p];
+    rejected.push(p);
+  };
+  const Array<int> goesOn = makeArray<int>(static_cast<std::size_t>(image->ncols));
+  for (int y = 0; y < image->nrows; ++y) {
+    const RowWindow window(result.get(), 0, y);
+    const int *row = value + image->row[y];
+    forEachColumn(image->ncols, [=, out = goesOn.get()](int left, int x, int right) {
+      const int v = row[x];
+      out[x] =
+          (window.row[x] == extremum) & window.any(left, x, right, [=](int u) { return u == v; });
+    });
+    for (int x = 0; x < image->ncols; ++x)
+      if (goesOn[x] != 0)
+        reject(x + image->row[y]);
+  }
+  const NeighborWalk neighbors(image, imNeighborhood8);
+  while (!rejected.isEmpty()) {
+    const int p = rejected.pop();
+    neighbors.each(p, [&](int q, int) {
+      if (state[q] == extremum && value[q] == value[p])
+        reject(q);
+    });
+  }
+  for (int p = 0; p < image->npixels; ++p)
+    state[p] = static_cast<int>(state[p] == extremum) & static_cast<int>(value[p] != end);
+  result->maxValue = 1;
+  return result;
+}
+
+// The extrema of values inside the scale. At its end, from which no shift leads on, there are none.
+imImagePtr extremaInScale(const imImage *image, Extremum kind) {
+  if (kind == Extremum::maximum)
+    return floodPlateaus(image, 0, std::greater<int>());
+  return floodPlateaus(image, image->type == imTypeGrey ? 255 : maxInt, std::less<int>());
 }
 
 // Extrema as the difference between the image and its reconstruction from the shifted image. A
@@ -101,7 +121,7 @@ imImagePtr regionalExtrema(const char *operation, const imImage *image, Extremum
   if (!staysInScale(image, kind))
     return reconstruct(image, kind);
   announceLabelling(); // the marks have no labels here, but progress is told alike for all images
-  return floodPlateaus(image, kind);
+  return extremaInScale(image, kind);
 }
 
 ifRootsPtr extremaAsRoots(const char *operation, const imImage *image, Extremum kind) {

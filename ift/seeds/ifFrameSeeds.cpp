@@ -35,11 +35,11 @@ ifRoots *ifLabelsToRoots(const imImage *image) {
   const auto isSeed = [](int value) { return value > 0; };
   ifRootsPtr roots =
       createRoots(static_cast<int>(std::count_if(label, label + image->npixels, isSeed)));
-  int k = 0;
-  for (int p = 0; p < image->npixels; ++p)
-    if (isSeed(label[p])) {
-      roots->pixel[k] = p;
-      roots->label[k++] = label[p];
-    }
+  // Every pixel is written down, and stays if it is a seed: no branch for noise to mispredict.
+  for (int p = 0, k = 0; k < roots->n; ++p) {
+    roots->pixel[k] = p;
+    roots->label[k] = label[p];
+    k += isSeed(label[p]) ? 1 : 0;
+  }
   return roots.release();
 }

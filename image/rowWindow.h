@@ -1,0 +1,44 @@
+// Windows of 3 x 3 pixels, a row at a time, for code that looks at all neighbours of all pixels.
+//
+// A place outside the image is replaced by the nearest inside. That is another neighbour or the
+// pixel itself, so it does no harm where neighbours are compared with their pixel; all rows are
+// alike then, and the inner columns make a loop that compilers turn into vector code.
+#pragma once
+
+#include "image/imImage.h"
+
+#include <algorithm>
+
+namespace seedforest::detail {
+
+/// Row y of a band and the rows beside it.
+struct RowWindow {
+  const int *above;
+  const int *row;
+  const int *below;
+
+  RowWindow(const imImage *image, int b, int y)
+      : above(image->band[b] + image->row[std::max(y - 1, 0)]), row(image->band[b] + image->row[y]),
+        below(image->band[b] + image->row[std::min(y + 1, image->nrows - 1)]) {}
+
+  /// Whether test(value of q) holds for some neighbour q of the pixel in column x, between the
+  /// columns left and right. Every neighbour is looked at, which takes no branch.
+  template <class Test>
+  bool any(int left, int x, int right, Test test) const {
+    return test(row[right]) | test(below[x]) | test(above[x]) | test(row[left]) |
+           test(below[right]) | test(below[left]) | test(above[right]) | test(above[left]);
+  }
+};
+
+/// Calls look(left, x, right) for each column and the columns beside it.
+template <class Look>
+void forEachColumn(int ncols, Look look) {
+  const int last = ncols - 1;
+  look(0, 0, std::min(1, last));
+  for (int x = 1; x < last; ++x)
+    look(x - 1, x, x + 1);
+  if (last > 0)
+    look(last - 1, last, last);
+}
+
+} // namespace seedforest::detail
