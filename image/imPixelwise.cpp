@@ -98,7 +98,7 @@ imImage *markUnbeaten(const char *operation, const imImage *a, Beats beats) {
     int *mark = result->band[0] + a->row[y];
     forEachColumn(a->ncols, [=](int left, int x, int right) {
       const int v = value.row[x];
-      mark[x] = value.any(left, x, right, [=](int u) { return beats(u, v); }) ? 0 : 1;
+      mark[x] = 1 - value.any(left, x, right, [=](int u) { return beats(u, v); });
     });
   }
   return result.release();

@@ -55,12 +55,12 @@ imImage *imShowSegm(const imImage *image, const imImage *labels, int r, int g, i
   imImagePtr picture(imCreateImage(3, imTypeColor, image->ncols, image->nrows));
   if (picture == nullptr || image->npixels == 1) // a pixel without neighbours stays black
     return picture.release();
-  const NeighborWalk neighbours(image, imNeighborhood8);
+  const NeighborWalk neighbors(image, imNeighborhood8);
   const int *label = labels->band[0];
   int p = 0;
   for (int y = 0; y < image->nrows; ++y)
     for (int x = 0; x < image->ncols; ++x, ++p)
-      if (neighbours.any(x, y, [label, p](int q, int) { return label[q] > label[p]; }))
+      if (neighbors.any(x, y, [label, p](int q, int) { return label[q] > label[p]; }))
         setPixel(picture.get(), p, {r, g, b});
       else if (grey || colour)
         copyPixel(picture.get(), image, p, grey);

@@ -21,12 +21,13 @@ struct RowWindow {
       : above(image->band[b] + image->row[std::max(y - 1, 0)]), row(image->band[b] + image->row[y]),
         below(image->band[b] + image->row[std::min(y + 1, image->nrows - 1)]) {}
 
-  /// Whether test(value of q) holds for some neighbour q of the pixel in column x, between the
-  /// columns left and right. Every neighbour is looked at, which takes no branch.
+  /// 1 if test(value of q) holds for some neighbour q of the pixel in column x, between the columns
+  /// left and right; else 0. Every neighbour is looked at, which takes no branch.
   template <class Test>
-  bool any(int left, int x, int right, Test test) const {
-    return test(row[right]) | test(below[x]) | test(above[x]) | test(row[left]) |
-           test(below[right]) | test(below[left]) | test(above[right]) | test(above[left]);
+  int any(int left, int x, int right, Test test) const {
+    const auto holds = [&test](int value) { return test(value) ? 1 : 0; };
+    return holds(row[right]) | holds(below[x]) | holds(above[x]) | holds(row[left]) |
+           holds(below[right]) | holds(below[left]) | holds(above[right]) | holds(above[left]);
   }
 };
 

@@ -35,6 +35,23 @@ imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, i
   return image;
 }
 
+ifRootsPtr makeRoots(const std::vector<Root> &roots) {
+  ifRootsPtr made = seedforest::detail::createRoots(static_cast<int>(roots.size()));
+  for (int i = 0; i < made->n; ++i) {
+    made->pixel[i] = roots[i].pixel;
+    made->label[i] = roots[i].label;
+    made->value[i] = roots[i].value;
+  }
+  return made;
+}
+
+std::vector<Root> listOf(const ifRoots *roots) {
+  std::vector<Root> list;
+  for (int i = 0; i < roots->n; ++i)
+    list.push_back({roots->pixel[i], roots->label[i], roots->value[i]});
+  return list;
+}
+
 TemporaryFolder::TemporaryFolder() {
   std::string name = (std::filesystem::temp_directory_path() / "seedforest-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr)

@@ -2,6 +2,7 @@
 // and whole runs of the tool.
 #pragma once
 
+#include "ift/core/ifRoots.h"
 #include "image/imImage.h"
 
 #include <gtest/gtest.h>
@@ -23,6 +24,16 @@ Matrix bandOf(const imImage *image, int b = 0);
 /// An image of uniformly random values lo .. hi, maxValue hi.
 imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, int nrows, int lo,
                        int hi);
+
+struct Root {
+  int pixel;
+  int label;
+  int value = 0;
+  bool operator==(const Root &) const = default;
+};
+
+ifRootsPtr makeRoots(const std::vector<Root> &roots);
+std::vector<Root> listOf(const ifRoots *roots);
 
 /// A new empty folder, removed with all that is in it.
 class TemporaryFolder {

@@ -15,13 +15,7 @@ void ifRegionsToContours(const imImage *labels, imImage *output) {
   requireBands("ifRegionsToContours", labels, 1);
   requireBands("ifRegionsToContours", output, 1);
   requireSameSize("ifRegionsToContours", labels, output);
-  const NeighborWalk neighbours(labels, imNeighborhood4);
-  const int *label = labels->band[0];
-  int p = 0;
-  for (int y = 0; y < labels->nrows; ++y)
-    for (int x = 0; x < labels->ncols; ++x, ++p)
-      if (label[p] > 0 && neighbours.any(x, y, [label](int q, int) { return label[q] == 0; }))
-        output->band[0][p] = 255;
+  forEachBorderPixel(labels, imNeighborhood4, [output](int p) { output->band[0][p] = 255; });
   output->maxValue = 255;
 }
 
@@ -30,7 +24,7 @@ int labelContours(const imImage *contour, imImage *labels) {
   requireBands("labelContours", labels, 1);
   requireSameSize("labelContours", contour, labels);
   constexpr int straightSteps = 4; // the diagonal ones follow them
-  const NeighborWalk neighbours(contour, imNeighborhood8);
+  const NeighborWalk neighbors(contour, imNeighborhood8);
   const int *value = contour->band[0];
   int *label = labels->band[0];
   const auto npixels = static_cast<std::size_t>(contour->npixels);
@@ -43,7 +37,7 @@ int labelContours(const imImage *contour, imImage *labels) {
     fifo[count++] = p;
     label[p] = saturate(++n);
   };
-  int next = 0; // the first in the FIFO whose neighbours have not been looked at
+  int next = 0; // the first in the FIFO whose neighbors have not been looked at
   for (int p = 0; p < contour->npixels; ++p) {
     if (value[p] <= 0 || visited[p])
       continue;
@@ -51,7 +45,7 @@ int labelContours(const imImage *contour, imImage *labels) {
     while (next < count) {
       const int q = fifo[next++];
       bool straight = false;
-      neighbours.each(q, [&](int r, int k) {
+      neighbors.each(q, [&](int r, int k) {
         if (value[r] == 0 || visited[r] || (straight && k >= straightSteps))
           return;
         visit(r);
@@ -205,7 +199,7 @@ void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *o
   requireSameSize("ifLabelDifferences", values, labels);
   requireSameSize("ifLabelDifferences", values, output);
   const Ranges ranges(values, labels);
-  const NeighborWalk neighbours(labels, imNeighborhood4);
+  const NeighborWalk neighbors(labels, imNeighborhood4);
   const int *value = values->band[0];
   const int *label = labels->band[0];
   int *difference = output->band[0];
@@ -215,7 +209,7 @@ void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *o
     for (int x = 0; x < output->ncols; ++x, ++p) {
       const Range *range = ranges.find(label[p]);
       difference[p] = noDifference;
-      neighbours.any(x, y, [&](int q, int) {
+      neighbors.any(x, y, [&](int q, int) {
         if (label[p] < label[q])
           difference[p] = nextToHigher;
         else if (label[p] == label[q] && range != nullptr)

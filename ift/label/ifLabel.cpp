@@ -166,7 +166,7 @@ void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *
   requireSameSize("ifConnectedComponents", grey, output);
   for (int i = 0; i < roots->n; ++i)
     requirePixel("ifConnectedComponents", grey, roots->pixel[i]);
-  const NeighborWalk neighbours(grey, imNeighborhood8);
+  const NeighborWalk neighbors(grey, imNeighborhood8);
   const int *value = grey->band[0];
   const Array<bool> reached = makeZeroedArray<bool>(static_cast<std::size_t>(grey->npixels));
   Stack<int> waiting; // in no particular order: the zones do not depend on it
@@ -181,7 +181,7 @@ void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *
     reach(roots->pixel[i]);
   while (!waiting.isEmpty()) {
     const int p = waiting.pop();
-    neighbours.each(p, [&](int q, int) {
+    neighbors.each(p, [&](int q, int) {
       if (value[q] == value[p])
         reach(q);
     });

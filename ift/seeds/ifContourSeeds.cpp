@@ -9,20 +9,6 @@
 
 using namespace seedforest::detail;
 
-namespace {
-
-void markObjectBorders(const imImage *labels, imImage *border) {
-  const NeighborWalk neighbors(labels, imNeighborhood8);
-  const int *label = labels->band[0];
-  int p = 0;
-  for (int y = 0; y < labels->nrows; ++y)
-    for (int x = 0; x < labels->ncols; ++x, ++p)
-      if (label[p] > 0 && neighbors.any(x, y, [label](int q, int) { return label[q] == 0; }))
-        border->band[0][p] = label[p];
-}
-
-} // namespace
-
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
   requireBands("ifDistTransfRoots", binary, 1);
   const imImagePtr labels = createImage(1, imTypeAscii, binary->ncols, binary->nrows);
@@ -34,7 +20,8 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
     marked = labels.get();
   } else {
     ifLabelImage(binary, labels.get());
-    markObjectBorders(labels.get(), border.get());
+    forEachBorderPixel(labels.get(), imNeighborhood8,
+                       [&](int p) { border->band[0][p] = labels->band[0][p]; });
     marked = border.get();
   }
   ifRoots *record = ifLabelsToRoots(marked);

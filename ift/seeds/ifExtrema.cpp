@@ -53,7 +53,7 @@ imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
     const RowWindow window(image, 0, y);
     forEachColumn(image->ncols, [=, out = state + image->row[y]](int left, int x, int right) {
       const int v = window.row[x];
-      out[x] = window.any(left, x, right, [=](int u) { return beats(u, v); }) ? v : extremum;
+      out[x] = window.any(left, x, right, [=](int u) { return beats(u, v); }) != 0 ? v : extremum;
     });
   }
   Stack<int> rejected;
@@ -67,8 +67,8 @@ imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
     const int *row = value + image->row[y];
     forEachColumn(image->ncols, [=, out = goesOn.get()](int left, int x, int right) {
       const int v = row[x];
-      out[x] =
-          (window.row[x] == extremum) & window.any(left, x, right, [=](int u) { return u == v; });
+      out[x] = static_cast<int>(window.row[x] == extremum) &
+               window.any(left, x, right, [=](int u) { return u == v; });
     });
     for (int x = 0; x < image->ncols; ++x)
       if (goesOn[x] != 0)

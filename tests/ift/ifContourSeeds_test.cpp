@@ -4,16 +4,12 @@
 
 namespace {
 
-using Roots = std::vector<std::pair<int, int>>; // pixel and label
+using Roots = std::vector<Root>; // pixel and label; values are 0
 
 Roots rootsOf(const Matrix &shape, int contour) {
   ifRoots roots;
   ifDistTransfRoots(makeImage(shape).get(), &roots, contour);
-  Roots list;
-  for (int i = 0; i < roots.n; ++i) {
-    list.emplace_back(roots.pixel[i], roots.label[i]);
-    EXPECT_EQ(roots.value[i], 0);
-  }
+  const Roots list = listOf(&roots);
   ifReleaseRoots(&roots);
   return list;
 }

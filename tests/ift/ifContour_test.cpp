@@ -119,24 +119,6 @@ void followRecursively(Followed &record, int contour, imImage *mask, const imIma
   }
 }
 
-TEST(ContourFollow, WalksABorderWithTheShapeOnItsLeft) {
-  const imImagePtr shape = makeImage({{0, 0, 0, 0, 0}, //
-                                      {0, 1, 1, 1, 0},
-                                      {0, 1, 1, 1, 0},
-                                      {0, 1, 1, 1, 0}});
-  const imImagePtr mask(imCopyImage(shape.get()));
-  mask->band[0][12] = 0;
-  Followed record(shape.get());
-  record.follow(mask.get(), shape.get(), 7, 6, eight);
-  ASSERT_EQ(record.count, 8);
-  record.pixel.resize(8);
-  EXPECT_EQ(record.pixel, (std::vector<int>{6, 11, 16, 17, 18, 13, 8, 7}));
-  EXPECT_EQ(std::count(record.value.begin(), record.value.end(), 7), 8);
-  EXPECT_EQ(record.label[7], 8);
-  EXPECT_EQ(mask->maxValue, 1);
-  EXPECT_EQ(bandOf(mask.get()), Matrix(4, std::vector<int>(5)));
-}
-
 TEST(ContourFollow, EqualsTheRecursion) {
   std::mt19937 random(8);
   for (int round = 0; round < 2000; ++round) {

@@ -60,12 +60,8 @@ TEST(Extrema, AsRootsInRasterOrder) {
   testing::internal::CaptureStdout();
   const ifRootsPtr roots(ifRegionalMaximaAsRoots(image.get()));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "in ifLabelImage\nin ifLabelImage\n");
-  const auto list = [&roots](const int *values) {
-    return std::vector<int>(values, values + roots->n);
-  };
-  EXPECT_EQ(list(roots->pixel), (std::vector<int>{0, 2, 3, 8, 10}));
-  EXPECT_EQ(list(roots->label), (std::vector<int>{1, 2, 2, 3, 4}));
-  EXPECT_EQ(list(roots->value), (std::vector<int>{5, 8, 8, 5, 3}));
+  EXPECT_EQ(listOf(roots.get()),
+            (std::vector<Root>{{0, 1, 5}, {2, 2, 8}, {3, 2, 8}, {8, 3, 5}, {10, 4, 3}}));
 }
 
 // The definition: what the reconstruction of the image from its shifted copy leaves over.

@@ -29,8 +29,7 @@ TEST(FrameSeeds, OneLabelForAll) {
 
 TEST(LabelSeeds, PositivePixelsInRasterOrder) {
   const ifRootsPtr roots(ifLabelsToRoots(makeImage({{0, 4, -3}, {2, 0, 4}}).get()));
-  EXPECT_EQ(std::vector<int>(roots->pixel, roots->pixel + roots->n), (std::vector<int>{1, 3, 5}));
-  EXPECT_EQ(std::vector<int>(roots->label, roots->label + roots->n), (std::vector<int>{4, 2, 4}));
+  EXPECT_EQ(listOf(roots.get()), (std::vector<Root>{{1, 4}, {3, 2}, {5, 4}}));
   EXPECT_EQ(ifRootsPtr(ifLabelsToRoots(makeImage({{0, -3}}).get()))->n, 0);
 }
 

@@ -20,51 +20,7 @@ struct Queue {
 
   void insert(int b, int e) { insertQueue(&q, &a, b, e); }
   int remove(int b) { return removeQueue(&q, &a, b); }
-
-  // The elements in the order in which a transform takes them.
-  std::vector<int> takeAll() {
-    std::vector<int> taken;
-    while (isEmpty(&q) == 0)
-      taken.push_back(remove(q.current));
-    return taken;
-  }
 };
-
-TEST(Queue, FirstInFirstOutAndRound) {
-  Queue queue(10, 8);
-  queue.q.current = 5;
-  for (const int e : {4, 2, 6})
-    queue.insert(2, e);
-  queue.insert(9, 7);
-  queue.insert(5, 0);
-  updateQueue(&queue.q, &queue.a, 2, 4); // within its bucket, behind the others
-  removeQueueElem(&queue.q, &queue.a, 2);
-  queue.insert(2, 2); // new again
-  EXPECT_EQ(queue.takeAll(), (std::vector<int>{0, 7, 6, 4, 2}));
-  EXPECT_EQ(queue.q.current, 2); // all empty: stays
-  EXPECT_EQ(queue.remove(2), -1);
-  EXPECT_EQ(queue.a.bucket[4], -2);
-  EXPECT_EQ(queue.a.bucket[1], -1);
-  resetQueue(&queue.q, &queue.a);
-  EXPECT_EQ(queue.q.current, 0);
-  EXPECT_EQ(queue.a.bucket[4], -1);
-}
-
-TEST(Queue, OnlyTheLinearFormsPullTheSearchBack) {
-  Queue queue(10, 4);
-  queue.q.current = 7;
-  queue.insert(3, 0);
-  EXPECT_EQ(queue.q.current, 7);
-  insertQueueUpdateCurr(&queue.q, &queue.a, 9, 1);
-  EXPECT_EQ(queue.q.current, 7);
-  updateQueueUpdateCurr(&queue.q, &queue.a, 1, 2); // not waiting: no move
-  EXPECT_EQ(queue.q.current, 7);
-  insertQueueUpdateCurr(&queue.q, &queue.a, 3, 2);
-  EXPECT_EQ(queue.q.current, 3);
-  updateQueueUpdateCurr(&queue.q, &queue.a, 1, 1);
-  EXPECT_EQ(queue.q.current, 1);
-  EXPECT_EQ(queue.takeAll(), (std::vector<int>{1, 0, 2}));
-}
 
 // The same queue without links: a list for each bucket, and a state for each element. It is asked
 // only for buckets and elements that exist.

@@ -2,22 +2,9 @@
 
 #include "support.h"
 
-#include <algorithm>
-
 namespace {
 
 using seedforest::detail::createRoots;
-
-std::vector<int> list(const int *values, int n) {
-  return {values, values + n};
-}
-
-ifRootsPtr makeRoots(const std::vector<int> &pixel, const std::vector<int> &label) {
-  ifRootsPtr roots = createRoots(static_cast<int>(pixel.size()));
-  std::copy(pixel.begin(), pixel.end(), roots->pixel);
-  std::copy(label.begin(), label.end(), roots->label);
-  return roots;
-}
 
 // Reads a roots file for an image 5 pixels wide, with what it printed on standard output.
 ifRootsPtr readText(const std::string &text, std::string *printed = nullptr) {
@@ -35,17 +22,14 @@ ifRootsPtr readText(const std::string &text, std::string *printed = nullptr) {
 TEST(Roots, FileRoundTrip) {
   const TemporaryFolder folder;
   const imImagePtr image(imCreateImage(1, imTypeGrey, 5, 3));
-  const ifRootsPtr roots = makeRoots({0, 5, 12}, {1, 2, 3});
-  roots->value[1] = 8; // not stored
+  const ifRootsPtr roots = makeRoots({{0, 1, 7}, {5, 2, 8}, {12, 3, 9}}); // values are not stored
   ifSaveRoots(folder.path("roots").c_str(), image.get(), roots.get());
   const std::string text = contentsOf(folder.path("roots"));
   EXPECT_EQ(text, "3\n0 0 1\n0 1 2\n2 2 3\n");
   std::string printed;
   const ifRootsPtr again = readText(text, &printed);
   EXPECT_EQ(printed, "read: 0 1\nread: 5 2\nread: 12 3\n");
-  EXPECT_EQ(list(again->pixel, again->n), (std::vector<int>{0, 5, 12}));
-  EXPECT_EQ(list(again->label, again->n), (std::vector<int>{1, 2, 3}));
-  EXPECT_EQ(list(again->value, again->n), (std::vector<int>{0, 0, 0}));
+  EXPECT_EQ(listOf(again.get()), (std::vector<Root>{{0, 1}, {5, 2}, {12, 3}}));
   const ifRoots2 wider = {roots->pixel, roots->label, roots->value, nullptr, 3};
   ifSaveRoots2(folder.path("roots2").c_str(), image.get(), &wider);
   EXPECT_EQ(contentsOf(folder.path("roots2")), text);
@@ -55,7 +39,7 @@ TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
   const TemporaryFolder folder;
   const imImagePtr image(imCreateImage(1, imTypeGrey, 5, 3));
   const ifRootsPtr roots = readText("3 -7 0 1  0 1000000000 2  2147483647 2147483647 3");
-  EXPECT_EQ(list(roots->pixel, 3), (std::vector<int>{-7, 705032704, -6}));
+  EXPECT_EQ(listOf(roots.get()), (std::vector<Root>{{-7, 1}, {705032704, 2}, {-6, 3}}));
   ifSaveRoots(folder.path("roots").c_str(), image.get(), roots.get());
   EXPECT_EQ(contentsOf(folder.path("roots")).substr(0, 10), "3\n-2 -1 1\n");
   EXPECT_EXIT(ifVisualizeRoots(image.get(), roots.get()), testing::ExitedWithCode(1),
@@ -65,20 +49,16 @@ TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
 TEST(Roots, MissingLinesKeepTheLastNumbers) {
   const struct {
     const char *text;
-    std::vector<int> pixel;
-    std::vector<int> label;
+    std::vector<Root> roots;
   } cases[] = {
-      {"2", {0, 0}, {0, 0}},
-      {"2 3 1 9", {8, 8}, {9, 9}},
-      {"2 3 1 9 4", {8, 9}, {9, 9}},             // a line cut after x
-      {"2 x 1 9", {0, 0}, {0, 0}},               // never gets past the x
-      {"3 1 0 5 - 2 0 6", {1, 1, 2}, {5, 5, 6}}, // a lone sign costs one seed its line
+      {"2", {{0, 0}, {0, 0}}},
+      {"2 3 1 9", {{8, 9}, {8, 9}}},
+      {"2 3 1 9 4", {{8, 9}, {9, 9}}},               // a line cut after x
+      {"2 x 1 9", {{0, 0}, {0, 0}}},                 // never gets past the x
+      {"3 1 0 5 - 2 0 6", {{1, 5}, {1, 5}, {2, 6}}}, // a lone sign costs one seed its line
   };
-  for (const auto &c : cases) {
-    const ifRootsPtr roots = readText(c.text);
-    EXPECT_EQ(list(roots->pixel, roots->n), c.pixel) << c.text;
-    EXPECT_EQ(list(roots->label, roots->n), c.label) << c.text;
-  }
+  for (const auto &c : cases)
+    EXPECT_EQ(listOf(readText(c.text).get()), c.roots) << c.text;
 }
 
 TEST(Roots, InvalidCounts) {
@@ -106,7 +86,7 @@ TEST(Roots, FilesThatCannotBeOpened) {
 
 TEST(Roots, PaintedInOrder) {
   const imImagePtr image(imCreateImage(3, imTypeColor, 3, 1));
-  const ifRootsPtr roots = makeRoots({1, 2, 1}, {4, 5, 6});
+  const ifRootsPtr roots = makeRoots({{1, 4}, {2, 5}, {1, 6}});
   const imImagePtr labels(ifVisualizeRoots(image.get(), roots.get()));
   EXPECT_EQ(labels->type, imTypeAscii);
   EXPECT_EQ(bandOf(labels.get()), (Matrix{{0, 6, 5}}));

@@ -13,22 +13,6 @@ namespace {
 using Transform = void (*)(const imImage *, imImage *, imNeighborhoodFn, ifArcWeightFn, int,
                            ifPathCostFn, const ifRoots *);
 
-struct Seed {
-  int pixel;
-  int label;
-  int value;
-};
-
-ifRootsPtr makeSeeds(const std::vector<Seed> &seeds) {
-  ifRootsPtr roots = createRoots(static_cast<int>(seeds.size()));
-  for (int i = 0; i < roots->n; ++i) {
-    roots->pixel[i] = seeds[i].pixel;
-    roots->label[i] = seeds[i].label;
-    roots->value[i] = seeds[i].value;
-  }
-  return roots;
-}
-
 struct Forest {
   Matrix label;
   Matrix cost;
@@ -40,11 +24,11 @@ Forest forestOf(const imImage *output) {
   return {bandOf(output, n - 3), bandOf(output, n - 2), bandOf(output, n - 1)};
 }
 
-Forest run(Transform transform, const imImagePtr &input, const std::vector<Seed> &seeds,
+Forest run(Transform transform, const imImagePtr &input, const std::vector<Root> &seeds,
            int maxCost, ifPathCostFn pathCost, ifArcWeightFn weight = ifWatershedMetric) {
   const imImagePtr output(imCreateImage(3, imTypeWork, input->ncols, input->nrows));
   transform(input.get(), output.get(), imNeighborhood8, weight, maxCost, pathCost,
-            makeSeeds(seeds).get());
+            makeRoots(seeds).get());
   return forestOf(output.get());
 }
 
@@ -52,7 +36,7 @@ TEST(Forest, TiesOnPlateaus) {
   struct Case {
     const char *what;
     Matrix image;
-    std::vector<Seed> seeds;
+    std::vector<Root> seeds;
     Matrix label;
   };
   const Matrix odd = {{0, 0, 0, 0, 0, 0, 0, 0, 0}};
@@ -96,8 +80,8 @@ TEST(Forest, TiesOnPlateaus) {
     imImagePtr mirrored = makeImage(c.image);
     for (int p = 0; p < mirrored->npixels; ++p)
       mirrored->band[0][p] = bound - mirrored->band[0][p];
-    std::vector<Seed> seeds = c.seeds;
-    for (Seed &seed : seeds)
+    std::vector<Root> seeds = c.seeds;
+    for (Root &seed : seeds)
       seed.value = bound - seed.value;
     EXPECT_EQ(run(iftNonNormalizedInverted, mirrored, seeds, bound, ifPathCostMin).label, c.label);
   }
@@ -131,7 +115,7 @@ TEST(Forest, WritesTheLastThreeBandsOnly) {
   const imImagePtr output(imCreateImage(5, imTypeWork, 2, 1));
   output->band[0][1] = 77;
   iftNonNormalized(image.get(), output.get(), imNeighborhood4, ifChanferDistance, 100,
-                   ifPathCostSum, makeSeeds({{0, 5, 1}}).get());
+                   ifPathCostSum, makeRoots({{0, 5, 1}}).get());
   EXPECT_EQ(bandOf(output.get(), 0), (Matrix{{0, 77}}));
   EXPECT_EQ(bandOf(output.get(), 3), (Matrix{{1, 13}}));
 }
@@ -139,9 +123,9 @@ TEST(Forest, WritesTheLastThreeBandsOnly) {
 TEST(Forest, RefusesWhatItCannotDo) {
   const imImagePtr image = makeImage({{0, 0}});
   const imImagePtr other(imCreateImage(3, imTypeWork, 1, 2));
-  const auto with = [&image](const imImage *output, const std::vector<Seed> &seeds, int maxCost) {
+  const auto with = [&image](const imImage *output, const std::vector<Root> &seeds, int maxCost) {
     iftNonNormalized(image.get(), const_cast<imImage *>(output), imNeighborhood8, ifWatershedMetric,
-                     maxCost, ifPathCostMax, makeSeeds(seeds).get());
+                     maxCost, ifPathCostMax, makeRoots(seeds).get());
   };
   const imImagePtr output(imCreateImage(3, imTypeWork, 2, 1));
   const auto exits = testing::ExitedWithCode(1);
@@ -154,7 +138,7 @@ TEST(Forest, RefusesWhatItCannotDo) {
 // Random problems, for the certificate and the comparison below.
 struct Problem {
   imImagePtr image;
-  std::vector<Seed> seeds;
+  std::vector<Root> seeds;
   int maxCost;
 };
 
@@ -192,7 +176,7 @@ void compareWithLiteral(Transform transform) {
     const ifPathCostFn pathCost = pathCosts[random() % 5];
     const imNeighborhoodFn adjacency = random() % 3 == 0 ? imNeighborhood4 : imNeighborhood8;
     const imImage *image = problem.image.get();
-    const ifRootsPtr seeds = makeSeeds(problem.seeds);
+    const ifRootsPtr seeds = makeRoots(problem.seeds);
     const imImagePtr fast(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
     transform(image, fast.get(), adjacency, weight, problem.maxCost, pathCost, seeds.get());
     const imImagePtr literal(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
@@ -247,12 +231,12 @@ TEST(Forest, Certificate) {
     const imImagePtr output(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
     const auto transform = maximise ? iftNonNormalizedInverted : iftNonNormalized;
     transform(image, output.get(), imNeighborhood8, weight, 4000, pathCost,
-              makeSeeds(problem.seeds).get());
+              makeRoots(problem.seeds).get());
     const int *label = output->band[0];
     const int *cost = output->band[1];
     const int *pred = output->band[2];
-    std::vector<Seed> seedAt(static_cast<std::size_t>(image->npixels), {-1, 0, 0});
-    for (const Seed &seed : problem.seeds)
+    std::vector<Root> seedAt(static_cast<std::size_t>(image->npixels), {-1, 0, 0});
+    for (const Root &seed : problem.seeds)
       seedAt[seed.pixel] = seed;
     const NeighborWalk neighbors(image, imNeighborhood8);
     for (int p = 0; p < image->npixels; ++p) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 inline void floodLabel(const imImage *binary, imImage *labels) {
-  const seedforest::detail::NeighborWalk neighbours(binary, imNeighborhood8);
+  const seedforest::detail::NeighborWalk neighbors(binary, imNeighborhood8);
   const int *value = binary->band[0];
   int *label = labels->band[0];
   std::vector<bool> inserted(static_cast<std::size_t>(binary->npixels));
@@ -27,7 +27,7 @@ inline void floodLabel(const imImage *binary, imImage *labels) {
     while (!queue.empty()) {
       const int q = queue.front();
       queue.pop();
-      neighbours.each(q, [&](int r, int) {
+      neighbors.each(q, [&](int r, int) {
         if (value[r] > 0 && !inserted[r])
           insert(r);
       });
