@@ -3,6 +3,7 @@
 
 #include "image/imIO.h"
 #include "image/imImage.h"
+#include "image/imMorph.h"
 #include "image/imNeighborhood.h"
 #include "image/imPixelwise.h"
 #include "image/imVisual.h"
