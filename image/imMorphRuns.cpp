@@ -1,0 +1,291 @@
+#include "image/imMorphRuns.h"
+
+#include "base/arith.h"
+#include "base/buffer.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <vector>
+
+// A function compiled twice, with and without AVX2; the machine's is chosen when the program
+// starts, which the sanitizers' own start does not survive. The templates within are inlined by
+// force, so that they are compiled with their caller's instructions.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__gnu_linux__) &&   \
+    !defined(__SANITIZE_ADDRESS__)
+#define SEEDFOREST_MULTIVERSION __attribute__((target_clones("avx2", "default")))
+#else
+#define SEEDFOREST_MULTIVERSION
+#endif
+
+namespace seedforest::detail {
+
+namespace {
+
+constexpr int batch = 4; // rows that come in together
+
+// Rows start at multiples of so many elements, and the work on them ends there: past their end,
+// where what it finds has no meaning and is not used.
+constexpr std::ptrdiff_t lane = 64;
+
+constexpr std::ptrdiff_t roundUp(std::ptrdiff_t n) {
+  return (n + lane - 1) / lane * lane;
+}
+
+// The two extrema: the better of two elements, and the start, which no element falls behind.
+struct Largest {
+  template <class T>
+  static constexpr T start = sizeof(T) < sizeof(int) ? std::numeric_limits<T>::lowest()
+                                                     : static_cast<T>(leastStart);
+  template <class T>
+  static T of(T a, T b) {
+    return a > b ? a : b;
+  }
+};
+
+struct Smallest {
+  template <class T>
+  static constexpr T start = sizeof(T) < sizeof(int) ? std::numeric_limits<T>::max()
+                                                     : static_cast<T>(mostStart);
+  template <class T>
+  static T of(T a, T b) {
+    return a < b ? a : b;
+  }
+};
+
+// The runs of a disc, clipped to displacements that the image has. Level 0 is the row as it comes,
+// of half-width 0; three reads of one level reach at most 3h + 1 in the next, so some levels are
+// only steps on the way to a wider one.
+struct Disc {
+  int reach;                        // dy goes from -reach to reach
+  std::vector<int> halfWidth = {0}; // by level, ascending
+  std::vector<int> level;           // by |dy|
+
+  Disc(int s, int ncols, int nrows)
+      : reach(std::min(truncatedSqrt(s), nrows - 1)), level(std::size_t{1} + reach) {
+    for (int dy = reach; dy >= 0; --dy) {
+      const int width = std::min(truncatedSqrt(s - dy * dy), ncols - 1);
+      while (halfWidth.back() < width)
+        halfWidth.push_back(std::min(width, 3 * halfWidth.back() + 1));
+      level[dy] = static_cast<int>(halfWidth.size()) - 1;
+    }
+  }
+
+  int widest() const { return halfWidth.back(); }
+};
+
+// Rows of elements, element 0 of each aligned, with a margin before and after.
+template <class T>
+class Rows {
+public:
+  Rows(std::size_t count, std::ptrdiff_t margin, std::ptrdiff_t length, T fill)
+      : pitch_(roundUp(margin) + roundUp(length)), memory_(makeArray<T>(count * pitch_ + lane)) {
+    std::fill_n(memory_.get(), count * pitch_ + lane, fill);
+    const auto address = reinterpret_cast<std::uintptr_t>(memory_.get()) / sizeof(T);
+    first_ = memory_.get() + (lane - address % lane) % lane + roundUp(margin);
+  }
+
+  T *operator[](std::size_t i) const { return first_ + i * pitch_; }
+
+private:
+  std::ptrdiff_t pitch_;
+  Array<T> memory_;
+  T *first_;
+};
+
+// What a stage has in memory.
+template <class T>
+struct Window {
+  Disc disc;
+  std::ptrdiff_t ncols;
+  int nrows;
+  int ringSize;
+  Rows<T> levels; // of the rows that came in last: level j of row i of them is at j * batch + i
+  Rows<T> ring;   // rows on their way out, row y at y mod ringSize
+
+  Window(int s, int columns, int rows, T start)
+      : disc(s, columns, rows), ncols(columns), nrows(rows), ringSize(2 * disc.reach + batch),
+        levels(disc.halfWidth.size() * batch, disc.widest() + lane, ncols + disc.widest() + lane,
+               start),
+        ring(ringSize, 0, ncols, start) {}
+
+  T *level(int j, int i) const { return levels[std::size_t{batch} * j + i]; }
+  T *out(int y) const { return ring[y % ringSize]; }
+};
+
+// The running extrema of half-width h + d from those of half-width h; d is at most 2h + 1. They are
+// needed beyond the image too, as far as wider runs that reach into it will read them.
+template <class Best, class T>
+[[gnu::always_inline]] inline void widen(const T *from, std::ptrdiff_t h, std::ptrdiff_t d,
+                                         std::ptrdiff_t beyond, std::ptrdiff_t ncols, T *to) {
+  const std::ptrdiff_t begin = -roundUp(beyond);
+  const std::ptrdiff_t n = roundUp(ncols + beyond - begin);
+  T *__restrict at = to + begin;
+  const T *left = from + begin - d;
+  const T *middle = from + begin;
+  const T *right = from + begin + d;
+  if (d <= h)
+    for (std::ptrdiff_t x = 0; x < n; ++x)
+      at[x] = Best::of(left[x], right[x]);
+  else
+    for (std::ptrdiff_t x = 0; x < n; ++x)
+      at[x] = Best::of(Best::of(left[x], right[x]), middle[x]);
+}
+
+// The extremum of four rows, and of `to` itself unless it is new.
+template <class Best, class T>
+[[gnu::always_inline]] inline void join(const T *const (&from)[batch], std::ptrdiff_t n, bool isNew,
+                                        T *__restrict to) {
+  static_assert(batch == 4);
+  const T *a = from[0];
+  const T *b = from[1];
+  const T *c = from[2];
+  const T *d = from[3];
+  if (isNew)
+    for (std::ptrdiff_t x = 0; x < n; ++x)
+      to[x] = Best::of(Best::of(a[x], b[x]), Best::of(c[x], d[x]));
+  else
+    for (std::ptrdiff_t x = 0; x < n; ++x)
+      to[x] = Best::of(to[x], Best::of(Best::of(a[x], b[x]), Best::of(c[x], d[x])));
+}
+
+// Works rows y0 .. y1 - 1, which are there at level 0, into the rows on their way out.
+template <class Best, class T>
+[[gnu::always_inline]] inline void takeInAs(const Window<T> &window, int y0, int y1) {
+  const Disc &disc = window.disc;
+  for (int i = 0; i < y1 - y0; ++i)
+    for (std::size_t j = 1; j < disc.halfWidth.size(); ++j) {
+      const int h = disc.halfWidth[j - 1];
+      widen<Best>(window.level(j - 1, i), h, disc.halfWidth[j] - h,
+                  disc.widest() - disc.halfWidth[j], window.ncols, window.level(j, i));
+    }
+  const int reach = disc.reach;
+  for (int y = std::max(y0 - reach, 0);
+       y < std::min<std::int64_t>(std::int64_t{y1} + reach, window.nrows); ++y) {
+    const T *from[batch];
+    int n = 0;
+    for (int q = std::max(y0, y - reach); q < y1 && q - y <= reach; ++q)
+      from[n++] = window.level(disc.level[std::abs(q - y)], q - y0);
+    for (; n < batch; ++n)
+      from[n] = from[n - 1];
+    join<Best>(from, roundUp(window.ncols), y0 == 0 || y - reach >= y0, window.out(y));
+  }
+}
+
+SEEDFOREST_MULTIVERSION void takeIn(Largest, const Window<std::uint8_t> &window, int y0, int y1) {
+  takeInAs<Largest>(window, y0, y1);
+}
+SEEDFOREST_MULTIVERSION void takeIn(Largest, const Window<std::int16_t> &window, int y0, int y1) {
+  takeInAs<Largest>(window, y0, y1);
+}
+SEEDFOREST_MULTIVERSION void takeIn(Largest, const Window<int> &window, int y0, int y1) {
+  takeInAs<Largest>(window, y0, y1);
+}
+SEEDFOREST_MULTIVERSION void takeIn(Smallest, const Window<std::uint8_t> &window, int y0, int y1) {
+  takeInAs<Smallest>(window, y0, y1);
+}
+SEEDFOREST_MULTIVERSION void takeIn(Smallest, const Window<std::int16_t> &window, int y0, int y1) {
+  takeInAs<Smallest>(window, y0, y1);
+}
+SEEDFOREST_MULTIVERSION void takeIn(Smallest, const Window<int> &window, int y0, int y1) {
+  takeInAs<Smallest>(window, y0, y1);
+}
+
+template <class T, class Best>
+class Stage : public RowSource<T> {
+public:
+  Stage(int s, int ncols, int nrows, RowSource<T> &from)
+      : window_(s, ncols, nrows, Best::template start<T>), from_(from) {}
+
+  void next(T *row) override {
+    while (in_ < window_.nrows && in_ - out_ <= window_.disc.reach)
+      takeInBatch();
+    std::copy_n(window_.out(out_++), window_.ncols, row);
+  }
+
+private:
+  void takeInBatch() {
+    const int n = std::min(batch, window_.nrows - in_);
+    for (int i = 0; i < n; ++i) {
+      T *row = window_.level(0, i);
+      from_.next(row);
+      if (sizeof(T) == sizeof(int)) // only then are there values beyond the start
+        std::transform(row, row + window_.ncols, row,
+                       [](T v) { return Best::of(v, Best::template start<T>); });
+    }
+    takeIn(Best(), window_, in_, in_ + n);
+    in_ += n;
+  }
+
+  Window<T> window_;
+  RowSource<T> &from_;
+  int in_ = 0;  // rows that have come in
+  int out_ = 0; // and gone out
+};
+
+template <class T>
+[[gnu::always_inline]] inline void loadAs(const int *value, int n, int base, T *__restrict row) {
+  for (int x = 0; x < n; ++x)
+    row[x] = static_cast<T>(static_cast<unsigned>(value[x]) - static_cast<unsigned>(base));
+}
+
+template <class T>
+[[gnu::always_inline]] inline int storeAs(const T *row, int n, int base, int *__restrict value,
+                                          int largest) {
+  for (int x = 0; x < n; ++x) {
+    value[x] = row[x] + base;
+    largest = Largest::of(largest, value[x]);
+  }
+  return largest;
+}
+
+} // namespace
+
+template <class T>
+std::unique_ptr<RowSource<T>> extremaOverDisc(Extremum extremum, int s, int ncols, int nrows,
+                                              RowSource<T> &from) {
+  if (extremum == Extremum::largest)
+    return std::make_unique<Stage<T, Largest>>(s, ncols, nrows, from);
+  return std::make_unique<Stage<T, Smallest>>(s, ncols, nrows, from);
+}
+
+template std::unique_ptr<RowSource<std::uint8_t>> extremaOverDisc(Extremum, int, int, int,
+                                                                  RowSource<std::uint8_t> &);
+template std::unique_ptr<RowSource<std::int16_t>> extremaOverDisc(Extremum, int, int, int,
+                                                                  RowSource<std::int16_t> &);
+template std::unique_ptr<RowSource<int>> extremaOverDisc(Extremum, int, int, int, RowSource<int> &);
+
+SEEDFOREST_MULTIVERSION void widenRange(const int *value, int n, ValueRange &range) {
+  int least = range.least;
+  int most = range.most;
+  for (int x = 0; x < n; ++x) {
+    least = Smallest::of(least, value[x]);
+    most = Largest::of(most, value[x]);
+  }
+  range = {least, most};
+}
+
+SEEDFOREST_MULTIVERSION void loadRow(const int *value, int n, int base, std::uint8_t *row) {
+  loadAs(value, n, base, row);
+}
+SEEDFOREST_MULTIVERSION void loadRow(const int *value, int n, int base, std::int16_t *row) {
+  loadAs(value, n, base, row);
+}
+void loadRow(const int *value, int n, int, int *row) {
+  std::copy_n(value, n, row);
+}
+
+SEEDFOREST_MULTIVERSION int storeRow(const std::uint8_t *row, int n, int base, int *value,
+                                     int largest) {
+  return storeAs(row, n, base, value, largest);
+}
+SEEDFOREST_MULTIVERSION int storeRow(const std::int16_t *row, int n, int base, int *value,
+                                     int largest) {
+  return storeAs(row, n, base, value, largest);
+}
+SEEDFOREST_MULTIVERSION int storeRow(const int *row, int n, int base, int *value, int largest) {
+  return storeAs(row, n, base, value, largest);
+}
+
+} // namespace seedforest::detail
