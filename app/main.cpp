@@ -45,7 +45,7 @@ struct ArgumentRule {
 };
 
 // Makes an option's roots. None means that it has printed why, and that the run ends with status 0.
-using MakeRootsFn = ifRootsPtr (*)(const CommandLine &, const imImage *);
+using MakeRootsFn = ifRootsPtr (*)(const CommandLine &, imImage *);
 
 struct Option {
   std::string_view word;
@@ -85,7 +85,7 @@ ifRootsPtr readRoots(const char *path, const imImage *image) {
   return roots;
 }
 
-ifRootsPtr joinRoots(const CommandLine &line, const imImage *image) {
+ifRootsPtr joinRoots(const CommandLine &line, imImage *image) {
   const ifRootsPtr a = readRoots(line.words[firstParameter], image);
   const ifRootsPtr b = a ? readRoots(line.words[firstParameter + 1], image) : nullptr;
   if (b == nullptr)
@@ -101,7 +101,7 @@ ifRootsPtr joinRoots(const CommandLine &line, const imImage *image) {
   return joined;
 }
 
-ifRootsPtr frameRoots(const CommandLine &line, const imImage *image) {
+ifRootsPtr frameRoots(const CommandLine &line, imImage *image) {
   const int uniform = line.number(firstParameter);
   if (uniform != 0 && line.count != 6) {
     complain("value not suplied for <label>\n");
@@ -111,7 +111,7 @@ ifRootsPtr frameRoots(const CommandLine &line, const imImage *image) {
   return ifRootsPtr(ifFrameAsRoots(image, uniform, label));
 }
 
-ifRootsPtr labelRoots(const CommandLine &, const imImage *image) {
+ifRootsPtr labelRoots(const CommandLine &, imImage *image) {
   return ifRootsPtr(ifLabelsToRoots(image));
 }
 
@@ -131,19 +131,23 @@ ifRootsPtr keepRange(const char *option, const CommandLine &line, const imImage 
   return kept;
 }
 
-ifRootsPtr maximumRoots(const CommandLine &line, const imImage *image) {
+ifRootsPtr maximumRoots(const CommandLine &line, imImage *image) {
   return keepRange("regMax", line, image, ifRegionalMaximaAsRoots);
 }
 
-ifRootsPtr minimumRoots(const CommandLine &line, const imImage *image) {
+ifRootsPtr minimumRoots(const CommandLine &line, imImage *image) {
   return keepRange("regMin", line, image, ifRegionalMinimaAsRoots);
 }
 
-ifRootsPtr contourRoots(const CommandLine &, const imImage *image) {
+ifRootsPtr contourRoots(const CommandLine &, imImage *image) {
   ifRootsPtr roots = createRoots(0);
   ifReleaseRoots(roots.get());
   ifDistTransfRoots(image, roots.get(), 1);
   return roots;
+}
+
+ifRootsPtr cellRoots(const CommandLine &line, imImage *image) {
+  return ifRootsPtr(ifCellsRoots(image, line.number(firstParameter)));
 }
 
 const Option *findOption(std::string_view word) {
@@ -154,6 +158,7 @@ const Option *findOption(std::string_view word) {
       {"dt", {0, anyCount, "", stdout, 0}, contourRoots},
       {"frame", {5, anyCount, "value not suplied for <uniform label>\n", stderr, 0}, frameRoots},
       {"join", {6, anyCount, "invalid seed file(s) name(s)\n", stderr, 0}, joinRoots},
+      {"cells", {5, 5, wrongCount, stdout, 1}, cellRoots},
       {"labels", {0, anyCount, "", stdout, 0}, labelRoots},
   };
   for (const Option &option : options)

@@ -4,6 +4,7 @@
 #include "base/buffer.h"
 #include "base/report.h"
 #include "image/imMorphRuns.h"
+#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -192,24 +193,18 @@ void imMorphAsfOC(const imImage *in, imImage *out, int n) {
             [](int i) { return joined(openingBy(i), closingBy(i)); });
 }
 
-// Clamping a neighbour's place to the image leads to another neighbour or to the pixel itself,
-// which do no harm: so all rows are alike, and the inner columns make a loop that compilers turn
-// into vector code.
 void imMorphGrad(const imImage *in, imImage *out) {
   requireBands("imMorphGrad", in, 0);
   requireOutput("imMorphGrad", in, out, std::min(in->nbands, 1));
   int largest = -1;
-  const int last = in->ncols - 1;
   for (int b = 0; b < in->nbands; ++b)
     for (int y = 0; y < in->nrows; ++y) {
-      const int *row = in->band[b] + in->row[y];
-      const int *above = in->band[b] + in->row[std::max(y - 1, 0)];
-      const int *below = in->band[b] + in->row[std::min(y + 1, in->nrows - 1)];
+      const RowWindow window(in, b, y);
       int *gradient = out->band[0] + out->row[y];
-      const auto look = [=, &largest](int left, int x, int right) {
-        int hi = row[x];
-        int lo = row[x];
-        for (const int *line : {above, row, below})
+      forEachColumn(in->ncols, [=, &largest](int left, int x, int right) {
+        int hi = window.row[x];
+        int lo = window.row[x];
+        for (const int *line : {window.above, window.row, window.below})
           for (const int column : {left, x, right}) {
             hi = std::max(hi, line[column]);
             lo = std::min(lo, line[column]);
@@ -217,11 +212,7 @@ void imMorphGrad(const imImage *in, imImage *out) {
         const int g = saturate(std::int64_t{hi} - lo);
         gradient[x] = std::max(gradient[x], g);
         largest = std::max(largest, g);
-      };
-      look(0, 0, std::min(1, last));
-      for (int x = 1; x < last; ++x)
-        look(x - 1, x, x + 1);
-      look(std::max(last - 1, 0), last, last);
+      });
     }
   out->maxValue = largest;
 }

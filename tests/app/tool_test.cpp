@@ -77,6 +77,8 @@ TEST(Tool, Runs) {
        none},
       {"in.pgm out regMax 1", 1, wasRead + wrongCount, "", none},
       {"in.pgm out regMin 1 2 3", 1, wasRead + wrongCount, "", none},
+      {"in.pgm out cells", 1, wasRead + wrongCount, "", none},
+      {"in.pgm out cells 1 2", 1, wasRead + wrongCount, "", none},
       {"in.pgm out dtx", 1, wasRead, "Invalid opt dtx\n", none},
       {"in.pgm out Labels", 1, wasRead, "Invalid opt Labels\n", none},
       {"in.pgm out frames 0", 1, wasRead, "Invalid opt frames\n", none},
@@ -148,6 +150,65 @@ TEST(Tool, RunsOnPictures) {
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
   }
+}
+
+// The cells of small pictures: what is printed, the roots and the class image.
+TEST(Tool, Cells) {
+  const std::string begin = wasRead + "in cells roots\n\n";
+  const std::string labelling = "in ifLabelImage\nin ifLabelImage\n";
+  const struct {
+    const char *what;
+    std::string image;
+    const char *steps;
+    std::string out; // before the count
+    int n;
+    std::string roots;
+    std::string classes;
+  } cases[] = {
+      {"two blobs: the first basin takes the middle column, and the line",
+       "P2 7 3 9 0 0 0 0 0 0 0 "
+       "0 9 0 0 0 9 0 0 0 0 0 0 0 0",
+       "0", labelling + "ha 2 sementes\n", 5, "5\n3 0 1\n1 1 2\n3 1 1\n5 1 2\n3 2 1\n",
+       "P2\n7 3\n2\n    0     0     0     1     0     0     0     0     2     0     1     0"
+       "     2     0     0     0 \n    0     1     0     0     0 "},
+      {"one blob has no lines", std::string("P5 3 2 255\n") + "\1\1\1\1\x90\x90", "-4",
+       labelling + "ha 2 sementes\n", 2, "2\n1 1 2\n2 1 2\n",
+       "P2\n3 2\n2\n    0     0     0     0     2     2 "},
+      {"a filter of two steps levels single pixels", "P2 3 3 9 5 5 5 5 9 5 5 5 5", "2",
+       "radius is 1\nradius is 2\n" + labelling + "ha 9 sementes\n", 9,
+       "9\n0 0 2\n1 0 2\n2 0 2\n0 1 2\n1 1 2\n2 1 2\n0 2 2\n1 2 2\n2 2 2\n",
+       "P2\n3 3\n2\n    2     2     2     2     2     2     2     2     2 "},
+      {"an image of 0 has no markers", "P2 2 1 9 0 0", "1",
+       "radius is 1\n" + labelling + "ha 0 sementes\n", 0, "0\n", "P2\n2 1\n0\n    0     0 "},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
+    const TemporaryFolder folder;
+    folder.write("in.pgm", c.image);
+    const ToolRun run = runTool(folder, std::string("in.pgm out cells ") + c.steps);
+    EXPECT_EQ(run.out, begin + c.out + savedRoots(c.n));
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
+    EXPECT_EQ(contentsOf(folder.path("labeled.pgm")), c.classes);
+  }
+}
+
+TEST(Tool, CellsThatCannotBe) {
+  const TemporaryFolder folder;
+  folder.write("in.pgm", "P2 2 1 9 0 5");
+  folder.write("colour.ppm", "P6 1 1 255\nabc");
+  for (const char *arguments : {"in.pgm out cells 1000001", "colour.ppm out cells 1"}) {
+    const ToolRun run = runTool(folder, arguments);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.find("in cells roots"), std::string::npos);
+    EXPECT_EQ(run.err.substr(0, 14), "ifCellsRoots: ");
+  }
+  std::filesystem::create_directory(folder.path("labeled.pgm"));
+  const ToolRun run = runTool(folder, "in.pgm out cells 0");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "could not open file labeled.pgm for writing\n");
+  EXPECT_EQ(contentsOf(folder.path("out")), none);
 }
 
 TEST(Tool, FailuresLeaveAnExistingFileAlone) {
