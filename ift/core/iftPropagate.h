@@ -4,12 +4,11 @@
 // Every transform is the same sentence: take the best waiting pixel, offer each neighbour a path
 // through it, let a strictly better path conquer. What differs is said by policies:
 //
-//   Arcs     visit(p, offer) calls offer(q, k) for each arc of p, in order; weight(p, q, k) weighs
-//   it Rule     extend(p, weight) is the cost of the offered path, improves(cost, q) the strict
-//   test,
-//            conquer(p, q, k, cost) stores what q gains, bucket(cost, q) says where q waits;
-//            finish(p) is told when p is taken, prefetch(p) a little before; costOf(p) is p's cost
-//   Entries  what waits in the queue, and how an outdated entry is told from a valid one
+// - Arcs: visit(p, offer) calls offer(q, k) for each arc of p, in order; weight(p, q, k) weighs it.
+// - Rule: extend(p, weight) is the cost of the offered path, improves(cost, q) the strict test,
+//   conquer(p, q, k, cost) stores what q gains, bucket(cost, q) says where q waits; finish(p) is
+//   told when p is taken, prefetch(p) a little before; costOf(p) is p's cost.
+// - Entries: what waits in the queue, and how an outdated entry is told from a valid one.
 //
 // Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
 // its new bucket; an equal cost never conquers. Buckets are served in a circle.
