@@ -4,7 +4,6 @@
 #include "base/buffer.h"
 #include "base/report.h"
 #include "image/imMorphRuns.h"
-#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -16,19 +15,7 @@ using namespace seedforest::detail;
 
 namespace {
 
-struct Step {
-  Extremum extremum;
-  int s;
-};
 using Steps = std::vector<Step>;
-
-Steps openingBy(int s) {
-  return {{Extremum::smallest, s}, {Extremum::largest, s}};
-}
-
-Steps closingBy(int s) {
-  return {{Extremum::largest, s}, {Extremum::smallest, s}};
-}
 
 void requireOutput(const char *operation, const imImage *in, const imImage *out, int nbands) {
   requireBands(operation, out, nbands);
@@ -43,14 +30,18 @@ public:
       : at_(image->band[b]), ncols_(image->ncols), base_(base) {}
 
   void next(T *row) override {
-    loadRow(at_, ncols_, base_, row);
+    fit_ &= loadRow(at_, ncols_, base_, row);
     at_ += ncols_;
   }
+
+  /// Whether all values so far are such that T can stand for them.
+  bool fit() const { return fit_; }
 
 private:
   const int *at_;
   int ncols_;
   int base_;
+  bool fit_ = true;
 };
 
 // The rows of an array of elements.
@@ -75,7 +66,7 @@ class Chain {
 public:
   Chain(const Steps &steps, const imImage *image, RowSource<T> &from) : last_(&from) {
     for (const Step &step : steps) {
-      stages_.push_back(extremaOverDisc(step.extremum, step.s, image->ncols, image->nrows, *last_));
+      stages_.push_back(runStep(step, image->ncols, image->nrows, *last_));
       last_ = stages_.back().get();
     }
   }
@@ -88,10 +79,14 @@ private:
 };
 
 // Calls work(base, T()) with the narrowest element type T that can stand for every value of the
-// image as v - base. Values beyond the start of a search need all 32 bits; of others no result is a
-// start, since each pixel is in its own disc.
+// image as v - base. The first guess is 8 bits and base 0, which costs no look at the values
+// beforehand: the work returns false as soon as it meets one that does not fit, and starts over.
+// Values beyond the start of a search need all 32 bits; of others no result is a start, since each
+// pixel is in its own disc.
 template <class Work>
 void inNarrowestType(const imImage *image, Work work) {
+  if (work(0, std::uint8_t()))
+    return;
   ValueRange range = {maxInt, minInt};
   for (int b = 0; b < image->nbands; ++b)
     widenRange(image->band[b], image->npixels, range);
@@ -125,44 +120,54 @@ void runSteps(const char *operation, const imImage *in, imImage *out, const Step
       Chain<T> chain(steps, in, from);
       for (int y = 0; y < in->nrows; ++y) {
         chain.next(row.get());
+        if (!from.fit())
+          return false;
         largest = storeRow(row.get(), in->ncols, base, out->band[b] + out->row[y], largest);
       }
     }
     out->maxValue = largest;
+    return true;
   });
 }
 
-// An alternating filter: the values stay in narrow form from step to step, in place, since a row
-// goes out only after it has come in.
-template <class StepsOf>
+// Step i of n of a filter that alternates erosions and dilations: outer, inner, inner, outer, all
+// by the disc of squared radius i. The inner two are one; so are the last outer one and the first
+// of the next step, which is taken along.
+Steps filterSteps(Extremum outer, Extremum inner, int i, int n) {
+  Steps steps;
+  if (i == 1)
+    steps.push_back({outer, 1});
+  steps.push_back({inner, i, i});
+  steps.push_back({outer, i, i < n ? i + 1 : 0});
+  return steps;
+}
+
+// The values stay in narrow form from step to step, in place: a row goes out only after it has come
+// in.
 void alternate(const char *operation, const imImage *in, imImage *out, int n, const char *line,
-               StepsOf stepsOf) {
+               Extremum outer, Extremum inner) {
   requireBands(operation, in, 0);
   requireOutput(operation, in, out, in->nbands);
   inNarrowestType(in, [&]<class T>(int base, T) {
     const std::size_t npixels = in->npixels;
     const Array<T> planes = makeArray<T>(npixels * in->nbands);
     for (int b = 0; b < in->nbands; ++b)
-      loadRow(in->band[b], in->npixels, base, planes.get() + npixels * b);
+      if (!loadRow(in->band[b], in->npixels, base, planes.get() + npixels * b))
+        return false;
     for (int i = 1; i <= n; ++i) {
       progress(line, i);
       for (int b = 0; b < in->nbands; ++b) {
         T *plane = planes.get() + npixels * b;
         PlaneRows<T> from(plane, in->ncols);
-        Chain<T> chain(stepsOf(i), in, from);
+        Chain<T> chain(filterSteps(outer, inner, i, n), in, from);
         for (int y = 0; y < in->nrows; ++y)
           chain.next(plane + in->row[y]);
       }
     }
     for (int b = 0; b < in->nbands; ++b)
       storeRow(planes.get() + npixels * b, in->npixels, base, out->band[b], 0);
+    return true;
   });
-}
-
-// Both, one after the other.
-Steps joined(Steps first, const Steps &second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
 }
 
 } // namespace
@@ -176,43 +181,53 @@ void imMorphErode(const imImage *in, imImage *out, int s) {
 }
 
 void imMorphOpen(const imImage *in, imImage *out, int s) {
-  runSteps("imMorphOpen", in, out, openingBy(s));
+  runSteps("imMorphOpen", in, out, {{Extremum::smallest, s}, {Extremum::largest, s}});
 }
 
 void imMorphClose(const imImage *in, imImage *out, int s) {
-  runSteps("imMorphClose", in, out, closingBy(s));
+  runSteps("imMorphClose", in, out, {{Extremum::largest, s}, {Extremum::smallest, s}});
 }
 
 void imMorphAsfCO(const imImage *in, imImage *out, int n) {
-  alternate("imMorphAsfCO", in, out, n, "squared radius is %d\n",
-            [](int i) { return joined(closingBy(i), openingBy(i)); });
+  alternate("imMorphAsfCO", in, out, n, "squared radius is %d\n", Extremum::largest,
+            Extremum::smallest);
 }
 
 void imMorphAsfOC(const imImage *in, imImage *out, int n) {
-  alternate("imMorphAsfOC", in, out, n, "radius is %d\n",
-            [](int i) { return joined(openingBy(i), closingBy(i)); });
+  alternate("imMorphAsfOC", in, out, n, "radius is %d\n", Extremum::smallest, Extremum::largest);
 }
 
+// Clamping a neighbour's place to the image leads to another neighbour or to the pixel itself,
+// which do no harm: so all rows are alike, and the inner columns make a loop that compilers turn
+// into vector code.
 void imMorphGrad(const imImage *in, imImage *out) {
   requireBands("imMorphGrad", in, 0);
   requireOutput("imMorphGrad", in, out, std::min(in->nbands, 1));
   int largest = -1;
+  const int last = in->ncols - 1;
   for (int b = 0; b < in->nbands; ++b)
     for (int y = 0; y < in->nrows; ++y) {
-      const RowWindow window(in, b, y);
+      const int *row = in->band[b] + in->row[y];
+      const int *above = in->band[b] + in->row[std::max(y - 1, 0)];
+      const int *below = in->band[b] + in->row[std::min(y + 1, in->nrows - 1)];
       int *gradient = out->band[0] + out->row[y];
-      forEachColumn(in->ncols, [=, &largest](int left, int x, int right) {
-        int hi = window.row[x];
-        int lo = window.row[x];
-        for (const int *line : {window.above, window.row, window.below})
-          for (const int column : {left, x, right}) {
-            hi = std::max(hi, line[column]);
-            lo = std::min(lo, line[column]);
-          }
+      const auto look = [=](int left, int x, int right) {
+        const auto over = [=](auto best) {
+          const auto ofRow = [=](const int *line) {
+            return best(best(line[left], line[x]), line[right]);
+          };
+          return best(best(ofRow(above), ofRow(row)), ofRow(below));
+        };
+        const int hi = over([](int a, int b) { return std::max(a, b); });
+        const int lo = over([](int a, int b) { return std::min(a, b); });
         const int g = saturate(std::int64_t{hi} - lo);
         gradient[x] = std::max(gradient[x], g);
-        largest = std::max(largest, g);
-      });
+        return g;
+      };
+      largest = std::max(largest, look(0, 0, std::min(1, last)));
+      for (int x = 1; x < last; ++x)
+        largest = std::max(largest, look(x - 1, x, x + 1));
+      largest = std::max(largest, look(std::max(last - 1, 0), last, last));
     }
   out->maxValue = largest;
 }

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 #include <vector>
 
 // A function compiled twice, with and without AVX2; the machine's is chosen when the program
@@ -54,18 +55,38 @@ struct Smallest {
   }
 };
 
-// The runs of a disc, clipped to displacements that the image has. Level 0 is the row as it comes,
-// of half-width 0; three reads of one level reach at most 3h + 1 in the next, so some levels are
-// only steps on the way to a wider one.
+// Half-widths of a disc's runs by |dy|, from 0 on, as far as rows that many apart can be.
+std::vector<int> runsOf(int s, int nrows) {
+  std::vector<int> width(std::min(std::size_t{1} + truncatedSqrt(s), std::size_t{0} + nrows));
+  for (int dy = 0; dy < static_cast<int>(width.size()); ++dy)
+    width[dy] = truncatedSqrt(s - dy * dy);
+  return width;
+}
+
+// The runs of what two discs reach one after the other. Within an image, too: of the ways to split
+// a displacement between two such discs, one keeps between its ends in both directions.
+std::vector<int> sumOf(const std::vector<int> &a, const std::vector<int> &b) {
+  const int reachA = static_cast<int>(a.size()) - 1;
+  const int reachB = static_cast<int>(b.size()) - 1;
+  std::vector<int> sum(a.size() + b.size() - 1);
+  for (int dy = 0; dy <= reachA + reachB; ++dy)
+    for (int part = std::max(0, dy - reachB); part <= std::min(reachA, dy); ++part)
+      sum[dy] = std::max(sum[dy], a[part] + b[dy - part]);
+  return sum;
+}
+
+// A structuring element as a stack of runs, clipped to displacements that the image has. Level 0
+// is the row as it comes, of half-width 0; from one level three reads reach at most 3h + 1 in the
+// next, so some levels are only steps on the way to a wider one.
 struct Disc {
   int reach;                        // dy goes from -reach to reach
   std::vector<int> halfWidth = {0}; // by level, ascending
   std::vector<int> level;           // by |dy|
 
-  Disc(int s, int ncols, int nrows)
-      : reach(std::min(truncatedSqrt(s), nrows - 1)), level(std::size_t{1} + reach) {
+  Disc(const std::vector<int> &runs, int ncols, int nrows)
+      : reach(std::min(static_cast<int>(runs.size()), nrows) - 1), level(std::size_t{1} + reach) {
     for (int dy = reach; dy >= 0; --dy) {
-      const int width = std::min(truncatedSqrt(s - dy * dy), ncols - 1);
+      const int width = std::min(runs[dy], ncols - 1);
       while (halfWidth.back() < width)
         halfWidth.push_back(std::min(width, 3 * halfWidth.back() + 1));
       level[dy] = static_cast<int>(halfWidth.size()) - 1;
@@ -104,8 +125,8 @@ struct Window {
   Rows<T> levels; // of the rows that came in last: level j of row i of them is at j * batch + i
   Rows<T> ring;   // rows on their way out, row y at y mod ringSize
 
-  Window(int s, int columns, int rows, T start)
-      : disc(s, columns, rows), ncols(columns), nrows(rows), ringSize(2 * disc.reach + batch),
+  Window(const std::vector<int> &runs, int columns, int rows, T start)
+      : disc(runs, columns, rows), ncols(columns), nrows(rows), ringSize(2 * disc.reach + batch),
         levels(disc.halfWidth.size() * batch, disc.widest() + lane, ncols + disc.widest() + lane,
                start),
         ring(ringSize, 0, ncols, start) {}
@@ -133,21 +154,32 @@ template <class Best, class T>
       at[x] = Best::of(Best::of(left[x], right[x]), middle[x]);
 }
 
-// The extremum of four rows, and of `to` itself unless it is new.
-template <class Best, class T>
-[[gnu::always_inline]] inline void join(const T *const (&from)[batch], std::ptrdiff_t n, bool isNew,
-                                        T *__restrict to) {
-  static_assert(batch == 4);
-  const T *a = from[0];
-  const T *b = from[1];
-  const T *c = from[2];
-  const T *d = from[3];
+// The extremum of n rows, and of `to` itself unless it is new. The numbers k are 0 .. n - 1: each
+// count of rows has a loop of its own, with the rows' addresses in registers.
+template <class Best, class T, std::size_t... k>
+[[gnu::always_inline]] inline void joinAll(const T *const *row, std::index_sequence<k...>,
+                                           std::ptrdiff_t n, bool isNew, T *__restrict to) {
+  const auto loop = [n, to](auto value, auto... from) {
+    for (std::ptrdiff_t x = 0; x < n; ++x) {
+      T best = value[x];
+      ((best = Best::of(best, from[x])), ...);
+      to[x] = best;
+    }
+  };
   if (isNew)
-    for (std::ptrdiff_t x = 0; x < n; ++x)
-      to[x] = Best::of(Best::of(a[x], b[x]), Best::of(c[x], d[x]));
+    loop(row[k]...);
   else
-    for (std::ptrdiff_t x = 0; x < n; ++x)
-      to[x] = Best::of(to[x], Best::of(Best::of(a[x], b[x]), Best::of(c[x], d[x])));
+    loop(to, row[k]...);
+}
+
+// The same for a count of rows that only the run knows: the one of `counts` + 1 that is `rows`.
+template <class Best, class T, std::size_t... counts>
+[[gnu::always_inline]] inline void join(const T *const *row, std::size_t rows,
+                                        std::index_sequence<counts...>, std::ptrdiff_t n,
+                                        bool isNew, T *to) {
+  ((rows == counts + 1 ? joinAll<Best>(row, std::make_index_sequence<counts + 1>(), n, isNew, to)
+                       : void()),
+   ...);
 }
 
 // Works rows y0 .. y1 - 1, which are there at level 0, into the rows on their way out.
@@ -167,9 +199,8 @@ template <class Best, class T>
     int n = 0;
     for (int q = std::max(y0, y - reach); q < y1 && q - y <= reach; ++q)
       from[n++] = window.level(disc.level[std::abs(q - y)], q - y0);
-    for (; n < batch; ++n)
-      from[n] = from[n - 1];
-    join<Best>(from, roundUp(window.ncols), y0 == 0 || y - reach >= y0, window.out(y));
+    join<Best>(from, n, std::make_index_sequence<batch>(), roundUp(window.ncols),
+               y0 == 0 || y - reach >= y0, window.out(y));
   }
 }
 
@@ -195,8 +226,8 @@ SEEDFOREST_MULTIVERSION void takeIn(Smallest, const Window<int> &window, int y0,
 template <class T, class Best>
 class Stage : public RowSource<T> {
 public:
-  Stage(int s, int ncols, int nrows, RowSource<T> &from)
-      : window_(s, ncols, nrows, Best::template start<T>), from_(from) {}
+  Stage(const std::vector<int> &runs, int ncols, int nrows, RowSource<T> &from)
+      : window_(runs, ncols, nrows, Best::template start<T>), from_(from) {}
 
   void next(T *row) override {
     while (in_ < window_.nrows && in_ - out_ <= window_.disc.reach)
@@ -225,9 +256,14 @@ private:
 };
 
 template <class T>
-[[gnu::always_inline]] inline void loadAs(const int *value, int n, int base, T *__restrict row) {
-  for (int x = 0; x < n; ++x)
-    row[x] = static_cast<T>(static_cast<unsigned>(value[x]) - static_cast<unsigned>(base));
+[[gnu::always_inline]] inline bool loadAs(const int *value, int n, int base, T *__restrict row) {
+  unsigned lost = 0;
+  for (int x = 0; x < n; ++x) {
+    const unsigned element = static_cast<unsigned>(value[x]) - static_cast<unsigned>(base);
+    row[x] = static_cast<T>(element);
+    lost |= element ^ static_cast<unsigned>(static_cast<T>(element));
+  }
+  return lost == 0;
 }
 
 template <class T>
@@ -243,18 +279,18 @@ template <class T>
 } // namespace
 
 template <class T>
-std::unique_ptr<RowSource<T>> extremaOverDisc(Extremum extremum, int s, int ncols, int nrows,
-                                              RowSource<T> &from) {
-  if (extremum == Extremum::largest)
-    return std::make_unique<Stage<T, Largest>>(s, ncols, nrows, from);
-  return std::make_unique<Stage<T, Smallest>>(s, ncols, nrows, from);
+std::unique_ptr<RowSource<T>> runStep(const Step &step, int ncols, int nrows, RowSource<T> &from) {
+  const std::vector<int> runs = sumOf(runsOf(step.s, nrows), runsOf(step.t, nrows));
+  if (step.extremum == Extremum::largest)
+    return std::make_unique<Stage<T, Largest>>(runs, ncols, nrows, from);
+  return std::make_unique<Stage<T, Smallest>>(runs, ncols, nrows, from);
 }
 
-template std::unique_ptr<RowSource<std::uint8_t>> extremaOverDisc(Extremum, int, int, int,
-                                                                  RowSource<std::uint8_t> &);
-template std::unique_ptr<RowSource<std::int16_t>> extremaOverDisc(Extremum, int, int, int,
-                                                                  RowSource<std::int16_t> &);
-template std::unique_ptr<RowSource<int>> extremaOverDisc(Extremum, int, int, int, RowSource<int> &);
+template std::unique_ptr<RowSource<std::uint8_t>> runStep(const Step &, int, int,
+                                                          RowSource<std::uint8_t> &);
+template std::unique_ptr<RowSource<std::int16_t>> runStep(const Step &, int, int,
+                                                          RowSource<std::int16_t> &);
+template std::unique_ptr<RowSource<int>> runStep(const Step &, int, int, RowSource<int> &);
 
 SEEDFOREST_MULTIVERSION void widenRange(const int *value, int n, ValueRange &range) {
   int least = range.least;
@@ -266,14 +302,14 @@ SEEDFOREST_MULTIVERSION void widenRange(const int *value, int n, ValueRange &ran
   range = {least, most};
 }
 
-SEEDFOREST_MULTIVERSION void loadRow(const int *value, int n, int base, std::uint8_t *row) {
-  loadAs(value, n, base, row);
+SEEDFOREST_MULTIVERSION bool loadRow(const int *value, int n, int base, std::uint8_t *row) {
+  return loadAs(value, n, base, row);
 }
-SEEDFOREST_MULTIVERSION void loadRow(const int *value, int n, int base, std::int16_t *row) {
-  loadAs(value, n, base, row);
+SEEDFOREST_MULTIVERSION bool loadRow(const int *value, int n, int base, std::int16_t *row) {
+  return loadAs(value, n, base, row);
 }
-void loadRow(const int *value, int n, int, int *row) {
-  std::copy_n(value, n, row);
+bool loadRow(const int *value, int n, int base, int *row) {
+  return loadAs(value, n, base, row);
 }
 
 SEEDFOREST_MULTIVERSION int storeRow(const std::uint8_t *row, int n, int base, int *value,

@@ -36,18 +36,23 @@ enum class Extremum { largest, smallest };
 inline constexpr int leastStart = -1000000;
 inline constexpr int mostStart = 1000000;
 
-/// The rows of an image of ncols x nrows pixels, dilated or eroded by the disc of squared radius
-/// s >= 0.
-template <class T>
-std::unique_ptr<RowSource<T>> extremaOverDisc(Extremum extremum, int s, int ncols, int nrows,
-                                              RowSource<T> &from);
+/// A dilation (of largest values) or erosion by the disc of squared radius s >= 0, then another by
+/// that of t >= 0, which costs less than two steps; the disc of 0 changes nothing.
+struct Step {
+  Extremum extremum;
+  int s;
+  int t = 0;
+};
 
-extern template std::unique_ptr<RowSource<std::uint8_t>> extremaOverDisc(Extremum, int, int, int,
-                                                                         RowSource<std::uint8_t> &);
-extern template std::unique_ptr<RowSource<std::int16_t>> extremaOverDisc(Extremum, int, int, int,
-                                                                         RowSource<std::int16_t> &);
-extern template std::unique_ptr<RowSource<int>> extremaOverDisc(Extremum, int, int, int,
-                                                                RowSource<int> &);
+/// The rows of an image of ncols x nrows pixels after the step, made as they are asked for.
+template <class T>
+std::unique_ptr<RowSource<T>> runStep(const Step &step, int ncols, int nrows, RowSource<T> &from);
+
+extern template std::unique_ptr<RowSource<std::uint8_t>> runStep(const Step &, int, int,
+                                                                 RowSource<std::uint8_t> &);
+extern template std::unique_ptr<RowSource<std::int16_t>> runStep(const Step &, int, int,
+                                                                 RowSource<std::int16_t> &);
+extern template std::unique_ptr<RowSource<int>> runStep(const Step &, int, int, RowSource<int> &);
 
 struct ValueRange {
   int least;
@@ -57,11 +62,11 @@ struct ValueRange {
 /// The range of n values and those that `range` spans.
 void widenRange(const int *value, int n, ValueRange &range);
 
-/// Elements that stand for values v as v - base, and back; storeRow() returns the largest value, or
-/// `largest` where that is larger.
-void loadRow(const int *value, int n, int base, std::uint8_t *row);
-void loadRow(const int *value, int n, int base, std::int16_t *row);
-void loadRow(const int *value, int n, int base, int *row);
+/// Elements that stand for values v as v - base, and back. loadRow() returns whether all fit;
+/// storeRow() returns the largest value, or `largest` where that is larger.
+bool loadRow(const int *value, int n, int base, std::uint8_t *row);
+bool loadRow(const int *value, int n, int base, std::int16_t *row);
+bool loadRow(const int *value, int n, int base, int *row);
 int storeRow(const std::uint8_t *row, int n, int base, int *value, int largest);
 int storeRow(const std::int16_t *row, int n, int base, int *value, int largest);
 int storeRow(const int *row, int n, int base, int *value, int largest);
