@@ -62,7 +62,7 @@ void gradient(benchmark::State &state) {
   measure(state, [](const imImage *in, imImage *out, int) { imMorphGrad(in, out); });
 }
 
-// Its progress lines go nowhere meanwhile.
+// Its progress lines stand between those of the table.
 void alternatingFilter(benchmark::State &state) {
   measure(state, imMorphAsfOC);
 }

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "base/multiversion.h"
 #include "base/report.h"
 #include "image/imMorphRuns.h"
 
@@ -170,6 +171,34 @@ void alternate(const char *operation, const imImage *in, imImage *out, int n, co
   });
 }
 
+// Raises a row of the output to the gradient of one of the input, and returns the largest gradient
+// or `largest`. Clamping a neighbour's place to the image leads to another neighbour or to the
+// pixel itself, which do no harm: so all rows are alike, and the inner columns make a loop that
+// compilers turn into vector code.
+SEEDFOREST_MULTIVERSION int raiseToGradient(const int *above, const int *row, const int *below,
+                                            int ncols, int *__restrict out, int largest) {
+  const auto look = [=](int left, int x, int right) {
+    const auto over = [=](auto best) {
+      const auto inRow = [=](const int *line) {
+        return best(best(line[left], line[x]), line[right]);
+      };
+      return best(best(inRow(above), inRow(row)), inRow(below));
+    };
+    const int hi = over([](int a, int b) { return std::max(a, b); });
+    const int lo = over([](int a, int b) { return std::min(a, b); });
+    // Without a sign, the difference of any two values fits.
+    const int g = static_cast<int>(
+        std::min(static_cast<unsigned>(hi) - static_cast<unsigned>(lo), unsigned{maxInt}));
+    out[x] = std::max(out[x], g);
+    return g;
+  };
+  const int last = ncols - 1;
+  largest = std::max(largest, look(0, 0, std::min(1, last)));
+  for (int x = 1; x < last; ++x)
+    largest = std::max(largest, look(x - 1, x, x + 1));
+  return std::max(largest, look(std::max(last - 1, 0), last, last));
+}
+
 } // namespace
 
 void imMorphDilate(const imImage *in, imImage *out, int s) {
@@ -197,37 +226,16 @@ void imMorphAsfOC(const imImage *in, imImage *out, int n) {
   alternate("imMorphAsfOC", in, out, n, "radius is %d\n", Extremum::smallest, Extremum::largest);
 }
 
-// Clamping a neighbour's place to the image leads to another neighbour or to the pixel itself,
-// which do no harm: so all rows are alike, and the inner columns make a loop that compilers turn
-// into vector code.
 void imMorphGrad(const imImage *in, imImage *out) {
   requireBands("imMorphGrad", in, 0);
   requireOutput("imMorphGrad", in, out, std::min(in->nbands, 1));
   int largest = -1;
-  const int last = in->ncols - 1;
   for (int b = 0; b < in->nbands; ++b)
     for (int y = 0; y < in->nrows; ++y) {
-      const int *row = in->band[b] + in->row[y];
-      const int *above = in->band[b] + in->row[std::max(y - 1, 0)];
-      const int *below = in->band[b] + in->row[std::min(y + 1, in->nrows - 1)];
-      int *gradient = out->band[0] + out->row[y];
-      const auto look = [=](int left, int x, int right) {
-        const auto over = [=](auto best) {
-          const auto ofRow = [=](const int *line) {
-            return best(best(line[left], line[x]), line[right]);
-          };
-          return best(best(ofRow(above), ofRow(row)), ofRow(below));
-        };
-        const int hi = over([](int a, int b) { return std::max(a, b); });
-        const int lo = over([](int a, int b) { return std::min(a, b); });
-        const int g = saturate(std::int64_t{hi} - lo);
-        gradient[x] = std::max(gradient[x], g);
-        return g;
-      };
-      largest = std::max(largest, look(0, 0, std::min(1, last)));
-      for (int x = 1; x < last; ++x)
-        largest = std::max(largest, look(x - 1, x, x + 1));
-      largest = std::max(largest, look(std::max(last - 1, 0), last, last));
+      const int *value = in->band[b];
+      largest = raiseToGradient(value + in->row[std::max(y - 1, 0)], value + in->row[y],
+                                value + in->row[std::min(y + 1, in->nrows - 1)], in->ncols,
+                                out->band[0] + out->row[y], largest);
     }
   out->maxValue = largest;
 }

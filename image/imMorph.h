@@ -19,8 +19,7 @@
 /// 1000000): that is where the search starts, and what an empty disc gives.
 /// The output's maxValue becomes the largest of its values over all bands, at least -1000000; after
 /// an erosion, too, the largest.
-/// Costs some 4 sqrt(s) vector operations per pixel, less memory than a few rows of the disc's
-/// height.
+/// Costs some 4 sqrt(s) vector operations per pixel, and memory for about as many rows.
 void imMorphDilate(const imImage *in, imImage *out, int s);
 void imMorphErode(const imImage *in, imImage *out, int s);
 

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "base/multiversion.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -9,16 +10,6 @@
 #include <limits>
 #include <utility>
 #include <vector>
-
-// A function compiled twice, with and without AVX2; the machine's is chosen when the program
-// starts, which the sanitizers' own start does not survive. The templates within are inlined by
-// force, so that they are compiled with their caller's instructions.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__gnu_linux__) &&   \
-    !defined(__SANITIZE_ADDRESS__)
-#define SEEDFOREST_MULTIVERSION __attribute__((target_clones("avx2", "default")))
-#else
-#define SEEDFOREST_MULTIVERSION
-#endif
 
 namespace seedforest::detail {
 
@@ -63,8 +54,9 @@ std::vector<int> runsOf(int s, int nrows) {
   return width;
 }
 
-// The runs of what two discs reach one after the other. Within an image, too: of the ways to split
-// a displacement between two such discs, one keeps between its ends in both directions.
+// The runs of what two discs reach one after the other. Within an image, too, where the first must
+// not leave it: each displacement can be split so that neither part goes beyond it in any
+// direction, since a disc holds with (dx, dy) all that is nearer in dx or in dy.
 std::vector<int> sumOf(const std::vector<int> &a, const std::vector<int> &b) {
   const int reachA = static_cast<int>(a.size()) - 1;
   const int reachB = static_cast<int>(b.size()) - 1;
@@ -193,14 +185,14 @@ template <class Best, class T>
                   disc.widest() - disc.halfWidth[j], window.ncols, window.level(j, i));
     }
   const int reach = disc.reach;
-  for (int y = std::max(y0 - reach, 0);
-       y < std::min<std::int64_t>(std::int64_t{y1} + reach, window.nrows); ++y) {
+  const int end = y1 + std::min(reach, window.nrows - y1);
+  for (int y = std::max(y0 - reach, 0); y < end; ++y) {
     const T *from[batch];
     int n = 0;
     for (int q = std::max(y0, y - reach); q < y1 && q - y <= reach; ++q)
       from[n++] = window.level(disc.level[std::abs(q - y)], q - y0);
-    join<Best>(from, n, std::make_index_sequence<batch>(), roundUp(window.ncols),
-               y0 == 0 || y - reach >= y0, window.out(y));
+    join<Best>(from, n, std::make_index_sequence<batch>(), roundUp(window.ncols), y - reach >= y0,
+               window.out(y));
   }
 }
 

@@ -68,7 +68,12 @@ constexpr int ranges[][2] = {{0, 255},           {-300, -46},        {0, 256},
 
 imImagePtr randomIn(std::mt19937 &random, int which, int nbands, int ncols, int nrows) {
   const auto [lo, hi] = std::minmax(ranges[which][0], ranges[which][1]);
-  return randomImage(random, nbands, imTypeAscii, ncols, nrows, lo, hi);
+  imImagePtr image = randomImage(random, nbands, imTypeAscii, ncols, nrows, lo, hi);
+  for (int b = 0; b < nbands; ++b) {
+    image->band[b][0] = lo; // both limits occur
+    image->band[b][image->npixels - 1] = hi;
+  }
+  return image;
 }
 
 TEST(Morph, DiscsByHand) {
@@ -139,8 +144,8 @@ TEST(Morph, DiscsLargerThanTheImage) {
 TEST(Morph, FiltersLikePlainStepByStepAndTheirLines) {
   std::mt19937 random(4);
   for (int which = 0; which < static_cast<int>(std::size(ranges)); ++which)
-    for (const int n : {-1, 0, 1, 2, 7}) {
-      const imImagePtr in = randomIn(random, which, which % 3, 20 + which, 20);
+    for (const int n : {-1, 0, 1, 2, 7, 25}) {
+      const imImagePtr in = randomIn(random, which, which % 3, 1 + 2 * which, 26 - 2 * which);
       testing::internal::CaptureStdout();
       for (const auto &pair : asfPairs)
         expectLikePlain(pair, in.get(), n);
