@@ -5,6 +5,7 @@
 #include "base/multiversion.h"
 #include "base/report.h"
 #include "image/imMorphRuns.h"
+#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -172,17 +173,15 @@ void alternate(const char *operation, const imImage *in, imImage *out, int n, co
 }
 
 // Raises a row of the output to the gradient of one of the input, and returns the largest gradient
-// or `largest`. Clamping a neighbour's place to the image leads to another neighbour or to the
-// pixel itself, which do no harm: so all rows are alike, and the inner columns make a loop that
-// compilers turn into vector code.
-SEEDFOREST_MULTIVERSION int raiseToGradient(const int *above, const int *row, const int *below,
-                                            int ncols, int *__restrict out, int largest) {
-  const auto look = [=](int left, int x, int right) {
+// or `largest`.
+SEEDFOREST_MULTIVERSION int raiseToGradient(const RowWindow &window, int ncols, int *__restrict out,
+                                            int largest) {
+  forEachColumn(ncols, [=, &largest](int left, int x, int right) {
     const auto over = [=](auto best) {
       const auto inRow = [=](const int *line) {
         return best(best(line[left], line[x]), line[right]);
       };
-      return best(best(inRow(above), inRow(row)), inRow(below));
+      return best(best(inRow(window.above), inRow(window.row)), inRow(window.below));
     };
     const int hi = over([](int a, int b) { return std::max(a, b); });
     const int lo = over([](int a, int b) { return std::min(a, b); });
@@ -190,13 +189,9 @@ SEEDFOREST_MULTIVERSION int raiseToGradient(const int *above, const int *row, co
     const int g = static_cast<int>(
         std::min(static_cast<unsigned>(hi) - static_cast<unsigned>(lo), unsigned{maxInt}));
     out[x] = std::max(out[x], g);
-    return g;
-  };
-  const int last = ncols - 1;
-  largest = std::max(largest, look(0, 0, std::min(1, last)));
-  for (int x = 1; x < last; ++x)
-    largest = std::max(largest, look(x - 1, x, x + 1));
-  return std::max(largest, look(std::max(last - 1, 0), last, last));
+    largest = std::max(largest, g);
+  });
+  return largest;
 }
 
 } // namespace
@@ -231,11 +226,8 @@ void imMorphGrad(const imImage *in, imImage *out) {
   requireOutput("imMorphGrad", in, out, std::min(in->nbands, 1));
   int largest = -1;
   for (int b = 0; b < in->nbands; ++b)
-    for (int y = 0; y < in->nrows; ++y) {
-      const int *value = in->band[b];
-      largest = raiseToGradient(value + in->row[std::max(y - 1, 0)], value + in->row[y],
-                                value + in->row[std::min(y + 1, in->nrows - 1)], in->ncols,
-                                out->band[0] + out->row[y], largest);
-    }
+    for (int y = 0; y < in->nrows; ++y)
+      largest =
+          raiseToGradient(RowWindow(in, b, y), in->ncols, out->band[0] + out->row[y], largest);
   out->maxValue = largest;
 }

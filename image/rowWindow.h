@@ -31,9 +31,10 @@ struct RowWindow {
   }
 };
 
-/// Calls look(left, x, right) for each column and the columns beside it.
+/// Calls look(left, x, right) for each column and the columns beside it. Inlined by force, into
+/// functions that are compiled for several machines too.
 template <class Look>
-void forEachColumn(int ncols, Look look) {
+[[gnu::always_inline]] inline void forEachColumn(int ncols, Look look) {
   const int last = ncols - 1;
   look(0, 0, std::min(1, last));
   for (int x = 1; x < last; ++x)
