@@ -63,11 +63,12 @@ std::size_t scanPlainBlocks(Text &text, int *values, std::size_t count) {
   std::size_t n = 0;
   if constexpr (std::endian::native != std::endian::little)
     return n;
-  while (text.end - text.at >= blockSize + wordSize) {
+  constexpr std::size_t mostInBlock = blockSize / 2;
+  while (text.end - text.at >= blockSize + wordSize && count - n >= mostInBlock) {
     const Block block = classify(text.at);
     std::uint64_t starts = block.digits & ~(block.digits << 1);
     std::uint64_t ends = ~block.digits & block.digits << 1;
-    if (!block.plain || static_cast<std::size_t>(std::popcount(ends)) > count - n)
+    if (!block.plain)
       return n;
     if (ends == 0) { // white space, perhaps with a number that the next block will hold whole
       if ((starts & 1) != 0)
