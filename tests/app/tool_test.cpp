@@ -41,6 +41,17 @@ struct Case {
 const std::string wasRead = "Image in.pgm was read\n";
 const std::string none = "(no such file)";
 
+// A run in a folder with "in.pgm", which prints this and leaves this file "out".
+void expectRun(const TemporaryFolder &folder, const std::string &arguments, int status,
+               const std::string &out, const std::string &err, const std::string &roots) {
+  SCOPED_TRACE(arguments);
+  const ToolRun run = runTool(folder, arguments);
+  EXPECT_EQ(run.out, out);
+  EXPECT_EQ(run.err, err);
+  EXPECT_EQ(run.status, status);
+  EXPECT_EQ(contentsOf(folder.path("out")), roots);
+}
+
 std::string savedRoots(int n) {
   return "there are " + std::to_string(n) + " roots\ndone!\n";
 }
@@ -91,17 +102,12 @@ TEST(Tool, Runs) {
        sampleLabels},
   };
   for (const Case &c : cases) {
-    SCOPED_TRACE(c.arguments);
     const TemporaryFolder folder;
     folder.write("in.pgm", sample);
     folder.write("a", "1\n1 1 4\n");
     folder.write("b", "2\n1 1 4\n1 2 -2\n");
     folder.write("bad", "0\n");
-    const ToolRun run = runTool(folder, c.arguments);
-    EXPECT_EQ(run.out, c.out);
-    EXPECT_EQ(run.err, c.err);
-    EXPECT_EQ(run.status, c.status);
-    EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
+    expectRun(folder, c.arguments, c.status, c.out, c.err, c.roots);
   }
 }
 
@@ -144,11 +150,8 @@ TEST(Tool, RunsOnPictures) {
     SCOPED_TRACE(c.what);
     const TemporaryFolder folder;
     folder.write("in.pgm", c.image);
-    const ToolRun run = runTool(folder, std::string("in.pgm out ") + c.option);
-    EXPECT_EQ(run.out, wasRead + c.out + savedRoots(c.n));
-    EXPECT_EQ(run.err, "");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
+    expectRun(folder, std::string("in.pgm out ") + c.option, 0, wasRead + c.out + savedRoots(c.n),
+              "", c.roots);
   }
 }
 
@@ -185,11 +188,8 @@ TEST(Tool, Cells) {
     SCOPED_TRACE(c.what);
     const TemporaryFolder folder;
     folder.write("in.pgm", c.image);
-    const ToolRun run = runTool(folder, std::string("in.pgm out cells ") + c.steps);
-    EXPECT_EQ(run.out, begin + c.out + savedRoots(c.n));
-    EXPECT_EQ(run.err, "");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(contentsOf(folder.path("out")), c.roots);
+    expectRun(folder, std::string("in.pgm out cells ") + c.steps, 0,
+              begin + c.out + savedRoots(c.n), "", c.roots);
     EXPECT_EQ(contentsOf(folder.path("labeled.pgm")), c.classes);
   }
 }

@@ -113,18 +113,13 @@ TEST(Pixelwise, FalseExtremaLookNoFurtherThanTheirNeighbours) {
 }
 
 TEST(Pixelwise, WhatDoesNotFitIsRefused) {
-  const imImagePtr two = twoBands(6, {1, 2, 3}, {4, 5, 6});
-  const imImagePtr one = makeImage({{1, 2, 3}});
-  const imImagePtr tall = makeImage({{1}, {2}, {3}}); // as many pixels
+  const imImagePtr row = makeImage({{1, 2, 3}});
+  const imImagePtr column = makeImage({{1}, {2}, {3}}); // as many pixels
   const auto exits = testing::ExitedWithCode(1);
   EXPECT_EXIT(imNegative(nullptr, 1), exits, "imNegative");
-  EXPECT_EXIT(imMask(two.get(), tall.get(), 0), exits, "imMask");
-  EXPECT_EXIT(imBinaryUnion(one.get(), tall.get(), 1), exits, "imBinaryUnion");
-  EXPECT_EXIT(imUpperEnvelope(two.get(), one.get()), exits, "imUpperEnvelope");
-  EXPECT_EXIT(imCombineImageWithGrad(two.get(), tall.get()), exits, "imCombineImageWithGrad");
-  EXPECT_EXIT(imAddBorder(one.get(), -1), exits, "imAddBorder");
+  EXPECT_EXIT(imUpperEnvelope(row.get(), column.get()), exits, "imUpperEnvelope");
   for (const int w : {-1, 1, maxInt})
-    EXPECT_EXIT(imRemoveBorder(one.get(), w), exits, "imRemoveBorder");
+    EXPECT_EXIT(imRemoveBorder(row.get(), w), exits, "imRemoveBorder");
 }
 
 } // namespace
