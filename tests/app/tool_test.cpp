@@ -159,6 +159,8 @@ TEST(Tool, RunsOnPictures) {
 TEST(Tool, Cells) {
   const std::string begin = wasRead + "in cells roots\n\n";
   const std::string labelling = "in ifLabelImage\nin ifLabelImage\n";
+  const std::string noise = "P2 8 6 9 7 9 5 4 2 2 0 5 8 7 9 1 5 8 9 0 6 2 7 6 2 2 3 0 1 2 8 9 1 6 "
+                            "1 4 3 3 6 1 4 3 6 4 5 0 3 0 6 0 6 7";
   const struct {
     const char *what;
     std::string image;
@@ -181,6 +183,36 @@ TEST(Tool, Cells) {
        "radius is 1\nradius is 2\n" + labelling + "ha 9 sementes\n", 9,
        "9\n0 0 2\n1 0 2\n2 0 2\n0 1 2\n1 1 2\n2 1 2\n0 2 2\n1 2 2\n2 2 2\n",
        "P2\n3 3\n2\n    2     2     2     2     2     2     2     2     2 "},
+      {"two cells that touch, a valley of one column between",
+       "P5 9 5 255\n"
+       "000000000"
+       "0kkkckkk0"
+       "0kzkckzk0"
+       "0kkkckkk0"
+       "000000000",
+       "0", labelling + "ha 2 sementes\n", 7,
+       "7\n4 0 1\n4 1 1\n2 2 2\n4 2 1\n6 2 2\n4 3 1\n4 4 1\n",
+       "P2\n9 5\n2\n    0     0     0     0     1     0     0     0     0     0     0     0     0  "
+       "   1     0     0 \n    0     0     0     0     2     0     1     0     2     0     0     0 "
+       "    0     0     0     1 \n    0     0     0     0     0     0     0     0     1     0     "
+       "0     0     0 "},
+      {"noise, checked with an independent program", noise, "3",
+       "radius is 1\nradius is 2\nradius is 3\n" + labelling + "ha 8 sementes\n", 17,
+       "17\n0 0 2\n1 0 2\n0 1 2\n1 1 2\n4 1 1\n5 1 1\n6 1 1\n7 1 1\n4 2 1\n7 2 1\n4 3 1\n4 4 1\n6 "
+       "4 2\n7 4 2\n4 5 1\n6 5 2\n7 5 2\n",
+       "P2\n8 6\n2\n    2     2     0     0     0     0     0     0     2     2     0     0     1  "
+       "   1     1     1 \n    0     0     0     0     1     0     0     1     0     0     0     0 "
+       "    1     0     0     0 \n    0     0     0     0     1     0     2     2     0     0     "
+       "0     0     1     0     2     2 \n"},
+      {"noise, checked with an independent program", noise, "4",
+       "radius is 1\nradius is 2\nradius is 3\nradius is 4\n" + labelling + "ha 27 sementes\n", 27,
+       "27\n0 0 2\n1 0 2\n2 0 2\n3 0 2\n4 0 2\n5 0 2\n6 0 2\n0 1 2\n1 1 2\n2 1 2\n3 1 2\n4 1 2\n5 "
+       "1 2\n0 2 2\n1 2 2\n2 2 2\n3 2 2\n4 2 2\n0 3 2\n1 3 2\n2 3 2\n3 3 2\n0 4 2\n1 4 2\n2 4 2\n0 "
+       "5 2\n1 5 2\n",
+       "P2\n8 6\n2\n    2     2     2     2     2     2     2     0     2     2     2     2     2  "
+       "   2     0     0 \n    2     2     2     2     2     0     0     0     2     2     2     2 "
+       "    0     0     0     0 \n    2     2     2     0     0     0     0     0     2     2     "
+       "0     0     0     0     0     0 \n"},
       {"an image of 0 has no markers", "P2 2 1 9 0 0", "1",
        "radius is 1\n" + labelling + "ha 0 sementes\n", 0, "0\n", "P2\n2 1\n0\n    0     0 "},
   };
