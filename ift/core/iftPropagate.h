@@ -61,12 +61,10 @@ public:
       queueUnavailable('Q');
   }
 
-  std::int64_t size() const { return nbuckets_; }
-
   /// The bucket from which take() took last, and where its search goes on.
   int current() const { return current_; }
 
-  /// Appends an entry at the tail of bucket b, which is 0 .. size() - 1.
+  /// Appends an entry at the tail of bucket b, which is 0 .. nbuckets - 1.
   void append(int b, Entry entry) {
     Bucket &bucket = bucketAt(b);
     const bool hasRoom = bucket.last != empty && !endsChunk(bucket.last);
