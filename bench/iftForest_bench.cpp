@@ -6,7 +6,7 @@
 #include "images.h"
 
 #include "ift/core/iftForest.h"
-#include "ift/core/iftPropagate.h"
+#include "ift/core/iftRules.h"
 #include "tests/reference/literalTransform.h"
 
 #include <algorithm>
@@ -82,11 +82,13 @@ void literalWatershed(benchmark::State &state) {
   const auto weigh = [value](int, int q) { return value[q]; };
   const auto extend = [](int cost, int weight) { return ifPathCostMax(cost, weight); };
   int **band = problem.forest->band;
-  for (auto _ : state)
+  for (auto _ : state) {
+    std::fill_n(band[1], problem.image->npixels, ifInfiniteCost);
     literalTransform(
-        AdjacencyArcs<decltype(weigh)>{NeighborWalk(problem.image.get(), imNeighborhood8), weigh},
-        ForestRule<Minimising, decltype(extend)>{band[0], band[1], band[2], 255, extend},
-        ifInfiniteCost, 256, problem.image->npixels, *problem.seeds);
+        AdjacencyArcs<decltype(weigh)>{{NeighborWalk(problem.image.get(), imNeighborhood8)}, weigh},
+        ForestRule<Minimising, decltype(extend)>{{band[0], band[1], band[2], 255}, extend}, 256,
+        problem.image->npixels, *problem.seeds);
+  }
   reportPerItem(state, "ns/pixel", problem.image->npixels);
 }
 

@@ -5,6 +5,7 @@
 #include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
 #include "ift/core/ifWeightImage.h"
+#include "ift/core/iftEuclidean.h"
 #include "ift/core/iftForest.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"

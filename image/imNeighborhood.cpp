@@ -77,11 +77,22 @@ NeighborWalk::NeighborWalk(const imImage *image, imNeighborhoodFn adjacency)
   int *list = nullptr;
   n_ = adjacency(&list);
   displacement_.reset(list);
+  measure();
+}
+
+NeighborWalk::NeighborWalk(const imImage *image, int n, const int *displacements)
+    : n_(n), ncols_(image->ncols), nrows_(image->nrows), lastRow_(image->npixels - image->ncols),
+      displacement_(makeArray<int>(2 * static_cast<std::size_t>(n))) {
+  std::copy_n(displacements, 2 * static_cast<std::size_t>(n), displacement_.get());
+  measure();
+}
+
+void NeighborWalk::measure() {
   offset_ = makeArray<int>(static_cast<std::size_t>(n_));
   for (int k = 0; k < n_; ++k) {
-    left_ = std::max(left_, -dx(k));
+    left_ = std::max(left_, saturate(-std::int64_t{dx(k)}));
     right_ = std::max(right_, dx(k));
-    up_ = std::max(up_, -dy(k));
+    up_ = std::max(up_, saturate(-std::int64_t{dy(k)}));
     down_ = std::max(down_, dy(k));
     offset_[k] = wrap(std::int64_t{dy(k)} * ncols_ + dx(k)); // used only where it fits
   }

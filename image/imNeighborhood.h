@@ -44,6 +44,9 @@ class NeighborWalk {
 public:
   NeighborWalk(const imImage *image, imNeighborhoodFn adjacency);
 
+  /// The neighbours by n displacements, which are copied.
+  NeighborWalk(const imImage *image, int n, const int *displacements);
+
   int size() const { return n_; }
   int dx(int k) const { return displacement_[2 * k]; }
   int dy(int k) const { return displacement_[2 * k + 1]; }
@@ -85,6 +88,8 @@ public:
   }
 
 private:
+  void measure();
+
   bool isInside(int x, int y, int k) const {
     // Unsigned, a coordinate left of or above the image is larger than any inside.
     return static_cast<unsigned>(x) + static_cast<unsigned>(dx(k)) <

@@ -2,11 +2,10 @@
 
 #include "base/report.h"
 #include "ift/core/iftPacked.h"
-#include "ift/core/iftPropagate.h"
+#include "ift/core/iftRules.h"
 
 #include <algorithm>
 #include <numeric>
-#include <type_traits>
 #include <utility>
 
 using namespace seedforest::detail;
@@ -20,59 +19,113 @@ struct CalledWeight {
   int operator()(int p, int q) const { return function(image, p, q); }
 };
 
-struct Arguments {
+// The part of a call that all transforms share.
+struct Task {
+  const char *operation;
   const imImage *input;
   imImage *output;
-  imNeighborhoodFn adjacency;
-  ifArcWeightFn arcWeight;
   int maxCost;
   ifPathCostFn pathCost;
   const ifRoots *seeds;
+
+  int **bands() const { return output->band + output->nbands - 3; }
+  ForestBands forest() const { return {bands()[0], bands()[1], bands()[2], maxCost}; }
 };
 
-void check(const char *operation, const Arguments &a) {
-  requireBands(operation, a.input, 0);
-  requireBands(operation, a.output, 3);
-  requireSameSize(operation, a.input, a.output);
-  if (a.maxCost < 0)
-    fatal("%s: %d is no bound for costs\n", operation, a.maxCost);
-  if (a.arcWeight == ifWatershedMetric)
-    requireBands(operation, a.input, 1);
-  for (int i = 0; i < a.seeds->n; ++i)
-    requirePixel(operation, a.input, a.seeds->pixel[i]);
+void check(const Task &task) {
+  requireBands(task.operation, task.input, 0);
+  requireBands(task.operation, task.output, 3);
+  requireSameSize(task.operation, task.input, task.output);
+  if (task.maxCost < 0)
+    fatal("%s: %d is no bound for costs\n", task.operation, task.maxCost);
+  for (int i = 0; i < task.seeds->n; ++i)
+    requirePixel(task.operation, task.input, task.seeds->pixel[i]);
 }
 
-// Whether the loop may inline what the pointers name, and did: see iftPacked.h.
-bool ranPacked(const Arguments &a, const NeighborWalk &neighbors, bool maximise,
-               int *const *bands) {
-  const bool local = a.pathCost == (maximise ? ifPathCostMinLocal : ifPathCostMaxLocal);
-  const bool extreme = a.pathCost == (maximise ? ifPathCostMin : ifPathCostMax);
-  return a.arcWeight == ifWatershedMetric && (local || extreme) &&
-         runPacked({a.input, neighbors, a.seeds, a.maxCost, maximise, local, bands[0], bands[1],
-                    bands[2]});
-}
-
-template <class Direction>
-void transform(const char *operation, const Arguments &a) {
-  check(operation, a);
-  const int npixels = a.input->npixels;
-  int **bands = a.output->band + a.output->nbands - 3;
-  NeighborWalk neighbors(a.input, a.adjacency);
-  if (ranPacked(a, neighbors, std::is_same_v<Direction, Maximising>, bands))
-    return;
-  ForestRule<Direction, ifPathCostFn> rule = {bands[0], bands[1], bands[2], a.maxCost, a.pathCost};
+// Runs the transform of a rule whose cost band has been filled.
+template <class Arcs, class Rule>
+void grow(const Arcs &arcs, Rule rule, int npixels, const ifRoots &seeds) {
   MarkedEntries entries(npixels);
-  BucketQueue<MarkedEntries::Entry> queue(std::int64_t{a.maxCost} + 1, npixels);
+  BucketQueue<MarkedEntries::Entry> queue(std::int64_t{rule.maxCost} + 1, npixels);
   std::fill_n(rule.label, npixels, 0);
-  std::fill_n(rule.cost, npixels, Direction::infinite);
-  forEachSeed(*a.seeds, rule.pred, [&](int p, int label, int cost) {
-    rule.label[p] = label;
+  forEachSeed(seeds.pixel, seeds.n, rule.pred, [&](int i, int p) {
+    const int cost = seeds.value[i];
+    rule.label[p] = seeds.label[i];
     rule.cost[p] = cost;
     queue.append(rule.bucket(cost, p), entries.make(p, cost));
   });
   std::iota(rule.pred, rule.pred + npixels, 0);
-  propagate(AdjacencyArcs<CalledWeight>{std::move(neighbors), {a.input, a.arcWeight}}, rule,
-            entries, queue);
+  propagate(arcs, rule, entries, queue);
+}
+
+template <class Direction, class Arcs>
+void growForest(const Task &task, const Arcs &arcs, const ifRoots *seeds) {
+  const ForestRule<Direction, ifPathCostFn> rule = {task.forest(), task.pathCost};
+  std::fill_n(rule.cost, task.input->npixels, Direction::infinite);
+  grow(arcs, rule, task.input->npixels, *seeds);
+}
+
+using FunctionArcs = AdjacencyArcs<CalledWeight>;
+
+FunctionArcs functionArcs(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
+  if (arcWeight == ifWatershedMetric)
+    requireBands(task.operation, task.input, 1);
+  return {{NeighborWalk(task.input, adjacency)}, {task.input, arcWeight}};
+}
+
+WeightImageArcs weightImageArcs(const Task &task, const imImage *weights) {
+  requireBands(task.operation, weights, 0);
+  requireSameSize(task.operation, task.input, weights);
+  if (weights->adj == nullptr || weights->nAdj < 0 || weights->nAdj > weights->nbands)
+    fatal("%s: the arc-weight image has no adjacency\n", task.operation);
+  return {{NeighborWalk(weights, weights->nAdj, weights->adj)}, weights->band};
+}
+
+// The seeds where the mask is above 0. A negative value keeps seeds away but lets paths in.
+ifRootsPtr seedsWithin(const imImage *mask, const ifRoots *seeds) {
+  ifRootsPtr within = createRoots(seeds->n);
+  within->n = 0;
+  for (int i = 0; i < seeds->n; ++i)
+    if (mask->band[0][seeds->pixel[i]] > 0) {
+      const int at = within->n++;
+      within->pixel[at] = seeds->pixel[i];
+      within->label[at] = seeds->label[i];
+      within->value[at] = seeds->value[i];
+    }
+  return within;
+}
+
+template <class Arcs>
+void growMasked(const Task &task, Scaled<Arcs> arcs, const imImage *mask) {
+  requireBands(task.operation, mask, 1);
+  requireSameSize(task.operation, task.input, mask);
+  growForest<Minimising>(task, Masked<Scaled<Arcs>>{std::move(arcs), mask->band[0]},
+                         seedsWithin(mask, task.seeds).get());
+}
+
+// Whether the loop may inline what the pointers name, and did: see iftPacked.h.
+template <class Direction>
+bool ranPacked(const Task &task, const FunctionArcs &arcs) {
+  constexpr bool maximise = Direction::isBetter(1, 0);
+  const bool local = task.pathCost == (maximise ? ifPathCostMinLocal : ifPathCostMaxLocal);
+  const bool extreme = task.pathCost == (maximise ? ifPathCostMin : ifPathCostMax);
+  int **bands = task.bands();
+  return arcs.weigh.function == ifWatershedMetric && (local || extreme) &&
+         runPacked({task.input, arcs.neighbors, task.seeds, task.maxCost, maximise, local, bands[0],
+                    bands[1], bands[2]});
+}
+
+template <class Direction>
+void nonNormalized(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
+  check(task);
+  const FunctionArcs arcs = functionArcs(task, adjacency, arcWeight);
+  if (!ranPacked<Direction>(task, arcs))
+    growForest<Direction>(task, arcs, task.seeds);
+}
+
+void withWeightImage(const Task &task, const imImage *weights) {
+  check(task);
+  growForest<Minimising>(task, weightImageArcs(task, weights), task.seeds);
 }
 
 } // namespace
@@ -80,13 +133,58 @@ void transform(const char *operation, const Arguments &a) {
 void iftNonNormalized(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
                       ifArcWeightFn arcWeight, int maxCost, ifPathCostFn pathCost,
                       const ifRoots *seeds) {
-  transform<Minimising>("iftNonNormalized",
-                        {input, output, adjacency, arcWeight, maxCost, pathCost, seeds});
+  nonNormalized<Minimising>({"iftNonNormalized", input, output, maxCost, pathCost, seeds},
+                            adjacency, arcWeight);
 }
 
 void iftNonNormalizedInverted(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
                               ifArcWeightFn arcWeight, int maxCost, ifPathCostFn pathCost,
                               const ifRoots *seeds) {
-  transform<Maximising>("iftNonNormalizedInverted",
-                        {input, output, adjacency, arcWeight, maxCost, pathCost, seeds});
+  nonNormalized<Maximising>({"iftNonNormalizedInverted", input, output, maxCost, pathCost, seeds},
+                            adjacency, arcWeight);
+}
+
+void ift(const imImage *input, imImage *output, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight,
+         ifPathCostFn pathCost, const ifRoots *seeds) {
+  const Task task = {"ift", input, output, fixedBuckets - 1, pathCost, seeds};
+  check(task);
+  growForest<Minimising>(task, Scaled<FunctionArcs>{functionArcs(task, adjacency, arcWeight)},
+                         seeds);
+}
+
+void iftWF(const imImage *input, imImage *output, const imImage *weights, ifPathCostFn pathCost,
+           const ifRoots *seeds) {
+  withWeightImage({"iftWF", input, output, 1000, pathCost, seeds}, weights);
+}
+
+void iftNonNormalizedWF(const imImage *input, imImage *output, const imImage *weights, int maxCost,
+                        ifPathCostFn pathCost, const ifRoots *seeds) {
+  withWeightImage({"iftNonNormalizedWF", input, output, maxCost, pathCost, seeds}, weights);
+}
+
+void iftMask(const imImage *input, imImage *output, const imImage *mask, imNeighborhoodFn adjacency,
+             ifArcWeightFn arcWeight, ifPathCostFn pathCost, const ifRoots *seeds) {
+  const Task task = {"iftMask", input, output, fixedBuckets - 1, pathCost, seeds};
+  check(task);
+  growMasked(task, Scaled<FunctionArcs>{functionArcs(task, adjacency, arcWeight)}, mask);
+}
+
+void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const imImage *weights,
+               ifPathCostFn pathCost, const ifRoots *seeds) {
+  const Task task = {"iftMaskWF", input, output, fixedBuckets - 1, pathCost, seeds};
+  check(task);
+  growMasked(task, Scaled<WeightImageArcs>{weightImageArcs(task, weights)}, mask);
+}
+
+void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
+                           imNeighborhoodFn adjacency, const ifRoots *seeds) {
+  const char *operation = "iftNonNormalizedLevel";
+  requireBands(operation, input, 0);
+  requireBands(operation, marker, 1);
+  requireSameSize(operation, input, marker);
+  const Task task = {operation, input, output, marker->maxValue, nullptr, seeds};
+  check(task);
+  std::copy_n(marker->band[0], input->npixels, task.bands()[1]);
+  grow(functionArcs(task, adjacency, ifWatershedMetric), LevelRule{task.forest()}, input->npixels,
+       *seeds);
 }

@@ -17,9 +17,18 @@
 // that still waits can be conquered by a strictly better path. A pixel listed twice among the seeds
 // takes the later cost and label, and the later place.
 //
+// Weights come from a function and an adjacency, or from an arc-weight image (ifWeightImage.h),
+// which brings its adjacency along: band k at p weighs the arc by displacement k, a negative weight
+// is no arc, and the input gives the size only.
+//
+// The transforms of fixed size have buckets for costs up to 49999 and multiply weights, which are
+// expected in 0 .. 1000, by 49 (saturating) before the path cost sees them; seeds' costs enter as
+// they are.
+//
 // Errors, after a line on standard error, with status 1: a negative bound, images of different
-// size, a forest image with too few bands, a seed outside the image, memory that cannot be had
-// ("Could not allocate queue (Q) in initQueue\n" for buckets, "(A)" for per-pixel storage).
+// size, a forest image with too few bands, an arc-weight image without its adjacency, a seed
+// outside the image, memory that cannot be had ("Could not allocate queue (Q) in initQueue\n" for
+// buckets, "(A)" for per-pixel storage).
 #pragma once
 
 #include "ift/core/ifCost.h"
@@ -41,3 +50,33 @@ void iftNonNormalized(const imImage *input, imImage *output, imNeighborhoodFn ad
 void iftNonNormalizedInverted(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
                               ifArcWeightFn arcWeight, int maxCost, ifPathCostFn pathCost,
                               const ifRoots *seeds);
+
+/// iftNonNormalized of fixed size.
+void ift(const imImage *input, imImage *output, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight,
+         ifPathCostFn pathCost, const ifRoots *seeds);
+
+/// iftNonNormalized on an arc-weight image, with buckets for costs up to 1000.
+void iftWF(const imImage *input, imImage *output, const imImage *weights, ifPathCostFn pathCost,
+           const ifRoots *seeds);
+
+/// iftNonNormalized on an arc-weight image, with buckets for costs up to maxCost.
+void iftNonNormalizedWF(const imImage *input, imImage *output, const imImage *weights, int maxCost,
+                        ifPathCostFn pathCost, const ifRoots *seeds);
+
+/// ift within a mask: a seed is used only where band 0 of the mask is above 0, a path is continued
+/// only to pixels where it is not 0. So a negative value keeps seeds away but lets paths in.
+void iftMask(const imImage *input, imImage *output, const imImage *mask, imNeighborhoodFn adjacency,
+             ifArcWeightFn arcWeight, ifPathCostFn pathCost, const ifRoots *seeds);
+
+/// iftMask on an arc-weight image.
+void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const imImage *weights,
+               ifPathCostFn pathCost, const ifRoots *seeds);
+
+/// Levelling: the cost band starts as band 0 of the marker and moves towards band 0 of the input.
+/// From seeds of label 1 the maximum of the cost and the values on the way spreads to pixels of
+/// higher cost, from seeds of label 2 the minimum to pixels of lower cost, both in one queue of
+/// buckets for costs up to the marker's maxValue (for label 2 for what they lack of it). A seed's
+/// value replaces the marker's. Each arc from a pixel of another label prints "pixel %d has invalid
+/// label (%d)!\n" on standard error and leads nowhere.
+void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
+                           imNeighborhoodFn adjacency, const ifRoots *seeds);

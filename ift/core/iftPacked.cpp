@@ -38,9 +38,10 @@ struct PackedRule {
   int *label;
   const NeighborWalk *neighbors;
 
-  [[gnu::always_inline]] void prefetch(int p) const {
-    neighbors->prefetch(words, p);
-    neighbors->prefetch(label, p);
+  template <class Arcs>
+  [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
+    arcs.prefetch(words, p);
+    arcs.prefetch(label, p);
   }
   int costOf(int p) const { return Bits::cost(words[p]); }
   int extend(int p, int weight) const {
@@ -73,6 +74,10 @@ struct PackedArcs {
     neighbors->each(p, offer);
   }
   int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
+  template <class T>
+  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+    neighbors->prefetch(band, p);
+  }
 };
 
 template <class Word, bool local>
@@ -90,10 +95,12 @@ void run(const PackedProblem &problem, Word *words) {
   PackedRule<Word, local> rule = {words, problem.label, &neighbors};
   PlainEntries entries;
   BucketQueue<PlainEntries::Entry> queue(std::int64_t{problem.maxCost} + 1, npixels);
-  forEachSeed(*problem.seeds, problem.pred, [&](int p, int label, int cost) {
-    words[p] = Bits::pack(Bits::value(words[p]), Bits::noArc, mirror(cost));
-    problem.label[p] = label;
-    queue.append(mirror(cost), {p});
+  const ifRoots &seeds = *problem.seeds;
+  forEachSeed(seeds.pixel, seeds.n, problem.pred, [&](int i, int p) {
+    const int cost = mirror(seeds.value[i]);
+    words[p] = Bits::pack(Bits::value(words[p]), Bits::noArc, cost);
+    problem.label[p] = seeds.label[i];
+    queue.append(cost, {p});
   });
   propagate(PackedArcs<Word>{&neighbors, words}, rule, entries, queue);
 

@@ -7,8 +7,9 @@
 // - Arcs: visit(p, offer) calls offer(q, k) for each arc of p, in order; weight(p, q, k) weighs it.
 // - Rule: extend(p, weight) is the cost of the offered path, improves(cost, q) the strict test,
 //   conquer(p, q, k, cost) stores what q gains, bucket(cost, q) says where q waits; finish(p) is
-//   told when p is taken, prefetch(p) a little before; costOf(p) is p's cost.
+//   told when p is taken, prefetch(arcs, p) a little before; costOf(p) is p's cost.
 // - Entries: what waits in the queue, and how an outdated entry is told from a valid one.
+// - Queue: where they wait; PulledBackQueue where keys do not grow along paths.
 //
 // Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
 // its new bucket; an equal cost never conquers. Buckets are served in a circle.
@@ -92,6 +93,9 @@ public:
       bucket->head = position + 1;
     return true;
   }
+
+  /// Moves the search back to bucket b, where that lies before the current one.
+  void pullBack(int b) { current_ = std::min(current_, b); }
 
   /// The pixel of an entry that will be taken soon, where that is cheap to tell; else none.
   int upcoming() const { return upcoming_; }
@@ -223,6 +227,19 @@ private:
   std::int64_t freeChunk_ = noChunk;
 };
 
+/// A queue for transforms whose keys are no path costs but single weights: what is appended before
+/// the current bucket is served next.
+template <class Entry>
+class PulledBackQueue : public BucketQueue<Entry> {
+public:
+  using BucketQueue<Entry>::BucketQueue;
+
+  void append(int b, Entry entry) {
+    BucketQueue<Entry>::append(b, entry);
+    BucketQueue<Entry>::pullBack(b);
+  }
+};
+
 /// Entries for transforms in which paths never get better as they grow and each bucket holds a
 /// single cost. Then a pixel that is done cannot be improved, and an entry is outdated exactly when
 /// its pixel's cost belongs elsewhere: nothing needs to be stored beside the costs.
@@ -233,6 +250,8 @@ struct PlainEntries {
   Entry make(int p, int) const { return {p}; }
   bool isDone(int) const { return false; }
   void finish(int) {}
+  template <class Arcs>
+  void prefetch(const Arcs &, int) const {}
   template <class Rule>
   bool isValid(const Rule &rule, Entry entry, int bucket) const {
     return rule.costOf(entry.pixel) == bucket;
@@ -258,6 +277,10 @@ public:
   Entry make(int p, int cost) const { return {p, cost}; }
   bool isDone(int q) const { return done_[q] != 0; }
   void finish(int p) { done_[p] = 1; }
+  template <class Arcs>
+  [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
+    arcs.prefetch(done_.get(), p);
+  }
   template <class Rule>
   bool isValid(const Rule &rule, Entry entry, int) const {
     return !isDone(entry.pixel) && rule.costOf(entry.pixel) == entry.cost;
@@ -267,35 +290,36 @@ private:
   Array<char> done_;
 };
 
-/// Calls plant(pixel, label, cost) for each seed, in order, but for a pixel that is listed several
-/// times only at its last place. `scratch` has an element for each pixel; those of seeds are
-/// overwritten.
+/// Calls plant(i, p) for each of n seeds, in order, p = pixel[i], but for a pixel that is listed
+/// several times only at its last place. `scratch` has an element for each pixel of the image;
+/// those of seeds are overwritten.
 template <class Plant>
-void forEachSeed(const ifRoots &seeds, int *scratch, Plant plant) {
-  for (int i = 0; i < seeds.n; ++i)
-    scratch[seeds.pixel[i]] = i;
-  for (int i = 0; i < seeds.n; ++i)
-    if (scratch[seeds.pixel[i]] == i)
-      plant(seeds.pixel[i], seeds.label[i], seeds.value[i]);
+void forEachSeed(const int *pixel, int n, int *scratch, Plant plant) {
+  for (int i = 0; i < n; ++i)
+    scratch[pixel[i]] = i;
+  for (int i = 0; i < n; ++i)
+    if (scratch[pixel[i]] == i)
+      plant(i, pixel[i]);
 }
 
 /// Runs a transform whose seeds are waiting in the queue.
-template <class Arcs, class Rule, class Entries>
-void propagate(const Arcs &arcs, Rule &rule, Entries &entries,
-               BucketQueue<typename Entries::Entry> &queue) {
+template <class Arcs, class Rule, class Entries, class Queue>
+void propagate(const Arcs &arcs, Rule &rule, Entries &entries, Queue &queue) {
   typename Entries::Entry entry;
   while (queue.take(entry)) {
     if (!entries.isValid(rule, entry, queue.current()))
       continue;
-    if (queue.upcoming() != queue.none)
-      rule.prefetch(queue.upcoming());
+    if (queue.upcoming() != queue.none) {
+      rule.prefetch(arcs, queue.upcoming());
+      entries.prefetch(arcs, queue.upcoming());
+    }
     const int p = entry.pixel;
     entries.finish(p);
     rule.finish(p);
     arcs.visit(p, [&](int q, int k) {
       if (entries.isDone(q))
         return;
-      const int cost = rule.extend(p, arcs.weight(p, q, k));
+      const auto cost = rule.extend(p, arcs.weight(p, q, k));
       if (!rule.improves(cost, q))
         return;
       rule.conquer(p, q, k, cost);
@@ -303,55 +327,5 @@ void propagate(const Arcs &arcs, Rule &rule, Entries &entries,
     });
   }
 }
-
-/// The arcs of an adjacency, weighed by a function of the pixels at their ends.
-template <class Weight>
-struct AdjacencyArcs {
-  NeighborWalk neighbors;
-  Weight weigh;
-
-  template <class Offer>
-  void visit(int p, Offer offer) const {
-    neighbors.each(p, offer);
-  }
-  int weight(int p, int q, int) const { return weigh(p, q); }
-};
-
-/// The two directions of a transform: which of two costs is better, what an unreached pixel has,
-/// and the key by which a cost finds its bucket when costs are expected up to maxCost.
-struct Minimising {
-  static constexpr int infinite = ifInfiniteCost;
-  static bool isBetter(int a, int b) { return a < b; }
-  static std::int64_t key(int cost, int) { return cost; }
-};
-struct Maximising {
-  static constexpr int infinite = ifInfiniteCostInverted;
-  static bool isBetter(int a, int b) { return a > b; }
-  static std::int64_t key(int cost, int maxCost) { return std::int64_t{maxCost} - cost; }
-};
-
-/// The rule of the forest transforms: a path cost, and a label, a cost and a predecessor to gain.
-template <class Direction, class PathCost>
-struct ForestRule {
-  int *label;
-  int *cost;
-  int *pred;
-  int maxCost;
-  PathCost pathCost;
-
-  int costOf(int p) const { return cost[p]; }
-  void prefetch(int) const {}
-  void finish(int) {}
-  int extend(int p, int weight) const { return pathCost(cost[p], weight); }
-  bool improves(int offered, int q) const { return Direction::isBetter(offered, cost[q]); }
-  void conquer(int p, int q, int, int offered) {
-    cost[q] = offered;
-    label[q] = label[p];
-    pred[q] = p;
-  }
-  int bucket(int offered, int) const {
-    return circularBucket(Direction::key(offered, maxCost), std::int64_t{maxCost} + 1);
-  }
-};
 
 } // namespace seedforest::detail

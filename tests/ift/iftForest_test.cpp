@@ -1,6 +1,8 @@
 #include "ift/core/iftForest.h"
 
-#include "ift/core/iftPropagate.h"
+#include "ift/core/ifWeightImage.h"
+#include "ift/core/iftRules.h"
+#include "image/imPixelwise.h"
 #include "reference/literalTransform.h"
 #include "support.h"
 
@@ -30,6 +32,28 @@ Forest run(Transform transform, const imImagePtr &input, const std::vector<Root>
   transform(input.get(), output.get(), imNeighborhood8, weight, maxCost, pathCost,
             makeRoots(seeds).get());
   return forestOf(output.get());
+}
+
+// The variants as iftNonNormalized on the watershed weight.
+void throughWeightImage(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
+                        ifArcWeightFn, int maxCost, ifPathCostFn pathCost, const ifRoots *seeds) {
+  const imImagePtr weights(watershedWF(input, adjacency));
+  iftNonNormalizedWF(input, output, weights.get(), maxCost, pathCost, seeds);
+}
+void throughMask(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
+                 ifArcWeightFn arcWeight, int, ifPathCostFn pathCost, const ifRoots *seeds) {
+  const imImagePtr mask(
+      imAddToPixelValues(imImagePtr(imCreateImage(1, 2, input->ncols, input->nrows)).get(), 1));
+  const ifRootsPtr scaled = createRoots(seeds->n);
+  for (int i = 0; i < seeds->n; ++i) {
+    scaled->pixel[i] = seeds->pixel[i];
+    scaled->label[i] = seeds->label[i];
+    scaled->value[i] = weightScale * seeds->value[i];
+  }
+  iftMask(input, output, mask.get(), adjacency, arcWeight, pathCost, scaled.get());
+  for (int p = 0; p < output->npixels; ++p)
+    if (int &cost = output->band[1][p]; cost != ifInfiniteCost)
+      cost /= weightScale;
 }
 
 TEST(Forest, TiesOnPlateaus) {
@@ -73,8 +97,11 @@ TEST(Forest, TiesOnPlateaus) {
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(run(iftNonNormalized, makeImage(c.image), c.seeds, c.bound, ifPathCostMax).label,
-              c.label);
+    for (const Transform transform : {iftNonNormalized, throughWeightImage, throughMask}) {
+      if (transform == throughMask && c.bound != 9)
+        continue; // its bound is its own
+      EXPECT_EQ(run(transform, makeImage(c.image), c.seeds, c.bound, ifPathCostMax).label, c.label);
+    }
     // Mirrored: the negative image and costs, maximised.
     imImagePtr mirrored = makeImage(c.image);
     for (int p = 0; p < mirrored->npixels; ++p)
@@ -165,39 +192,109 @@ constexpr ifArcWeightFn weights[] = {ifWatershedMetric, ifEuclideanDistance, ifM
 constexpr ifPathCostFn pathCosts[] = {ifPathCostMax, ifPathCostMin, ifPathCostSum,
                                       ifPathCostMaxLocal, ifPathCostMinLocal};
 
-template <class Direction>
-void compareWithLiteral(Transform transform) {
+// Compares a forest with that of the literal loop, whose costs start as `start`.
+template <class Arcs, class Rule>
+void expectLiteral(const imImagePtr &forest, const Arcs &arcs, Rule rule, const int *start,
+                   const ifRoots &seeds) {
+  const imImagePtr literal(imCreateImage(3, imTypeWork, forest->ncols, forest->nrows));
+  int **band = literal->band;
+  const int maxCost = rule.maxCost;
+  static_cast<ForestBands &>(rule) = {band[0], band[1], band[2], maxCost};
+  std::copy_n(start, literal->npixels, band[1]);
+  literalTransform(arcs, rule, maxCost + 1, literal->npixels, seeds);
+  for (int b = 0; b < 3; ++b)
+    ASSERT_EQ(bandOf(forest.get(), b), bandOf(literal.get(), b)) << "band " << b;
+}
+
+TEST(Forest, EveryTransformEqualsTheLiteralLoop) {
   std::mt19937 random(11);
-  for (int round = 0; round < 1500; ++round) {
-    Problem problem = randomProblem(random, round % 3 != 0);
-    if (problem.maxCost > 100000)
-      problem.maxCost = 100000; // the literal queue would ask for gigabytes
+  for (int round = 0; round < 700; ++round) {
+    SCOPED_TRACE(round);
+    const Problem problem = randomProblem(random, round % 3 != 0);
+    const int bound = std::min(problem.maxCost, 100000); // the literal queue takes memory
     const ifArcWeightFn weight = weights[round % 2 == 0 ? 0 : random() % 4];
     const ifPathCostFn pathCost = pathCosts[random() % 5];
     const imNeighborhoodFn adjacency = random() % 3 == 0 ? imNeighborhood4 : imNeighborhood8;
     const imImage *image = problem.image.get();
+    const imImagePtr mask = randomImage(random, 1, imTypeAscii, image->ncols, image->nrows, -1, 2);
+    const imImagePtr weightImage(watershedWF(image, adjacency)); // negative values among them
     const ifRootsPtr seeds = makeRoots(problem.seeds);
-    const imImagePtr fast(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
-    transform(image, fast.get(), adjacency, weight, problem.maxCost, pathCost, seeds.get());
-    const imImagePtr literal(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
+    std::vector<Root> within;
+    for (const Root &seed : problem.seeds)
+      if (mask->band[0][seed.pixel] > 0)
+        within.push_back(seed);
+    const ifRootsPtr maskSeeds = makeRoots(within);
+
     const auto weigh = [=](int p, int q) { return weight(image, p, q); };
-    const AdjacencyArcs<decltype(weigh)> arcs = {NeighborWalk(image, adjacency), weigh};
-    int **band = literal->band;
-    literalTransform(
-        arcs,
-        ForestRule<Direction, ifPathCostFn>{band[0], band[1], band[2], problem.maxCost, pathCost},
-        Direction::infinite, problem.maxCost + 1, image->npixels, *seeds);
-    for (int b = 0; b < 3; ++b)
-      ASSERT_EQ(bandOf(fast.get(), b), bandOf(literal.get(), b))
-          << "round " << round << ", band " << b;
+    using Arcs = AdjacencyArcs<decltype(weigh)>;
+    const auto arcs = [&] { return Arcs{{NeighborWalk(image, adjacency)}, weigh}; };
+    const auto weightArcs = [&] {
+      return WeightImageArcs{{NeighborWalk(image, adjacency)}, weightImage->band};
+    };
+    const auto rule = [&](auto direction, int maxCost) {
+      return ForestRule<decltype(direction), ifPathCostFn>{{{}, {}, {}, maxCost}, pathCost};
+    };
+    const imImagePtr forest(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
+    const auto size = static_cast<std::size_t>(image->npixels);
+    const std::vector<int> infinite(size, ifInfiniteCost);
+    const std::vector<int> inverted(size, ifInfiniteCostInverted);
+    const auto expect = [&](const auto &a, const auto &r, const ifRootsPtr &s) {
+      expectLiteral(forest, a, r, infinite.data(), *s);
+    };
+
+    iftNonNormalized(image, forest.get(), adjacency, weight, bound, pathCost, seeds.get());
+    expect(arcs(), rule(Minimising(), bound), seeds);
+    iftNonNormalizedInverted(image, forest.get(), adjacency, weight, bound, pathCost, seeds.get());
+    expectLiteral(forest, arcs(), rule(Maximising(), bound), inverted.data(), *seeds);
+    ift(image, forest.get(), adjacency, weight, pathCost, seeds.get());
+    expect(Scaled<Arcs>{arcs()}, rule(Minimising(), 49999), seeds);
+    iftMask(image, forest.get(), mask.get(), adjacency, weight, pathCost, seeds.get());
+    expect(Masked<Scaled<Arcs>>{{arcs()}, mask->band[0]}, rule(Minimising(), 49999), maskSeeds);
+    iftWF(image, forest.get(), weightImage.get(), pathCost, seeds.get());
+    expect(weightArcs(), rule(Minimising(), 1000), seeds);
+    iftNonNormalizedWF(image, forest.get(), weightImage.get(), bound, pathCost, seeds.get());
+    expect(weightArcs(), rule(Minimising(), bound), seeds);
+    iftMaskWF(image, forest.get(), mask.get(), weightImage.get(), pathCost, seeds.get());
+    expect(Masked<Scaled<WeightImageArcs>>{{weightArcs()}, mask->band[0]},
+           rule(Minimising(), 49999), maskSeeds);
+
+    const imImagePtr marker = randomImage(random, 1, imTypeAscii, image->ncols, image->nrows, 0,
+                                          std::max(problem.maxCost, 1) % 300);
+    for (int i = 0; i < seeds->n; ++i)
+      seeds->label[i] = seeds->label[i] % 2 + 1;
+    marker->maxValue = bound;
+    iftNonNormalizedLevel(image, marker.get(), forest.get(), adjacency, seeds.get());
+    const auto value = [image](int, int q) { return image->band[0][q]; };
+    expectLiteral(forest, AdjacencyArcs<decltype(value)>{{NeighborWalk(image, adjacency)}, value},
+                  LevelRule{{{}, {}, {}, bound}}, marker->band[0], *seeds);
   }
 }
 
-TEST(Forest, EqualsTheLiteralLoop) {
-  compareWithLiteral<Minimising>(iftNonNormalized);
+TEST(Forest, Levelling) {
+  const imImagePtr image = makeImage({{5, 2, 7, 4, 9}});
+  const imImagePtr marker = makeImage({{9, 9, 9, 1, 1}});
+  marker->maxValue = 9;
+  const imImagePtr forest(imCreateImage(3, imTypeWork, 5, 1));
+  iftNonNormalizedLevel(image.get(), marker.get(), forest.get(), imNeighborhood8,
+                        makeRoots({{0, 1, 5}, {4, 2, 9}}).get());
+  EXPECT_EQ(bandOf(forest.get(), 1), (Matrix{{5, 5, 7, 4, 9}}));
+  EXPECT_EQ(bandOf(forest.get(), 0), (Matrix{{1, 1, 1, 2, 2}}));
+
+  testing::internal::CaptureStderr();
+  iftNonNormalizedLevel(image.get(), marker.get(), forest.get(), imNeighborhood8,
+                        makeRoots({{1, 3, 2}, {0, 1, 1}}).get());
+  // The left neighbour is done by then.
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "pixel 1 has invalid label (3)!\n");
+  EXPECT_EQ(bandOf(forest.get(), 1), (Matrix{{1, 2, 9, 1, 1}}));
 }
-TEST(Forest, InvertedEqualsTheLiteralLoop) {
-  compareWithLiteral<Maximising>(iftNonNormalizedInverted);
+
+TEST(Forest, ScaledSumsGoRoundTheQueue) {
+  const imImagePtr image(imCreateImage(1, imTypeAscii, 4, 1));
+  const imImagePtr forest(imCreateImage(3, imTypeWork, 4, 1));
+  ift(
+      image.get(), forest.get(), imNeighborhood4, [](const imImage *, int, int) { return 1000; },
+      ifPathCostSum, makeRoots({{0, 1, 0}}).get());
+  EXPECT_EQ(bandOf(forest.get(), 1), (Matrix{{0, 49000, 98000, 147000}}));
 }
 
 // The bound only sizes the queue: with costs in range, a huge one changes nothing.
@@ -229,7 +326,9 @@ TEST(Forest, Certificate) {
     const ifPathCostFn pathCost =
         maximise ? ifPathCostMin : (random() % 2 == 0 ? ifPathCostMax : ifPathCostSum);
     const imImagePtr output(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
-    const auto transform = maximise ? iftNonNormalizedInverted : iftNonNormalized;
+    Transform transform = maximise ? iftNonNormalizedInverted : iftNonNormalized;
+    if (!maximise && weight == ifWatershedMetric)
+      transform = random() % 2 == 0 ? throughWeightImage : throughMask;
     transform(image, output.get(), imNeighborhood8, weight, 4000, pathCost,
               makeRoots(problem.seeds).get());
     const int *label = output->band[0];

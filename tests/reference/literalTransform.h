@@ -8,14 +8,13 @@
 #include <algorithm>
 #include <numeric>
 
-/// Fills the rule's label, cost and pred for `npixels` pixels.
+/// Fills the rule's label and pred for `npixels` pixels, and its cost from what it is at first.
 template <class Arcs, class Rule>
-void literalTransform(const Arcs &arcs, Rule rule, int infinite, int nbuckets, int npixels,
+void literalTransform(const Arcs &arcs, Rule rule, int nbuckets, int npixels,
                       const ifRoots &seeds) {
   ifQueue queue;
   ifQueueNodes nodes;
   initQueue(&queue, nbuckets, &nodes, npixels);
-  std::fill_n(rule.cost, npixels, infinite);
   std::fill_n(rule.label, npixels, 0);
   std::iota(rule.pred, rule.pred + npixels, 0);
   for (int i = 0; i < seeds.n; ++i) {
@@ -26,6 +25,7 @@ void literalTransform(const Arcs &arcs, Rule rule, int infinite, int nbuckets, i
   }
   while (isEmpty(&queue) == 0) {
     const int p = removeQueue(&queue, &nodes, queue.current);
+    rule.finish(p);
     arcs.visit(p, [&](int q, int k) {
       if (nodes.bucket[q] == -2)
         return;
