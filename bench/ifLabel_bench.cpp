@@ -18,15 +18,6 @@ void silenceProgress() {
   benchmark::DoNotOptimize(silenced);
 }
 
-// What lies above the middle of the scale: shapes, noise, squares, a spiral.
-imImagePtr binaryImage(std::int64_t number) {
-  imImagePtr image = benchImage(number, benchSide);
-  const int threshold = number == micrographImage ? 80 : 127;
-  for (int p = 0; p < image->npixels; ++p)
-    image->band[0][p] = image->band[0][p] > threshold ? 255 : 0;
-  return image;
-}
-
 void copyImage(benchmark::State &state) {
   const imImagePtr image = benchImage(state.range(0), benchSide);
   const imImagePtr copy(imCopyImage(image.get()));
@@ -39,7 +30,7 @@ void copyImage(benchmark::State &state) {
 
 void labelComponents(benchmark::State &state) {
   silenceProgress();
-  const imImagePtr binary = binaryImage(state.range(0));
+  const imImagePtr binary = benchBinary(state.range(0), benchSide);
   for (auto _ : state) {
     const imImagePtr labels(imCreateImage(1, imTypeAscii, benchSide, benchSide));
     ifLabelImage(binary.get(), labels.get());

@@ -49,3 +49,12 @@ inline imImagePtr benchImage(std::int64_t number, int side) {
     value[p] = (p % side / 32 * 7 + p / side / 32 * 13) % 4 * 60;
   return image;
 }
+
+/// What lies above the middle of the scale, as 255: shapes, noise, squares, a spiral.
+inline imImagePtr benchBinary(std::int64_t number, int side) {
+  imImagePtr image = benchImage(number, side);
+  const int threshold = number == micrographImage ? 80 : 127;
+  for (int p = 0; p < image->npixels; ++p)
+    image->band[0][p] = image->band[0][p] > threshold ? 255 : 0;
+  return image;
+}

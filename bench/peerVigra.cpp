@@ -6,6 +6,7 @@
 
 #include <vigra/multi_array.hxx>
 #include <vigra/seededregiongrowing.hxx>
+#include <vigra/vector_distance.hxx>
 #include <vigra/watersheds.hxx>
 
 struct VigraWatershed::Images {
@@ -36,4 +37,27 @@ void VigraWatershed::run() {
   images_->labels = images_->markers;
   vigra::watershedsRegionGrowing(images_->image, images_->labels, vigra::EightNeighborCode(),
                                  vigra::WatershedOptions().turboAlgorithm(256));
+}
+
+struct VigraDistance::Images {
+  vigra::MultiArray<2, unsigned char> image;
+  vigra::MultiArray<2, vigra::Shape2> vectors;
+};
+
+VigraDistance::VigraDistance(int ncols, int nrows) : images_(new Images) {
+  const vigra::Shape2 shape(ncols, nrows);
+  images_->image.reshape(shape);
+  images_->vectors.reshape(shape);
+}
+
+VigraDistance::~VigraDistance() {
+  delete images_;
+}
+
+unsigned char *VigraDistance::image() {
+  return images_->image.data();
+}
+
+void VigraDistance::run() {
+  vigra::separableVectorDistance(images_->image, images_->vectors, true);
 }

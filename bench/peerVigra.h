@@ -1,4 +1,5 @@
-// VIGRA's watershed, for comparison; built only where the library is installed.
+// VIGRA's watershed and distance transform, for comparison; built only where the library is
+// installed.
 #pragma once
 
 /// An 8-connected watershed of an 8-bit image with a queue of 256 buckets. Labels holds the markers
@@ -12,6 +13,22 @@ public:
 
   unsigned char *image();
   unsigned *markers();
+  void run();
+
+private:
+  struct Images;
+  Images *images_;
+};
+
+/// The vector from each pixel to the nearest object pixel (value not 0) of an 8-bit image.
+class VigraDistance {
+public:
+  VigraDistance(int ncols, int nrows);
+  ~VigraDistance();
+  VigraDistance(const VigraDistance &) = delete;
+  VigraDistance &operator=(const VigraDistance &) = delete;
+
+  unsigned char *image();
   void run();
 
 private:

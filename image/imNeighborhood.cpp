@@ -98,4 +98,30 @@ void NeighborWalk::measure() {
   }
 }
 
+OnwardWalk::OnwardWalk(const NeighborWalk &neighbors)
+    : neighbors_(neighbors), isSmall_(neighbors.size() <= 64) {
+  const int n = neighbors.size();
+  const int narrivals = isSmall_ ? n : 0;
+  list_ = makeArray<int>(static_cast<std::size_t>(n) * static_cast<std::size_t>(narrivals + 1));
+  begin_ = makeArray<int>(static_cast<std::size_t>(narrivals) + 2);
+  const auto reaches = [&neighbors, n](std::int64_t dx, std::int64_t dy) {
+    for (int k = 0; k < n; ++k)
+      if (neighbors.dx(k) == dx && neighbors.dy(k) == dy)
+        return true;
+    return dx == 0 && dy == 0;
+  };
+  int count = 0;
+  begin_[0] = 0;
+  for (int k = 0; k < n; ++k)
+    list_[count++] = k;
+  for (int arrival = 0; arrival < narrivals; ++arrival) {
+    begin_[arrival + 1] = count;
+    for (int k = 0; k < n; ++k)
+      if (!reaches(std::int64_t{neighbors.dx(arrival)} + neighbors.dx(k),
+                   std::int64_t{neighbors.dy(arrival)} + neighbors.dy(k)))
+        list_[count++] = k;
+  }
+  begin_[narrivals + 1] = count;
+}
+
 } // namespace seedforest::detail

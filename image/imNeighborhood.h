@@ -58,22 +58,22 @@ public:
   /// call returns true; returns whether one did.
   template <class Visit>
   bool any(int x, int y, Visit visit) const {
-    const int p = x + y * ncols_;
-    const bool interior = x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_;
-    for (int k = 0; k < n_; ++k)
-      if ((interior || isInside(x, y, k)) && visit(p + offset_[k], k))
-        return true;
-    return false;
+    return anyOf(
+        x, y, n_, [](int i) { return i; }, visit);
   }
 
   /// Calls visit(q, k) for every neighbour of p.
   template <class Visit>
   void each(int p, Visit visit) const {
-    const int y = static_cast<int>(static_cast<unsigned>(p) / static_cast<unsigned>(ncols_));
-    any(p - y * ncols_, y, [&visit](int q, int k) {
-      visit(q, k);
-      return false;
-    });
+    eachOf(
+        p, n_, [](int i) { return i; }, visit);
+  }
+
+  /// The same, by the n displacements k = list[0], list[1], ... only.
+  template <class Visit>
+  void each(int p, const int *list, int n, Visit visit) const {
+    eachOf(
+        p, n, [list](int i) { return list[i]; }, visit);
   }
 
   /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
@@ -89,6 +89,30 @@ public:
 
 private:
   void measure();
+
+  template <class Displacement, class Visit>
+  bool anyOf(int x, int y, int n, Displacement displacement, Visit visit) const {
+    const int p = x + y * ncols_;
+    if (x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_) {
+      for (int i = 0; i < n; ++i)
+        if (const int k = displacement(i); visit(p + offset_[k], k))
+          return true;
+      return false;
+    }
+    for (int i = 0; i < n; ++i)
+      if (const int k = displacement(i); isInside(x, y, k) && visit(p + offset_[k], k))
+        return true;
+    return false;
+  }
+
+  template <class Displacement, class Visit>
+  void eachOf(int p, int n, Displacement displacement, Visit visit) const {
+    const int y = static_cast<int>(static_cast<unsigned>(p) / static_cast<unsigned>(ncols_));
+    anyOf(p - y * ncols_, y, n, displacement, [&visit](int q, int k) {
+      visit(q, k);
+      return false;
+    });
+  }
 
   bool isInside(int x, int y, int k) const {
     // Unsigned, a coordinate left of or above the image is larger than any inside.
@@ -107,6 +131,30 @@ private:
   int down_ = 0;
   Array<int> displacement_;
   Array<int> offset_;
+};
+
+/// The neighbours of a pixel that are news: those that its predecessor on a path does not have
+/// itself. Where a longer path is never better, the others have had an offer as good already, and
+/// with the 8-adjacency three or five of eight are left.
+class OnwardWalk {
+public:
+  explicit OnwardWalk(const NeighborWalk &neighbors);
+
+  static constexpr int start = -1;
+
+  /// Calls visit(q, k) for the neighbours q of p, by displacement k, that its predecessor does not
+  /// have, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
+  template <class Visit>
+  void each(int p, int arrival, Visit visit) const {
+    const int i = isSmall_ ? arrival + 1 : 0;
+    neighbors_.each(p, &list_[begin_[i]], begin_[i + 1] - begin_[i], visit);
+  }
+
+private:
+  const NeighborWalk &neighbors_;
+  bool isSmall_;     // few enough displacements for lists for all pairs of them
+  Array<int> list_;  // displacements: all, then for each arrival
+  Array<int> begin_; // where those of arrival k begin, at k + 1
 };
 
 } // namespace seedforest::detail

@@ -4,35 +4,34 @@
 #include "ift/core/iftPropagate.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <numeric>
+#include <utility>
 
 namespace seedforest::detail {
 
 namespace {
 
-// All that the loop reads around a pixel, in one word, so that each neighbour costs one line of
-// memory: the offsets to its root, and the displacement by which it was reached. Squared distances
-// follow from offsets, predecessors from displacements. Offsets fit, as their squares fit 31 bits.
-struct Reach {
+// What waits: a pixel with its offsets to its root, which nothing else needs to keep. They fit, as
+// their squares fit 31 bits.
+struct EuclideanEntry {
+  int pixel;
+  int arrival; // the displacement by which it was reached
   std::uint16_t x;
   std::uint16_t y;
-  std::uint32_t arc : 31;
-  std::uint32_t done : 1;
-};
-constexpr std::uint32_t noArc = (1u << 31) - 1;
 
-// Farther than any distance that counts.
-constexpr std::uint16_t farAway = 46341;
-constexpr std::uint32_t tooFar = std::uint32_t{farAway} * farAway;
-static_assert(tooFar > static_cast<std::uint32_t>(maxInt));
+  int cost() const { return static_cast<int>(unsigned{x} * x + unsigned{y} * y); }
+};
 
 struct EuclideanArcs {
   const NeighborWalk &neighbors;
+  OnwardWalk onward = OnwardWalk(neighbors);
 
   template <class Offer>
-  void visit(int p, Offer offer) const {
-    neighbors.each(p, offer);
+  void visit(EuclideanEntry entry, Offer offer) const {
+    onward.each(entry.pixel, entry.arrival, offer);
   }
   int weight(int, int, int k) const { return k; } // what an arc adds depends on its displacement
   template <class T>
@@ -41,112 +40,164 @@ struct EuclideanArcs {
   }
 };
 
+template <std::size_t nHeirlooms>
 class EuclideanRule {
 public:
-  EuclideanRule(const EuclideanProblem &problem, Reach *reach)
-      : reach_(reach), neighbors_(problem.neighbors), heirlooms_(problem.heirlooms),
-        nbuckets_(problem.nbuckets) {}
-
-  std::uint32_t costOf(int p) const {
-    return std::uint32_t{reach_[p].x} * reach_[p].x + std::uint32_t{reach_[p].y} * reach_[p].y;
+  explicit EuclideanRule(const EuclideanProblem &problem)
+      : neighbors_(problem.neighbors), cost_(problem.cost), pred_(problem.pred),
+        nbuckets_(static_cast<std::uint64_t>(problem.nbuckets)) {
+    std::copy_n(problem.heirlooms.begin(), nHeirlooms, heirlooms_.begin());
+    findSteps(problem.neighbors);
   }
+
+  int costOf(int p) const { return cost_[p]; }
 
   template <class Arcs>
   [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
-    arcs.prefetch(reach_, p);
+    arcs.prefetch(cost_, p);
+    arcs.prefetch(pred_, p);
     for (const int *band : heirlooms_)
       arcs.prefetch(band, p);
   }
 
-  // The path to p is final, and so is what its predecessor was given.
-  void finish(int p) {
-    const Reach reach = reach_[p];
-    x_ = reach.x;
-    y_ = reach.y;
-    const std::uint32_t cost = costOf(p);
+  // The path is final, and so is what its last pixel's predecessor was given.
+  void finish(EuclideanEntry entry) {
+    if (entry.arrival != OnwardWalk::start) {
+      const int pred = entry.pixel - neighbors_.offset(entry.arrival);
+      pred_[entry.pixel] = pred;
+      for (int *band : heirlooms_)
+        band[entry.pixel] = band[pred];
+    }
+    for (std::size_t i = 0; i < nsteps_; ++i)
+      steps_[i].stepFrom(entry);
+    const auto cost = static_cast<unsigned>(entry.cost());
     if (cost - turn_ >= nbuckets_)
       turn_ = cost - cost % nbuckets_;
-    if (reach.arc != noArc)
-      for (int *band : heirlooms_)
-        band[p] = band[p - neighbors_.offset(static_cast<int>(reach.arc))];
+    outran_ |= longest_.x * (2 * entry.x + longest_.x) + longest_.y * (2 * entry.y + longest_.y) >=
+               nbuckets_;
   }
 
-  std::uint32_t extend(int, int k) const {
-    const std::uint64_t x = offsetX(k);
-    const std::uint64_t y = offsetY(k);
-    const std::uint64_t d = x * x + y * y;
-    return d > std::uint64_t{maxInt} ? tooFar : static_cast<std::uint32_t>(d);
-  }
-  bool improves(std::uint32_t cost, int q) const { return cost < costOf(q); }
-  void conquer(int, int q, int k, std::uint32_t) {
-    reach_[q] = {static_cast<std::uint16_t>(offsetX(k)), static_cast<std::uint16_t>(offsetY(k)),
-                 static_cast<std::uint32_t>(k), 0};
+  // As long as no step is longer than the circle of buckets, pixels are taken in the order of their
+  // costs and none that was taken can be improved. Then there is no need to ask. Roots never can.
+  bool isDone(int q) const { return outran_ && pred_[q] != q; }
+
+  int extend(int, int k) const { return steps_[stepOf_[k]].cost; }
+  bool improves(int cost, int q) const { return cost < cost_[q]; }
+  void conquer(int, int q, int, int cost) { cost_[q] = cost; }
+  EuclideanEntry entry(int q, int k) const {
+    const Step &step = steps_[stepOf_[k]];
+    return {q, k, step.x, step.y};
   }
 
   // The remainder, without a division for costs of this turn of the circle and the next.
-  int bucket(std::uint32_t cost, int) const {
-    const std::uint64_t ahead = std::uint64_t{cost} - turn_;
+  int bucket(int cost, int) const {
+    const std::uint64_t ahead = static_cast<unsigned>(cost) - turn_;
     if (ahead < nbuckets_)
       return static_cast<int>(ahead);
     if (ahead < 2 * nbuckets_)
       return static_cast<int>(ahead - nbuckets_);
-    return static_cast<int>(cost % nbuckets_);
+    return static_cast<int>(static_cast<unsigned>(cost) % nbuckets_);
   }
 
 private:
-  // To the root of the pixel taken last, from its neighbour by displacement k.
-  std::uint64_t offsetX(int k) const { return x_ + distance(neighbors_.dx(k)); }
-  std::uint64_t offsetY(int k) const { return y_ + distance(neighbors_.dy(k)); }
-  static std::uint64_t distance(int d) {
-    return static_cast<std::uint64_t>(std::abs(std::int64_t{d}));
+  // Displacements that differ in signs only add the same to the offsets, so what they offer is
+  // computed once for all, when a pixel is taken.
+  struct Step {
+    unsigned dx; // without signs
+    unsigned dy;
+    int cost; // what a step from the pixel taken last would come to
+    std::uint16_t x;
+    std::uint16_t y;
+
+    void stepFrom(EuclideanEntry entry) {
+      const std::uint64_t far = std::uint64_t{entry.x} + dx;
+      const std::uint64_t down = std::uint64_t{entry.y} + dy;
+      cost = static_cast<int>(std::min(far * far + down * down, std::uint64_t{maxInt}));
+      x = static_cast<std::uint16_t>(far);
+      y = static_cast<std::uint16_t>(down);
+    }
+    auto key() const { return std::pair(dx, dy); }
+  };
+
+  void findSteps(const NeighborWalk &neighbors) {
+    const auto n = static_cast<std::size_t>(neighbors.size());
+    const auto distance = [](int d) { return static_cast<unsigned>(std::abs(std::int64_t{d})); };
+    const auto stepBy = [&](std::size_t k) {
+      const int i = static_cast<int>(k);
+      return Step{distance(neighbors.dx(i)), distance(neighbors.dy(i)), 0, 0, 0};
+    };
+    const auto precedes = [](const Step &a, const Step &b) { return a.key() < b.key(); };
+    steps_ = makeArray<Step>(n);
+    for (std::size_t k = 0; k < n; ++k)
+      steps_[k] = stepBy(k);
+    Step *end = steps_.get() + n;
+    std::sort(steps_.get(), end, precedes);
+    end = std::unique(steps_.get(), end,
+                      [](const Step &a, const Step &b) { return a.key() == b.key(); });
+    nsteps_ = static_cast<std::size_t>(end - steps_.get());
+    for (std::size_t i = 0; i < nsteps_; ++i)
+      longest_ = {std::max<std::uint64_t>(longest_.x, steps_[i].dx),
+                  std::max<std::uint64_t>(longest_.y, steps_[i].dy)};
+    stepOf_ = makeArray<int>(n);
+    for (std::size_t k = 0; k < n; ++k)
+      stepOf_[k] =
+          static_cast<int>(std::lower_bound(steps_.get(), end, stepBy(k), precedes) - steps_.get());
   }
 
-  Reach *reach_;
   const NeighborWalk &neighbors_;
-  std::initializer_list<int *> heirlooms_;
+  int *cost_;
+  int *pred_;
+  std::array<int *, nHeirlooms> heirlooms_;
   std::uint64_t nbuckets_;
   std::uint64_t turn_ = 0; // the multiple of nbuckets_ below the cost of the pixel taken last
-  std::uint64_t x_ = 0;
-  std::uint64_t y_ = 0;
+  bool outran_ = false;
+  struct {
+    std::uint64_t x;
+    std::uint64_t y;
+  } longest_ = {0, 0};
+  std::size_t nsteps_ = 0;
+  Array<Step> steps_;
+  Array<int> stepOf_; // by displacement
 };
 
-// As MarkedEntries, with the marks among what is read anyway.
-struct ReachEntries {
-  Reach *reach;
+template <class Rule>
+struct EuclideanEntries {
+  const Rule &rule;
 
-  struct Entry {
-    int pixel;
-    std::uint32_t cost;
-  };
-  Entry make(int p, std::uint32_t cost) const { return {p, cost}; }
-  bool isDone(int q) const { return reach[q].done != 0; }
-  void finish(int p) { reach[p].done = 1; }
-  bool isValid(const EuclideanRule &rule, Entry entry, int) const {
-    return !isDone(entry.pixel) && rule.costOf(entry.pixel) == entry.cost;
+  using Entry = EuclideanEntry;
+  Entry make(const Rule &, int q, int k, int) const { return rule.entry(q, k); }
+  bool isDone(int q) const { return rule.isDone(q); }
+  void finish(Entry) {}
+  // Costs improve strictly, so no pixel waits twice with one.
+  bool isValid(const Rule &, Entry entry, int) const {
+    return rule.costOf(entry.pixel) == entry.cost();
   }
   template <class Arcs>
   void prefetch(const Arcs &, int) const {}
 };
 
+template <std::size_t nHeirlooms>
+void run(const EuclideanProblem &problem) {
+  const int npixels = problem.image->npixels;
+  EuclideanRule<nHeirlooms> rule(problem);
+  EuclideanEntries<EuclideanRule<nHeirlooms>> entries = {rule};
+  BucketQueue<EuclideanEntry> queue(problem.nbuckets, npixels);
+  std::fill_n(problem.cost, npixels, ifInfiniteCost);
+  forEachSeed(problem.rootPixel, problem.nroots, problem.pred, [&](int, int p) {
+    problem.cost[p] = 0;
+    queue.append(0, {p, OnwardWalk::start, 0, 0});
+  });
+  std::iota(problem.pred, problem.pred + npixels, 0);
+  propagate(EuclideanArcs{problem.neighbors}, rule, entries, queue);
+}
+
 } // namespace
 
 void propagateEuclidean(const EuclideanProblem &problem) {
-  const int npixels = problem.image->npixels;
-  const Array<Reach> reach = makeArray<Reach>(static_cast<std::size_t>(npixels));
-  std::fill_n(reach.get(), npixels, Reach{farAway, 0, noArc, 0});
-  EuclideanRule rule(problem, reach.get());
-  ReachEntries entries = {reach.get()};
-  BucketQueue<ReachEntries::Entry> queue(problem.nbuckets, npixels);
-  forEachSeed(problem.rootPixel, problem.nroots, problem.pred, [&](int, int p) {
-    reach[p] = {0, 0, noArc, 0};
-    queue.append(0, entries.make(p, 0));
-  });
-  propagate(EuclideanArcs{problem.neighbors}, rule, entries, queue);
-  for (int p = 0; p < npixels; ++p) {
-    const auto k = reach[p].arc;
-    problem.pred[p] = k == noArc ? p : p - problem.neighbors.offset(static_cast<int>(k));
-    problem.cost[p] = static_cast<int>(std::min(rule.costOf(p), std::uint32_t{maxInt}));
-  }
+  if (problem.heirlooms.size() == 1)
+    run<1>(problem);
+  else
+    run<2>(problem);
 }
 
 } // namespace seedforest::detail

@@ -52,7 +52,7 @@ void grow(const Arcs &arcs, Rule rule, int npixels, const ifRoots &seeds) {
     const int cost = seeds.value[i];
     rule.label[p] = seeds.label[i];
     rule.cost[p] = cost;
-    queue.append(rule.bucket(cost, p), entries.make(p, cost));
+    queue.append(rule.bucket(cost, p), {p, cost});
   });
   std::iota(rule.pred, rule.pred + npixels, 0);
   propagate(arcs, rule, entries, queue);

@@ -58,7 +58,8 @@ struct PackedRule {
   int bucket(int cost, int) const { return cost; }
 
   // The path to p is final, and so is its predecessor's label.
-  void finish(int p) {
+  void finish(PlainEntries::Entry entry) {
+    const int p = entry.pixel;
     if (const int k = Bits::arc(words[p]); k != Bits::noArc)
       label[p] = label[p - neighbors->offset(k)];
   }
@@ -69,9 +70,9 @@ struct PackedArcs {
   const NeighborWalk *neighbors;
   const Word *words;
 
-  template <class Offer>
-  void visit(int p, Offer offer) const {
-    neighbors->each(p, offer);
+  template <class Entry, class Offer>
+  void visit(const Entry &entry, Offer offer) const {
+    neighbors->each(entry.pixel, offer);
   }
   int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
   template <class T>

@@ -4,11 +4,13 @@
 // Every transform is the same sentence: take the best waiting pixel, offer each neighbour a path
 // through it, let a strictly better path conquer. What differs is said by policies:
 //
-// - Arcs: visit(p, offer) calls offer(q, k) for each arc of p, in order; weight(p, q, k) weighs it.
+// - Arcs: visit(entry, offer) calls offer(q, k) for each arc of the entry's pixel, in order, or for
+//   those that can matter; weight(p, q, k) weighs it.
 // - Rule: extend(p, weight) is the cost of the offered path, improves(cost, q) the strict test,
-//   conquer(p, q, k, cost) stores what q gains, bucket(cost, q) says where q waits; finish(p) is
-//   told when p is taken, prefetch(arcs, p) a little before; costOf(p) is p's cost.
-// - Entries: what waits in the queue, and how an outdated entry is told from a valid one.
+//   conquer(p, q, k, cost) stores what q gains, bucket(cost, q) says where q waits; finish(entry)
+//   is told when a pixel is taken, prefetch(arcs, p) a little before; costOf(p) is p's cost.
+// - Entries: what waits in the queue, a pixel and what else must be known of it, and how an
+//   outdated entry is told from a valid one.
 // - Queue: where they wait; PulledBackQueue where keys do not grow along paths.
 //
 // Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
@@ -51,7 +53,8 @@ public:
   BucketQueue(std::int64_t nbuckets, int nelems)
       : nbuckets_(nbuckets), dense_(nbuckets <= std::int64_t{4} * nelems + 65536),
         chunkShift_(std::clamp<int>(std::bit_width(static_cast<std::uint64_t>(nelems / nbuckets)),
-                                    smallestChunkShift, largestChunkShift)) {
+                                    smallestChunkShift, largestChunkShift)),
+        chunkMask_((std::int64_t{1} << chunkShift_) - 1) {
     if (!dense_)
       return;
     const auto count = static_cast<std::size_t>(nbuckets);
@@ -66,7 +69,7 @@ public:
   int current() const { return current_; }
 
   /// Appends an entry at the tail of bucket b, which is 0 .. nbuckets - 1.
-  void append(int b, Entry entry) {
+  [[gnu::always_inline]] void append(int b, Entry entry) {
     Bucket &bucket = bucketAt(b);
     const bool hasRoom = bucket.last != empty && !endsChunk(bucket.last);
     bucket.last = hasRoom ? bucket.last + 1 : startChunk(bucket, b);
@@ -121,12 +124,13 @@ private:
 
   std::int64_t chunkOf(std::int64_t position) const { return position >> chunkShift_; }
   std::int64_t firstOf(std::int64_t chunk) const { return chunk << chunkShift_; }
-  bool endsChunk(std::int64_t position) const { return chunkOf(position) != chunkOf(position + 1); }
+  bool endsChunk(std::int64_t position) const { return (position & chunkMask_) == chunkMask_; }
 
   int pixelAhead(std::int64_t position, std::int64_t last) const {
     const std::int64_t ahead = position + lookahead;
-    const bool isUsed = ahead <= last || chunkOf(last) != chunkOf(position);
-    return chunkOf(ahead) == chunkOf(position) && isUsed ? pool_[ahead].pixel : none;
+    const bool isInChunk = (position & chunkMask_) + lookahead <= chunkMask_;
+    const bool isUsed = ahead <= last || (position ^ last) > chunkMask_;
+    return isInChunk && isUsed ? pool_[ahead].pixel : none;
   }
 
   Bucket &bucketAt(int b) {
@@ -216,6 +220,7 @@ private:
   std::int64_t nbuckets_;
   bool dense_;
   int chunkShift_;
+  std::int64_t chunkMask_; // the place of a position in its chunk
   int current_ = 0;
   int upcoming_ = none;
   Array<Bucket> table_;
@@ -247,9 +252,12 @@ struct PlainEntries {
   struct Entry {
     int pixel;
   };
-  Entry make(int p, int) const { return {p}; }
+  template <class Rule>
+  Entry make(const Rule &, int q, int, int) const {
+    return {q};
+  }
   bool isDone(int) const { return false; }
-  void finish(int) {}
+  void finish(Entry) {}
   template <class Arcs>
   void prefetch(const Arcs &, int) const {}
   template <class Rule>
@@ -274,9 +282,12 @@ public:
     int pixel;
     int cost;
   };
-  Entry make(int p, int cost) const { return {p, cost}; }
+  template <class Rule>
+  Entry make(const Rule &, int q, int, int cost) const {
+    return {q, cost};
+  }
   bool isDone(int q) const { return done_[q] != 0; }
-  void finish(int p) { done_[p] = 1; }
+  void finish(Entry entry) { done_[entry.pixel] = 1; }
   template <class Arcs>
   [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
     arcs.prefetch(done_.get(), p);
@@ -314,16 +325,16 @@ void propagate(const Arcs &arcs, Rule &rule, Entries &entries, Queue &queue) {
       entries.prefetch(arcs, queue.upcoming());
     }
     const int p = entry.pixel;
-    entries.finish(p);
-    rule.finish(p);
-    arcs.visit(p, [&](int q, int k) {
+    entries.finish(entry);
+    rule.finish(entry);
+    arcs.visit(entry, [&](int q, int k) {
       if (entries.isDone(q))
         return;
       const auto cost = rule.extend(p, arcs.weight(p, q, k));
       if (!rule.improves(cost, q))
         return;
       rule.conquer(p, q, k, cost);
-      queue.append(rule.bucket(cost, q), entries.make(q, cost));
+      queue.append(rule.bucket(cost, q), entries.make(rule, q, k, cost));
     });
   }
 }

@@ -14,9 +14,9 @@ namespace seedforest::detail {
 struct NeighborArcs {
   NeighborWalk neighbors;
 
-  template <class Offer>
-  void visit(int p, Offer offer) const {
-    neighbors.each(p, offer);
+  template <class Entry, class Offer>
+  void visit(const Entry &entry, Offer offer) const {
+    neighbors.each(entry.pixel, offer);
   }
   template <class T>
   [[gnu::always_inline]] void prefetch(const T *band, int p) const {
@@ -37,8 +37,9 @@ struct AdjacencyArcs : NeighborArcs {
 struct WeightImageArcs : NeighborArcs {
   const int *const *band;
 
-  template <class Offer>
-  void visit(int p, Offer offer) const {
+  template <class Entry, class Offer>
+  void visit(const Entry &entry, Offer offer) const {
+    const int p = entry.pixel;
     neighbors.each(p, [&](int q, int k) {
       if (band[k][p] >= 0)
         offer(q, k);
@@ -64,9 +65,9 @@ template <class Arcs>
 struct Masked : Arcs {
   const int *mask;
 
-  template <class Offer>
-  void visit(int p, Offer offer) const {
-    Arcs::visit(p, [&](int q, int k) {
+  template <class Entry, class Offer>
+  void visit(const Entry &entry, Offer offer) const {
+    Arcs::visit(entry, [&](int q, int k) {
       if (mask[q] != 0)
         offer(q, k);
     });
@@ -95,7 +96,8 @@ struct ForestBands {
   int maxCost;
 
   int costOf(int p) const { return cost[p]; }
-  void finish(int) {}
+  template <class Entry>
+  void finish(const Entry &) {}
   template <class Arcs>
   [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
     arcs.prefetch(cost, p);
@@ -129,7 +131,10 @@ struct LevelRule : ForestBands {
   static constexpr int fromAbove = 2;
   int side = 0; // the label of the pixel taken last
 
-  void finish(int p) { side = label[p]; }
+  template <class Entry>
+  void finish(const Entry &entry) {
+    side = label[entry.pixel];
+  }
   int extend(int p, int weight) const {
     if (side != fromBelow && side != fromAbove)
       complain("pixel %d has invalid label (%d)!\n", p, side);

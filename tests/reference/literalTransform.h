@@ -25,8 +25,11 @@ void literalTransform(const Arcs &arcs, Rule rule, int nbuckets, int npixels,
   }
   while (isEmpty(&queue) == 0) {
     const int p = removeQueue(&queue, &nodes, queue.current);
-    rule.finish(p);
-    arcs.visit(p, [&](int q, int k) {
+    const struct {
+      int pixel;
+    } entry = {p};
+    rule.finish(entry);
+    arcs.visit(entry, [&](int q, int k) {
       if (nodes.bucket[q] == -2)
         return;
       const int cost = rule.extend(p, arcs.weight(p, q, k));

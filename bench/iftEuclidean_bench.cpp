@@ -1,0 +1,73 @@
+// Euclidean distances from the borders of binary shapes, each pixel with its nearest border pixel,
+// with the bare copying of the image beside them and, where the library is installed, VIGRA's
+// distance transform, which gives the vector to the nearest feature.
+
+#include "bench.h"
+#include "images.h"
+
+#include "ift/core/iftEuclidean.h"
+#include "ift/seeds/ifContourSeeds.h"
+
+#include <algorithm>
+
+#ifdef SEEDFOREST_BENCH_VIGRA
+#include "bench/peerVigra.h"
+#endif
+
+namespace {
+
+struct Problem {
+  imImagePtr binary;
+  ifRootsPtr roots = seedforest::detail::createRoots(0);
+  imImagePtr result;
+
+  explicit Problem(const benchmark::State &state)
+      : binary(benchBinary(state.range(1), static_cast<int>(state.range(0)))),
+        result(imCreateImage(3, imTypeWork, binary->ncols, binary->nrows)) {
+    ifReleaseRoots(roots.get());
+    ifDistTransfRoots(binary.get(), roots.get(), 1);
+  }
+};
+
+void copyImage(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state) {
+    std::copy_n(problem.binary->band[0], problem.binary->npixels, problem.result->band[0]);
+    benchmark::ClobberMemory();
+  }
+  reportPerItem(state, "ns/pixel", problem.binary->npixels);
+}
+
+void distance(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state)
+    iftEuclideanDT(problem.binary.get(), problem.result.get(), imNeighborhood8,
+                   problem.roots.get());
+  reportPerItem(state, "ns/pixel", problem.binary->npixels);
+  reportPeakMemory(state, problem.binary->npixels);
+}
+
+#ifdef SEEDFOREST_BENCH_VIGRA
+void vigraDistance(benchmark::State &state) {
+  const Problem problem(state);
+  VigraDistance peer(problem.binary->ncols, problem.binary->nrows);
+  std::fill_n(peer.image(), problem.binary->npixels, static_cast<unsigned char>(0));
+  for (int i = 0; i < problem.roots->n; ++i)
+    peer.image()[problem.roots->pixel[i]] = 1;
+  for (auto _ : state)
+    peer.run();
+  reportPerItem(state, "ns/pixel", problem.binary->npixels);
+}
+#endif
+
+void sizesAndImages(benchmark::internal::Benchmark *b) {
+  b->ArgNames({"side", "image"})->ArgsProduct({{1024, 4096}, benchImageNumbers()});
+  b->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(copyImage)->Apply(sizesAndImages);
+BENCHMARK(distance)->Apply(sizesAndImages);
+#ifdef SEEDFOREST_BENCH_VIGRA
+BENCHMARK(vigraDistance)->Apply(sizesAndImages);
+#endif
+
+} // namespace
