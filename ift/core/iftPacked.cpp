@@ -69,10 +69,12 @@ template <class Word>
 struct PackedArcs {
   const NeighborWalk *neighbors;
   const Word *words;
+  OnwardWalk onward = OnwardWalk(*neighbors);
 
   template <class Entry, class Offer>
   void visit(const Entry &entry, Offer offer) const {
-    neighbors->each(entry.pixel, offer);
+    const int k = Packing<Word>::arc(words[entry.pixel]);
+    onward.each(entry.pixel, k == Packing<Word>::noArc ? OnwardWalk::start : k, offer);
   }
   int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
   template <class T>
