@@ -1,13 +1,27 @@
 #include "ift/seeds/ifContourSeeds.h"
 
+#include "base/buffer.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/ifFrameSeeds.h"
 #include "image/imNeighborhood.h"
+#include "image/imPixelwise.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 using namespace seedforest::detail;
+
+namespace {
+
+// The labelled pixels of an image as roots in a caller's record.
+void fillRoots(ifRoots *roots, const imImage *labels) {
+  ifRoots *record = ifLabelsToRoots(labels);
+  *roots = *record; // the arrays are the caller's now
+  std::free(record);
+}
+
+} // namespace
 
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
   requireBands("ifDistTransfRoots", binary, 1);
@@ -24,7 +38,116 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
                        [&](int p) { border->band[0][p] = labels->band[0][p]; });
     marked = border.get();
   }
-  ifRoots *record = ifLabelsToRoots(marked);
-  *roots = *record; // the arrays are the caller's now
-  std::free(record);
+  fillRoots(roots, marked);
+}
+
+namespace {
+
+// Clears the border pixels that do not touch the interior.
+void thin(imImage *border, const imImage *interior) {
+  const NeighborWalk neighbors(border, imNeighborhood8);
+  const int *inside = interior->band[0];
+  int *mark = border->band[0];
+  int p = 0;
+  for (int y = 0; y < border->nrows; ++y)
+    for (int x = 0; x < border->ncols; ++x, ++p)
+      if (mark[p] > 0 && !neighbors.any(x, y, [inside](int q, int) { return inside[q] > 0; }))
+        mark[p] = 0;
+}
+
+// Follows all contours of a border, which is cleared on the way.
+void followContours(imImage *border, const imImage *shape, ifRoots2 *roots) {
+  const auto npixels = static_cast<std::size_t>(border->npixels);
+  *roots = {allocateInts(npixels), allocateInts(npixels), allocateInts(npixels),
+            allocateInts(npixels), 0};
+  int *list = nullptr;
+  imNeighborhood8(&list);
+  const Array<int> displacements(list);
+  int contour = 0;
+  for (int p = 0; p < border->npixels; ++p)
+    if (border->band[0][p] > 0)
+      ifContourFollow(roots, &roots->n, ++contour, border, shape, p, displacements.get());
+}
+
+} // namespace
+
+imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots) {
+  requireBands("ifSkel2Roots", image, 1);
+  const imImagePtr border = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  ifRegionsToContours(image, border.get());
+  const imImagePtr interior = requireMade(imBinaryDifference(image, border.get(), imTypeGrey));
+  thin(border.get(), interior.get());
+  imImagePtr shape = requireMade(imBinaryUnion(border.get(), interior.get(), imTypeGrey));
+  followContours(border.get(), shape.get(), roots);
+  return shape.release();
+}
+
+namespace {
+
+// A curve's rows, and the pixel from which it is numbered.
+struct Curve {
+  int first;
+  int last;
+  int start;
+
+  int middleRow() const { return (first + last) / 2; }
+};
+
+constexpr Curve noCurve = {100000, -1, -1}; // rows are expected between these
+
+// Calls visit(curve, p, y) for each labelled pixel p, in row y.
+template <class Visit>
+void forEachCurvePixel(const imImage *labels, Curve *curves, Visit visit) {
+  int p = 0;
+  for (int y = 0; y < labels->nrows; ++y)
+    for (int x = 0; x < labels->ncols; ++x, ++p)
+      if (const int label = labels->band[0][p]; label > 0)
+        visit(curves[label - 1], p, y);
+}
+
+// The 8-connected curves of a border image. All are found in two passes, however many share a row.
+Array<Curve> findCurves(const imImage *border, int &count) {
+  const imImagePtr labels = createImage(1, imTypeAscii, border->ncols, border->nrows);
+  ifLabelImage(border, labels.get());
+  count = labels->maxValue;
+  Array<Curve> curves = makeArray<Curve>(static_cast<std::size_t>(count));
+  std::fill_n(curves.get(), count, noCurve);
+  forEachCurvePixel(labels.get(), curves.get(), [](Curve &curve, int, int y) {
+    curve.first = std::min(curve.first, y);
+    curve.last = std::max(curve.last, y);
+  });
+  forEachCurvePixel(labels.get(), curves.get(), [](Curve &curve, int p, int y) {
+    if (curve.start == noCurve.start && y == curve.middleRow())
+      curve.start = p;
+  });
+  return curves;
+}
+
+} // namespace
+
+void ifSkel2RootsSplit(const imImage *image, ifRoots *roots) {
+  requireBands("ifSkel2RootsSplit", image, 1);
+  const imImagePtr border = createImage(1, imTypeGrey, image->ncols, image->nrows);
+  ifRegionsToContours(image, border.get());
+  int ncurves = 0;
+  const Array<Curve> curves = findCurves(border.get(), ncurves);
+  const NeighborWalk neighbors(image, imNeighborhood8Clockwise);
+  const imImagePtr order = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  const Array<int> fifo = makeArray<int>(static_cast<std::size_t>(image->npixels));
+  int count = 0;
+  const auto visit = [&](int p) {
+    fifo[count++] = p;
+    order->band[0][p] = count;
+  };
+  int next = 0; // the first in the FIFO whose neighbours have not been looked at
+  for (int i = 0; i < ncurves; ++i) {
+    if (curves[i].start != noCurve.start)
+      visit(curves[i].start);
+    while (next < count)
+      neighbors.each(fifo[next++], [&](int q, int) {
+        if (border->band[0][q] > 0 && order->band[0][q] == 0)
+          visit(q);
+      });
+  }
+  fillRoots(roots, order.get());
 }

@@ -17,3 +17,30 @@
 /// Errors: no image or no band ends the process with status 1 after a line, as does memory that
 /// cannot be had.
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
+
+/// Roots for skeletons: the border of the objects (band 0 > 0), followed along its contours. Of the
+/// border pixels, those with a pixel of value 0 among their neighbours in imNeighborhood4, only the
+/// ones remain that touch the interior in imNeighborhood8: an object without interior has no roots.
+/// What lies outside the image is no background.
+///   roots  out: new arrays with an entry per pixel of the image, of which the first n are the
+///          roots, in the order of following; what the record held before is not released. label is
+///          a root's place in that order, from 1; value is the number of its contour, from 1; extra
+///          is 0. The caller releases them with ifReleaseRoots2.
+/// Each contour is followed as by ifContourFollow(), from its first pixel in raster order; pixels
+/// that following does not reach begin contours of their own.
+/// Returns the shape that was followed, interior and remaining border (type grey, 255 and 0), for
+/// the caller to release. Prints nothing.
+/// Errors: no image or no band ends the process with status 1 after a line, as does memory that
+/// cannot be had.
+imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots);
+
+/// Roots for skeletons: all border pixels of the objects, as above, numbered curve by curve. The
+/// curves are the border's 8-connected components, in raster order of their first pixels. A walk
+/// goes breadth first, in the order of imNeighborhood8Clockwise, from the leftmost pixel of the
+/// curve's middle row (the upper one of two), and the numbers run on from curve to curve.
+///   roots  out: count and new arrays, in raster order, values 0; what the record held before is
+///          not released. The caller owns the arrays.
+/// Rows below 100000 count as row 100000 where a curve begins: one that then has no pixel on its
+/// middle row gets no roots.
+/// Prints "in ifLabelImage\n" on standard output. Errors: as ifSkel2Roots.
+void ifSkel2RootsSplit(const imImage *image, ifRoots *roots);

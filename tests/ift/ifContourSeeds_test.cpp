@@ -1,5 +1,6 @@
 #include "ift/seeds/ifContourSeeds.h"
 
+#include "ift/label/ifContour.h"
 #include "support.h"
 
 namespace {
@@ -35,6 +36,77 @@ TEST(ContourSeeds, BordersAndWhatIsBackground) {
   EXPECT_EQ(rootsOf({{1, 0, 1}}, 1), (Roots{{0, 3}, {2, 6}}));
   EXPECT_EQ(rootsOf({{1, -5}}, 1), Roots{});
   EXPECT_EQ(rootsOf({{1, -5}}, 0), (Roots{{0, 1}}));
+}
+
+// The number of each root's contour, in hundreds, and its label; the shape must be `shape` less the
+// border pixels that are no roots.
+Matrix followed(const Matrix &shape) {
+  const imImagePtr image = makeImage(shape);
+  ifRoots2 roots;
+  const imImagePtr left(ifSkel2Roots(image.get(), &roots));
+  const imImagePtr picture(imCreateImage(1, imTypeAscii, image->ncols, image->nrows));
+  ifRegionsToContours(left.get(), picture.get()); // expected to be exactly the roots
+  int nborder = 0;
+  for (int p = 0; p < picture->npixels; ++p)
+    nborder += picture->band[0][p] == 255;
+  EXPECT_EQ(nborder, roots.n);
+  EXPECT_EQ(left->maxValue, 255);
+  for (int i = 0; i < roots.n; ++i) {
+    EXPECT_EQ(picture->band[0][roots.pixel[i]], 255);
+    picture->band[0][roots.pixel[i]] = 100 * roots.value[i] + roots.label[i] + roots.extra[i];
+  }
+  ifReleaseRoots2(&roots);
+  return bandOf(picture.get());
+}
+
+Matrix numbered(const Matrix &shape) {
+  const imImagePtr image = makeImage(shape);
+  ifRoots roots;
+  testing::internal::CaptureStdout();
+  ifSkel2RootsSplit(image.get(), &roots);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "in ifLabelImage\n");
+  const imImagePtr picture(ifVisualizeRoots(image.get(), &roots));
+  ifReleaseRoots(&roots);
+  return bandOf(picture.get());
+}
+
+TEST(SkeletonSeeds, FollowedWithTheBackgroundOnTheRight) {
+  // A closed walk; a blob cut by the frame, where every pixel that following misses begins a
+  // contour of its own, and whose spur touches the interior.
+  EXPECT_EQ(followed({{0, 0, 0, 0, 0, 0, 0, 0, 0},
+                      {0, 1, 1, 1, 0, 0, 1, 1, 0},
+                      {0, 1, 1, 1, 0, 1, 1, 1, 0},
+                      {0, 1, 1, 1, 0, 1, 1, 1, 1},
+                      {0, 0, 0, 0, 0, 1, 1, 1, 0}}),
+            (Matrix{{0, 0, 0, 0, 0, 0, 0, 0, 0},
+                    {0, 101, 108, 107, 0, 0, 209, 313, 0},
+                    {0, 102, 0, 106, 0, 210, 0, 414, 0},
+                    {0, 103, 104, 105, 0, 211, 0, 0, 515},
+                    {0, 0, 0, 0, 0, 212, 0, 616, 0}}));
+  // the border of a hole; a line and single pixels have no interior
+  EXPECT_EQ(followed({{1, 1, 1, 1, 1}, {1, 1, 1, 1, 1}, {1, 1, 0, 1, 1}, {1, 1, 1, 1, 1}}),
+            (Matrix{{0, 0, 0, 0, 0}, {0, 0, 101, 0, 0}, {0, 104, 0, 102, 0}, {0, 0, 103, 0, 0}}));
+  EXPECT_EQ(followed({{1, 0, 0, 0}, {0, 0, 1, 1}, {0, 0, 0, 0}}), Matrix(3, {0, 0, 0, 0}));
+}
+
+TEST(SkeletonSeeds, NumberedFromTheMiddleRow) {
+  EXPECT_EQ(numbered({{0, 0, 0, 0, 0, 0, 0, 0},
+                      {0, 1, 1, 1, 0, 1, 0, 2},
+                      {0, 1, 1, 1, 0, 1, 0, 0},
+                      {0, 1, 1, 1, 0, 0, 0, 0},
+                      {0, 0, 0, 0, 0, 0, 9, 0}}),
+            (Matrix{{0, 0, 0, 0, 0, 0, 0, 0},
+                    {0, 4, 5, 8, 0, 9, 0, 11},
+                    {0, 1, 0, 7, 0, 10, 0, 0},
+                    {0, 3, 2, 6, 0, 0, 0, 0},
+                    {0, 0, 0, 0, 0, 0, 12, 0}}));
+  EXPECT_EQ(numbered({{1, 1}, {1, 1}}), (Matrix{{0, 0}, {0, 0}}));
+  // The search for a curve's first row begins at 100000: a curve below gets no roots.
+  Matrix column(100007, {0});
+  column[100000] = column[100005] = {1};
+  Matrix expected(100007, {0});
+  expected[100000] = {1};
+  EXPECT_EQ(numbered(column), expected);
 }
 
 } // namespace
