@@ -9,6 +9,7 @@
 #include "ift/core/iftForest.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
+#include "ift/operators/iftFuzzy.h"
 #include "ift/seeds/ifCellSeeds.h"
 #include "ift/seeds/ifContourSeeds.h"
 #include "ift/seeds/ifExtrema.h"
