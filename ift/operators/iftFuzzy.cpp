@@ -61,13 +61,22 @@ struct Links {
     });
   }
   int weight(int p, int q, int) const { return (*linkCost)(p, q); }
+  template <class T>
+  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+    neighbors->prefetch(band, p);
+  }
 };
 
 struct ConnectednessRule {
+  const int *value;
   int *cost;
 
   int costOf(int p) const { return cost[p]; }
-  void prefetch(int) const {}
+  template <class Arcs>
+  [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
+    arcs.prefetch(cost, p);
+    arcs.prefetch(value, p);
+  }
   void finish(int) {}
   int extend(int p, int weight) const { return std::max(cost[p], weight); }
   bool improves(int offered, int q) const { return offered < cost[q]; }
@@ -120,7 +129,7 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
         queue.append(0, entries.make(p, 0));
       }
     const LinkCost linkCost(image, mean[o], sigma[o]);
-    ConnectednessRule rule = {cost};
+    ConnectednessRule rule = {image->band[0], cost};
     propagate(Links{&neighbors, &linkCost, cost}, rule, entries, queue);
     if (o <= 2)
       writeDebugImage(work.get(), o);

@@ -1,0 +1,103 @@
+// Two or more objects by fuzzy connectedness on the micrograph, 8-connected, with the bare copying
+// of the image beside it. The debug images are formatted, but not stored.
+
+#include "bench.h"
+#include "images.h"
+
+#include "ift/operators/iftFuzzy.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+namespace {
+
+// The current directory while it lives: a new one, where the debug images lead nowhere.
+class ScratchFolder {
+public:
+  ScratchFolder() : before_(std::filesystem::current_path()), folder_(name_.path()) {
+    std::filesystem::create_directory(folder_);
+    std::filesystem::current_path(folder_);
+    for (const char *file : {"tmp1.pgm", "tmp2.pgm"})
+      std::filesystem::create_symlink("/dev/null", file);
+  }
+  ~ScratchFolder() {
+    std::filesystem::current_path(before_);
+    std::filesystem::remove_all(folder_);
+  }
+  ScratchFolder(const ScratchFolder &) = delete;
+  ScratchFolder &operator=(const ScratchFolder &) = delete;
+
+private:
+  ScratchFile name_;
+  std::filesystem::path before_;
+  std::filesystem::path folder_;
+};
+
+// A seed every 40 pixels or so, of the object whose mean is nearest. Means are spread evenly over
+// the values of the micrograph.
+struct Problem {
+  imImagePtr image;
+  imImagePtr labels;
+  imImagePtr costs;
+  ifRootsPtr seeds;
+  std::vector<int> mean;
+  std::vector<int> sigma;
+  int nObjects;
+
+  explicit Problem(const benchmark::State &state)
+      : image(benchImage(micrographImage, static_cast<int>(state.range(0)))),
+        labels(imCreateImage(1, imTypeAscii, image->ncols, image->nrows)),
+        costs(imCreateImage(1, imTypeAscii, image->ncols, image->nrows)),
+        seeds(seedforest::detail::createRoots((image->npixels - 1) / spacing + 1)),
+        nObjects(static_cast<int>(state.range(1))) {
+    const int width = 160 / nObjects;
+    for (int o = 0; o <= nObjects; ++o) {
+      mean.push_back(o * width);
+      sigma.push_back(width * width);
+    }
+    for (int i = 0; i < seeds->n; ++i) {
+      seeds->pixel[i] = i * spacing;
+      seeds->label[i] = std::clamp(image->band[0][i * spacing] / width, 1, nObjects);
+    }
+  }
+
+private:
+  static constexpr int spacing = 1601;
+};
+
+void copyImage(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state) {
+    std::copy_n(problem.image->band[0], problem.image->npixels, problem.costs->band[0]);
+    benchmark::ClobberMemory();
+  }
+  reportPerItem(state, "ns/pixel", problem.image->npixels);
+}
+
+void fuzzyObjects(benchmark::State &state) {
+  const ScratchFolder folder;
+  const Problem problem(state);
+  for (auto _ : state)
+    iftFuzzy(problem.image.get(), problem.labels.get(), problem.costs.get(), imNeighborhood8,
+             problem.seeds.get(), problem.mean.data(), problem.sigma.data(), problem.nObjects);
+  reportPerItem(state, "ns/pixel/object", double{1} * problem.image->npixels * problem.nObjects);
+  reportPeakMemory(state, problem.image->npixels);
+}
+
+void linkCosts(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state)
+    imImagePtr(ifFuzzyEdgesWeight(problem.image.get(), imNeighborhood8, 80, 400));
+  reportPerItem(state, "ns/pixel", problem.image->npixels);
+}
+
+void sizesAndObjects(benchmark::internal::Benchmark *b) {
+  b->ArgNames({"side", "objects"})->ArgsProduct({{1024, 4096}, {2, 8}});
+  b->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(copyImage)->Apply(sizesAndObjects);
+BENCHMARK(fuzzyObjects)->Apply(sizesAndObjects);
+BENCHMARK(linkCosts)->Apply(sizesAndObjects);
+
+} // namespace
