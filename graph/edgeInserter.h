@@ -1,0 +1,47 @@
+// Inserting many edges: the same lists as by insertEdge() and insertDirectedEdge(), in a time that
+// does not depend on their length.
+#pragma once
+
+#include "base/buffer.h"
+#include "graph/graph.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace seedforest::detail {
+
+/// A set of ordered pairs of numbers >= 0: a hash table with linear probing.
+class PairSet {
+public:
+  /// Adds a pair; false where it is there already.
+  bool insert(int a, int b);
+  bool contains(int a, int b) const;
+
+private:
+  void grow();
+  std::size_t findSlot(std::uint64_t key) const;
+
+  Array<std::uint64_t> slots_; // 0 where free
+  std::size_t capacity_ = 0;   // a power of two, or 0
+  std::size_t size_ = 0;
+};
+
+/// Inserts edges into a graph that has none yet and that nobody else changes meanwhile. A vertex
+/// outside the graph ends the process with status 1 after a line that names the operation.
+class EdgeInserter {
+public:
+  EdgeInserter(const char *operation, ifGraph *graph) : operation_(operation), graph_(graph) {}
+
+  /// As insertDirectedEdge(); false where the edge is there already.
+  bool insertDirected(int a, int b, int weight);
+
+  /// As insertEdge().
+  void insert(int a, int b, int weight);
+
+private:
+  const char *operation_;
+  ifGraph *graph_;
+  PairSet known_;
+};
+
+} // namespace seedforest::detail

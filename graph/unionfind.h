@@ -1,0 +1,71 @@
+// Disjoint sets over the integers 0 .. n - 1: union by rank with path compression (Tarjan), with a
+// block of integers for each element and a callback that keeps sums over the sets up to date.
+//
+//   ufStartUnionFind(&uf, n, dataSize);
+//   uf.merge = addAreas; // optional, as is filling in the data
+//   const int a = ufFindSet(&uf, i), b = ufFindSet(&uf, j);
+//   if (a != b)
+//     ufLink(&uf, a, b);
+//   ufReleaseUnionFind(&uf);
+//
+// An element outside 0 .. n - 1, a parent outside it, or parents that lead in a circle end the
+// process with status 1 after a line.
+#pragma once
+
+struct ufElement {
+  int parent; ///< the element itself where it represents its set
+  int rank;   ///< bounds the height of the tree below
+  int *data;  ///< dataSize integers; null when there are none
+};
+
+/// Folds the data of set b into the data of set a, after b was put under a. The result is not used.
+using ufMergeFn = int (*)(ufElement *elems, int a, int b);
+
+struct ufUnionFind {
+  ufElement *elems;
+  int n;
+  int dataSize;
+  ufMergeFn merge; ///< called once for each link, or null
+};
+
+/// Makes n sets of one element each (n may be 0), rank 0, data 0, no callback. What the record held
+/// before is not released.
+/// Errors, on standard error, then status 1: "Union/find was not allocated before ufStartUnionFind
+/// \n\n" without a record, "Could not allocate structure for union/find [%d elements]\n\n" (n).
+void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize);
+
+/// Frees the elements and their data. The fields stay as they are.
+void ufReleaseUnionFind(ufUnionFind *uf);
+
+/// Joins the sets of two representatives that differ; neither is checked. x goes under y unless its
+/// rank is higher, so with equal ranks y represents both, and its rank grows by 1 after the merge.
+void ufLink(ufUnionFind *uf, int x, int y);
+
+/// The representative of x's set. Every element on the way to it becomes its child.
+int ufFindSet(ufUnionFind *uf, int x);
+
+namespace seedforest::detail {
+
+/// Disjoint sets that release themselves.
+class DisjointSets {
+public:
+  explicit DisjointSets(int n) { ufStartUnionFind(&uf_, n, 0); }
+  ~DisjointSets() { ufReleaseUnionFind(&uf_); }
+  DisjointSets(const DisjointSets &) = delete;
+  DisjointSets &operator=(const DisjointSets &) = delete;
+
+  int find(int x) { return ufFindSet(&uf_, x); }
+
+  /// Links the set of x with the set of y, in this order, where they differ.
+  void join(int x, int y) {
+    const int a = find(x);
+    const int b = find(y);
+    if (a != b)
+      ufLink(&uf_, a, b);
+  }
+
+private:
+  ufUnionFind uf_;
+};
+
+} // namespace seedforest::detail

@@ -1,0 +1,38 @@
+// Graphs that a person can write down and read.
+#pragma once
+
+#include "graph/graph.h"
+#include "support.h"
+
+struct Edge {
+  int a;
+  int b;
+  int weight;
+};
+
+struct Arc {
+  int target;
+  int weight;
+  bool operator==(const Arc &) const = default;
+};
+using Lists = std::vector<std::vector<Arc>>;
+
+/// A graph with the vertices 0 .. n, and the edges inserted in order.
+inline ifGraphPtr makeGraph(int n, const std::vector<Edge> &edges) {
+  ifGraphPtr graph(allocateGraph(n, 0));
+  for (const Edge &edge : edges)
+    insertEdge(graph.get(), edge.a, edge.b, edge.weight);
+  return graph;
+}
+
+/// The lists of all vertices, from the heads.
+inline Lists listsOf(const ifGraph *graph) {
+  Lists lists;
+  for (int v = 0; v < graph->nVertices; ++v) {
+    std::vector<Arc> &list = lists.emplace_back();
+    for (const ifEdge *edge = graph->vertices[v].edges; edge != nullptr; edge = edge->next)
+      list.push_back({edge->target, edge->weight});
+    EXPECT_EQ(graph->vertices[v].nEdges, static_cast<int>(list.size()));
+  }
+  return lists;
+}
