@@ -1,5 +1,6 @@
 #include "graph/edgeInserter.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace seedforest::detail {
@@ -52,18 +53,24 @@ bool PairSet::contains(int a, int b) const {
   return capacity_ != 0 && slots_[findSlot(keyOf(a, b))] != 0;
 }
 
-bool EdgeInserter::insertDirected(int a, int b, int weight) {
+void EdgeInserter::requireVertices(int a, int b) const {
   requireVertex(operation_, graph_, a);
   requireVertex(operation_, graph_, b);
-  if (!known_.insert(a, b))
-    return false;
-  prependEdge(&graph_->vertices[a], b, weight);
-  return true;
 }
 
 void EdgeInserter::insert(int a, int b, int weight) {
-  insertDirected(a, b, weight);
-  insertDirected(b, a, weight);
+  requireVertices(a, b);
+  if (!known_.insert(std::min(a, b), std::max(a, b))) // then both lists have it
+    return;
+  prependEdge(&graph_->vertices[a], b, weight);
+  if (a != b)
+    prependEdge(&graph_->vertices[b], a, weight);
+}
+
+void EdgeInserter::insertDirected(int a, int b, int weight) {
+  requireVertices(a, b);
+  if (known_.insert(a, b))
+    prependEdge(&graph_->vertices[a], b, weight);
 }
 
 } // namespace seedforest::detail

@@ -26,19 +26,22 @@ private:
   std::size_t size_ = 0;
 };
 
-/// Inserts edges into a graph that has none yet and that nobody else changes meanwhile. A vertex
-/// outside the graph ends the process with status 1 after a line that names the operation.
+/// Inserts edges into a graph that has none yet and that nobody else changes meanwhile: undirected
+/// ones or directed ones, not both. A vertex outside the graph ends the process with status 1 after
+/// a line that names the operation.
 class EdgeInserter {
 public:
   EdgeInserter(const char *operation, ifGraph *graph) : operation_(operation), graph_(graph) {}
 
-  /// As insertDirectedEdge(); false where the edge is there already.
-  bool insertDirected(int a, int b, int weight);
-
   /// As insertEdge().
   void insert(int a, int b, int weight);
 
+  /// As insertDirectedEdge().
+  void insertDirected(int a, int b, int weight);
+
 private:
+  void requireVertices(int a, int b) const;
+
   const char *operation_;
   ifGraph *graph_;
   PairSet known_;

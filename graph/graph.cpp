@@ -26,8 +26,12 @@ ifEdge **findLink(ifVertex *list, int target) {
   return link;
 }
 
-int *tryMakeData(int dataSize) {
-  return static_cast<int *>(tryAllocateZeroed(static_cast<std::size_t>(dataSize), sizeof(int)));
+// The integers of a vertex, none where there are to be none; false where they cannot be had.
+bool tryMakeData(ifVertex &vertex, int dataSize) {
+  if (dataSize > 0)
+    vertex.data =
+        static_cast<int *>(tryAllocateZeroed(static_cast<std::size_t>(dataSize), sizeof(int)));
+  return dataSize == 0 || vertex.data != nullptr;
 }
 
 // A graph with `least` vertices or as many as the labels need, and a copy of the label image.
@@ -60,19 +64,7 @@ ifGraph *copyBaseGraph(ifGraph *graph, int dataSize) {
                         : tryMakeRegionGraph(graph->labelImage, n, dataSize);
   if (copy == nullptr)
     return nullptr;
-  // The last vertex, plus 1, that was found to have an edge to each target.
-  const Array<int> seen = makeZeroedArray<int>(static_cast<std::size_t>(n));
-  for (int v = 0; v < n; ++v) {
-    ifVertex &list = graph->vertices[v];
-    list.cursor = list.edges;
-    while (const ifEdge *edge = listGetAndWalk(&list)) {
-      requireVertex("copyBaseGraph", graph, edge->target);
-      if (seen[edge->target] == v + 1)
-        continue;
-      seen[edge->target] = v + 1;
-      prependEdge(&copy->vertices[v], edge->target, edge->weight);
-    }
-  }
+  copyEdges("copyBaseGraph", graph, copy.get());
   return copy.release();
 }
 
@@ -123,8 +115,8 @@ void removeDirectedEdge(ifGraph *graph, int a, int b) {
 
 ifVertex *createList(int dataSize) {
   auto *list = static_cast<ifVertex *>(allocateZeroed(1, sizeof(ifVertex)));
-  if (dataSize != 0)
-    list->data = allocateInts(static_cast<std::size_t>(dataSize));
+  if (!tryMakeData(*list, dataSize))
+    outOfMemory();
   return list;
 }
 
@@ -196,10 +188,8 @@ ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataS
     graph->nVertices = static_cast<int>(nVertices);
     graph->dataSize = dataSize;
   }
-  for (int v = 0; made && dataSize != 0 && v < nVertices; ++v) {
-    graph->vertices[v].data = tryMakeData(dataSize);
-    made = graph->vertices[v].data != nullptr;
-  }
+  for (int v = 0; made && dataSize != 0 && v < nVertices; ++v)
+    made = tryMakeData(graph->vertices[v], dataSize);
   if (made)
     return graph;
   complain("in %s: could not allocate memory\n", operation);
@@ -220,6 +210,22 @@ ifEdge *prependEdge(ifVertex *list, int target, int weight) {
   list->edges = edge;
   ++list->nEdges;
   return edge;
+}
+
+void copyEdges(const char *operation, ifGraph *from, ifGraph *to) {
+  // The last vertex, plus 1, that was found to have an edge to each target.
+  const Array<int> seen = makeZeroedArray<int>(static_cast<std::size_t>(from->nVertices));
+  for (int v = 0; v < from->nVertices; ++v) {
+    ifVertex &list = from->vertices[v];
+    list.cursor = list.edges;
+    while (const ifEdge *edge = listGetAndWalk(&list)) {
+      requireVertex(operation, from, edge->target);
+      if (seen[edge->target] == v + 1)
+        continue;
+      seen[edge->target] = v + 1;
+      prependEdge(&to->vertices[v], edge->target, edge->weight);
+    }
+  }
 }
 
 void requireGraph(const char *operation, const ifGraph *graph) {

@@ -112,6 +112,10 @@ ifGraphPtr requireMade(ifGraph *graph);
 /// Puts an edge at the head of a list, whatever the list holds.
 ifEdge *prependEdge(ifVertex *list, int target, int weight);
 
+/// Gives a graph without edges, of no fewer vertices, the edges of another, as copyBaseGraph()
+/// does.
+void copyEdges(const char *operation, ifGraph *from, ifGraph *to);
+
 /// End the process with status 1 after a line that names the operation, unless the graph is there,
 /// v is one of its vertices, every vertex has at least `count` integers of data, or the label image
 /// is there and all its labels are vertices.

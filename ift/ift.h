@@ -10,6 +10,8 @@
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/operators/iftFuzzy.h"
+#include "ift/regions/ifRegionGraph.h"
+#include "ift/regions/iftSpanning.h"
 #include "ift/seeds/ifCellSeeds.h"
 #include "ift/seeds/ifContourSeeds.h"
 #include "ift/seeds/ifExtrema.h"

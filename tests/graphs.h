@@ -4,6 +4,8 @@
 #include "graph/graph.h"
 #include "support.h"
 
+#include <numeric>
+
 struct Edge {
   int a;
   int b;
@@ -17,9 +19,12 @@ struct Arc {
 };
 using Lists = std::vector<std::vector<Arc>>;
 
-/// A graph with the vertices 0 .. n, and the edges inserted in order.
-inline ifGraphPtr makeGraph(int n, const std::vector<Edge> &edges) {
-  ifGraphPtr graph(allocateGraph(n, 0));
+/// A graph with the vertices 0 .. n, and the edges inserted in order. Its label image is the row
+/// 0 .. n.
+inline ifGraphPtr makeGraph(int n, const std::vector<Edge> &edges, int dataSize = 0) {
+  std::vector<int> labels(n + 1);
+  std::iota(labels.begin(), labels.end(), 0);
+  ifGraphPtr graph(createGraph(makeImage({labels}).get(), dataSize));
   for (const Edge &edge : edges)
     insertEdge(graph.get(), edge.a, edge.b, edge.weight);
   return graph;

@@ -19,8 +19,7 @@ int ifEuclideanDistance(const imImage *image, int p, int q) {
   std::uint64_t sum = 0;
   for (int b = 0; b < image->nbands; ++b)
     sum = addSaturating(sum, squaredDifference(image->band[b][p], image->band[b][q]));
-  const std::uint64_t mean = sum / static_cast<std::uint64_t>(image->nbands);
-  return truncate(std::sqrt(static_cast<double>(mean)));
+  return rootOfMean(sum, image->nbands);
 }
 
 int ifMaxDistance(const imImage *image, int p, int q) {
@@ -34,3 +33,12 @@ int ifChanferDistance(const imImage *image, int p, int q) {
   const int ncols = image->ncols;
   return p % ncols == q % ncols || p / ncols == q / ncols ? 12 : 17;
 }
+
+namespace seedforest::detail {
+
+int rootOfMean(std::uint64_t sum, int count) {
+  const std::uint64_t mean = sum / static_cast<std::uint64_t>(count);
+  return truncate(std::sqrt(static_cast<double>(mean)));
+}
+
+} // namespace seedforest::detail

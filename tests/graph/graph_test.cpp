@@ -82,16 +82,17 @@ TEST(Graph, CopiesInReverseAndOwnsItsLabels) {
 
 TEST(Graph, ManyEdgesAsIfInsertedOneByOne) {
   std::mt19937 random(3);
-  for (int n : {0, 1, 7, 40}) {
+  for (int round = 0; round < 8; ++round) {
+    const int n = round * round;
+    const bool directed = round % 2 == 0;
     const ifGraphPtr literal(allocateGraph(n, 0));
     const ifGraphPtr fast(allocateGraph(n, 0));
     EdgeInserter inserter("test", fast.get());
     for (int i = 0; i < 600; ++i) {
       const int a = static_cast<int>(random() % (n + 1));
       const int b = static_cast<int>(random() % (n + 1));
-      const bool directed = random() % 4 == 0;
       (directed ? insertDirectedEdge : insertEdge)(literal.get(), a, b, i);
-      directed ? void(inserter.insertDirected(a, b, i)) : inserter.insert(a, b, i);
+      directed ? inserter.insertDirected(a, b, i) : inserter.insert(a, b, i);
     }
     EXPECT_EQ(listsOf(fast.get()), listsOf(literal.get()));
   }

@@ -1,0 +1,150 @@
+#include "ift/regions/iftSpanning.h"
+
+#include "base/arith.h"
+#include "base/buffer.h"
+#include "base/report.h"
+#include "graph/edgeInserter.h"
+#include "graph/unionfind.h"
+#include "ift/label/ifLabel.h"
+#include "ift/regions/ifRegionGraph.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+using namespace seedforest::detail;
+
+namespace {
+
+// A vertex's integers in a spanning tree of regions.
+enum TreeData { treeCost = 1, treePredecessor, treeDataSize };
+
+struct TreeEdge {
+  int smaller;
+  int larger;
+  int weight;
+};
+
+// The edges, each at its smaller end, heaviest first, those of one weight in the order of the walk.
+Array<TreeEdge> edgesByFallingWeight(const char *operation, const ifGraph *tree, std::size_t &n) {
+  n = 0;
+  forEachEdge(operation, tree, [&](int v, const ifEdge &edge) { n += v < edge.target ? 1 : 0; });
+  Array<TreeEdge> edges = makeArray<TreeEdge>(n);
+  TreeEdge *at = edges.get();
+  forEachEdge(operation, tree, [&](int v, const ifEdge &edge) {
+    if (v < edge.target)
+      *at++ = {v, edge.target, edge.weight};
+  });
+  std::stable_sort(edges.get(), edges.get() + n,
+                   [](const TreeEdge &a, const TreeEdge &b) { return a.weight > b.weight; });
+  return edges;
+}
+
+// The graph of the parts into which a tree's vertices have been joined, with their label image and
+// at least `least` vertices beside vertex 0.
+ifGraphPtr makePartGraph(const char *operation, const ifGraph *tree, DisjointSets &sets,
+                         std::int64_t least) {
+  const int n = tree->nVertices;
+  const Array<int> part = makeZeroedArray<int>(static_cast<std::size_t>(n));
+  int nParts = 0;
+  for (int v = 1; v < n; ++v)
+    if (sets.find(v) == v)
+      part[v] = ++nParts;
+  for (int v = 1; v < n; ++v)
+    part[v] = part[sets.find(v)];
+  const int last = saturate(std::max<std::int64_t>(least, nParts));
+  ifGraphPtr graph = requireMade(allocateGraph(last, 0));
+  EdgeInserter edges(operation, graph.get());
+  forEachEdge(operation, tree, [&](int v, const ifEdge &edge) {
+    const int a = sets.find(v);
+    const int b = sets.find(edge.target);
+    if (a < b)
+      edges.insert(part[a], part[b], 0);
+  });
+  imImagePtr labels = createImage(1, imTypeAscii, tree->labelImage->ncols, tree->labelImage->nrows);
+  mapLabels(tree->labelImage, part.get(), labels.get());
+  labels->maxValue = last;
+  setLabelImage(graph.get(), labels.release());
+  return graph;
+}
+
+} // namespace
+
+void ifMstThreshold(const imImage *forest, imImage *output, double fraction) {
+  requireBands("ifMstThreshold", forest, 2);
+  requireBands("ifMstThreshold", output, 1);
+  requireSameSize("ifMstThreshold", forest, output);
+  const int *cost = forest->band[forest->nbands - 2];
+  const int *predecessor = forest->band[forest->nbands - 1];
+  const int n = forest->npixels;
+  if (!allWithin(predecessor, n, 0, n - 1))
+    fatal("ifMstThreshold: predecessors outside the image\n");
+  const int threshold = truncate(std::rint(fraction * largestValue(forest, forest->nbands - 2)));
+  DisjointSets sets(n);
+  for (int p = 0; p < n; ++p)
+    if (predecessor[p] != p && cost[p] <= threshold)
+      sets.join(p, predecessor[p]);
+  for (int p = 0; p < n; ++p)
+    output->band[0][p] = sets.find(p);
+  output->maxValue = largestValue(output, 0);
+}
+
+ifGraph *ifThresholdGraph(ifGraph *tree, double fraction) {
+  requireData("ifThresholdGraph", tree, treeDataSize);
+  requireRegions("ifThresholdGraph", tree);
+  const int n = tree->nVertices;
+  ifGraphPtr graph = requireMade(createGraph(tree->labelImage, 0));
+  const int threshold = truncate(fraction * 1000.0);
+  progress("threshold is %d\n", threshold);
+  DisjointSets sets(n);
+  EdgeInserter edges("ifThresholdGraph", graph.get());
+  for (int v = 1; v < n; ++v) {
+    const int cost = tree->vertices[v].data[treeCost];
+    const int predecessor = tree->vertices[v].data[treePredecessor];
+    if (predecessor == v || cost > threshold)
+      continue;
+    edges.insert(v, predecessor, cost);
+    sets.join(v, predecessor);
+  }
+  const Array<int> representative = makeArray<int>(static_cast<std::size_t>(n));
+  for (int v = 0; v < n; ++v)
+    representative[v] = sets.find(v);
+  mapLabels(graph->labelImage, representative.get(), graph->labelImage);
+  ifCorrectLabels(graph->labelImage);
+  return graph.release();
+}
+
+ifGraph *ifThresholdMST(ifGraph *tree, int threshold) {
+  requireRegions("ifThresholdMST", tree);
+  DisjointSets sets(tree->nVertices);
+  std::int64_t nParts = 1;
+  forEachEdge("ifThresholdMST", tree, [&](int v, const ifEdge &edge) {
+    if (edge.weight <= threshold)
+      sets.join(v, edge.target);
+    else if (v < edge.target)
+      ++nParts;
+  });
+  progress("there will be %d regions\n", saturate(nParts));
+  return makePartGraph("ifThresholdMST", tree, sets, nParts).release();
+}
+
+ifGraph *ifThresholdMST_nRegions(ifGraph *tree, int n) {
+  constexpr const char *operation = "ifThresholdMST_nRegions";
+  requireRegions(operation, tree);
+  std::size_t nEdges;
+  const Array<TreeEdge> edges = edgesByFallingWeight(operation, tree, nEdges);
+  const std::size_t nCuts = std::min(nEdges, static_cast<std::size_t>(std::max(n, 1)) - 1);
+  PairSet cuts;
+  for (std::size_t i = 0; i < nCuts; ++i)
+    cuts.insert(edges[i].smaller, edges[i].larger);
+  // Lists are walked from the oldest edge to the youngest here: the walk follows a copy.
+  const ifGraphPtr copy = requireMade(tryMakeGraph("createGraph", tree->nVertices, 0).release());
+  copyEdges(operation, tree, copy.get());
+  DisjointSets sets(tree->nVertices);
+  forEachEdge(operation, copy.get(), [&](int v, const ifEdge &edge) {
+    if (!cuts.contains(std::min(v, edge.target), std::max(v, edge.target)))
+      sets.join(v, edge.target);
+  });
+  return makePartGraph(operation, tree, sets, n).release();
+}

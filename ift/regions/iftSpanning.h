@@ -1,0 +1,43 @@
+// Coarser partitions by cutting spanning trees, of pixels and of regions. For graphs, the rules of
+// ift/regions/ifRegionGraph.h hold.
+//
+// Sets are joined edge by edge with a union-find by rank, from vertex 1 upward, each list from its
+// head; the representative of a set, and with it the order of numbers, follows from this order.
+// Forests are welcome: each tree that is not cut is a part of its own.
+#pragma once
+
+#include "graph/graph.h"
+
+/// Cuts a spanning forest of pixels at the weights above a fraction of the largest one.
+///   forest    the last two bands: each pixel's weight to its predecessor, and the predecessor, the
+///             pixel itself at a root. An unreached pixel's infinite weight counts like any other
+///   output    out: band 0, each pixel's label, the index of a pixel that represents its part;
+///             maxValue becomes the largest
+///   fraction  of the largest weight, at least 0; rounded, half to even, to the highest weight that
+///             stays
+/// Errors: an image without the bands, another size, or a predecessor outside the image ends the
+/// process with status 1 after a line.
+void ifMstThreshold(const imImage *forest, imImage *output, double fraction);
+
+/// Cuts a tree of regions at the weights above `fraction` times 1000, truncated.
+///   tree      three integers on each vertex, of which the second is the weight to the predecessor
+///             and the third the predecessor, the vertex itself at a root; a label image
+///   result    the vertices of createGraph() on that image, without data, and the edges that stay;
+///             its label image holds the parts, renumbered by ifCorrectLabels(), label 0 included
+/// Prints "threshold is %d\n" on standard output.
+ifGraph *ifThresholdGraph(ifGraph *tree, double fraction);
+
+/// Cuts a tree of regions at the weights above the threshold.
+///   tree      edge lists with weights, and a label image
+///   result    a vertex for each part, numbered from 1 in the order of their representatives,
+///             without data, an edge of weight 0 for each one cut, and the label image of the
+///             parts, type ASCII, maxValue their number; label 0 stays 0
+/// Prints "there will be %d regions\n" on standard output: the number of edges cut, plus 1. A
+/// forest of several trees has more parts than that.
+ifGraph *ifThresholdMST(ifGraph *tree, int threshold);
+
+/// The same with n parts: cuts the n - 1 heaviest edges, or all; of equal ones those that a walk
+/// from vertex 1 meets first, each at its smaller end. The graph has the vertices 0 .. n, and
+/// maxValue is n, or the number of parts where there are more. Leaves the tree's cursors at the
+/// ends of the lists. Prints nothing.
+ifGraph *ifThresholdMST_nRegions(ifGraph *tree, int n);

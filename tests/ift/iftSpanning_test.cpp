@@ -1,0 +1,161 @@
+#include "ift/regions/iftSpanning.h"
+
+#include "graph/unionfind.h"
+#include "graphs.h"
+
+#include <algorithm>
+
+using namespace seedforest::detail;
+
+namespace {
+
+// The parts of the label row 0 .. n, and the new graph's lists, without weights, which are 0.
+struct Parts {
+  explicit Parts(const ifGraphPtr &graph) : of(bandOf(graph->labelImage)[0]) {
+    for (const auto &list : listsOf(graph.get())) {
+      lists.emplace_back();
+      for (const Arc &arc : list)
+        lists.back().push_back(arc.target);
+    }
+    EXPECT_EQ(graph->labelImage->type, imTypeAscii);
+    EXPECT_EQ(graph->labelImage->maxValue, graph->nVertices - 1);
+  }
+  std::vector<int> of;
+  Matrix lists;
+};
+
+TEST(Cuts, AtAThreshold) {
+  const std::vector<Edge> tree = {{3, 5, 1}, {2, 5, 1}, {4, 3, 9}, {1, 3, 1}};
+  const std::vector<Edge> forest = {{1, 2, 5}, {4, 5, 6}, {5, 6, 7}}; // vertex 3 alone
+  const struct {
+    const char *what;
+    std::vector<Edge> edges;
+    int threshold;
+    int printed;
+    std::vector<int> parts;
+    Matrix lists;
+  } cases[] = {
+      {"two parts", tree, 5, 2, {0, 2, 2, 2, 1, 2}, {{}, {2}, {1}}},
+      {"at the largest weight", tree, 9, 1, {0, 1, 1, 1, 1, 1}, {{}, {}}},
+      {"below all", tree, 0, 5, {0, 1, 2, 3, 4, 5}, {{}, {3}, {5}, {5, 4, 1}, {3}, {3, 2}}},
+      {"more parts than counted", forest, 6, 2, {0, 1, 1, 2, 3, 3, 4}, {{}, {}, {}, {4}, {3}}},
+      {"vertex 0 joins, its pixels do not",
+       {{0, 2, 1}, {1, 2, 9}},
+       1,
+       2,
+       {0, 1, 0},
+       {{1}, {0}, {}}},
+      {"no edge", {}, 0, 1, {0, 1}, {{}, {}}},
+      {"no region", {}, 0, 1, {0}, {{}, {}}},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
+    const ifGraphPtr graph = makeGraph(static_cast<int>(c.parts.size()) - 1, c.edges);
+    testing::internal::CaptureStdout();
+    const Parts parts(ifGraphPtr(ifThresholdMST(graph.get(), c.threshold)));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "there will be " + std::to_string(c.printed) + " regions\n");
+    EXPECT_EQ(parts.of, c.parts);
+    EXPECT_EQ(parts.lists, c.lists);
+  }
+}
+
+// The parts by taking edges out of a copy one by one.
+std::vector<int> literalParts(ifGraph *tree, int n) {
+  std::vector<Edge> edges;
+  const ifGraphPtr copy(copyBaseGraph(tree, 0));
+  for (int v = 1; v < tree->nVertices; ++v)
+    for (const ifEdge *edge = tree->vertices[v].edges; edge != nullptr; edge = edge->next)
+      if (v < edge->target)
+        edges.push_back({v, edge->target, edge->weight});
+  std::stable_sort(edges.begin(), edges.end(),
+                   [](const Edge &a, const Edge &b) { return a.weight > b.weight; });
+  for (int i = 0; i < n - 1 && i < static_cast<int>(edges.size()); ++i)
+    removeEdge(copy.get(), edges[i].a, edges[i].b);
+  DisjointSets sets(tree->nVertices);
+  for (int v = 1; v < copy->nVertices; ++v)
+    for (const ifEdge *edge = copy->vertices[v].edges; edge != nullptr; edge = edge->next)
+      sets.join(v, edge->target);
+  std::vector<int> number(tree->nVertices);
+  int nParts = 0;
+  for (int v = 1; v < tree->nVertices; ++v)
+    if (sets.find(v) == v)
+      number[v] = ++nParts;
+  std::vector<int> parts = {0};
+  for (int v = 1; v < tree->nVertices; ++v)
+    parts.push_back(number[sets.find(v)]);
+  return parts;
+}
+
+TEST(Cuts, IntoRegions) {
+  std::mt19937 random(2);
+  for (int round = 0; round < 300; ++round) {
+    const int nVertices = 1 + static_cast<int>(random() % 12);
+    std::vector<Edge> edges; // a tree, mostly, with weights of either sign that repeat
+    for (int v = 2; v <= nVertices; ++v)
+      if (random() % 9 != 0)
+        edges.push_back({v, 1 + int(random() % (v - 1)), int(random() % 5) - 2});
+    std::shuffle(edges.begin(), edges.end(), random);
+    const ifGraphPtr tree = makeGraph(nVertices, edges);
+    for (const int n : {-2147483647, 1, 2, 3, nVertices + 2}) {
+      const ifGraphPtr cut(ifThresholdMST_nRegions(tree.get(), n));
+      const Parts parts(cut);
+      EXPECT_EQ(parts.of, literalParts(tree.get(), n));
+      EXPECT_EQ(cut->nVertices,
+                1 + std::max(n, *std::max_element(parts.of.begin(), parts.of.end())));
+    }
+  }
+  const ifGraphPtr path = makeGraph(4, {{1, 2, 7}, {2, 3, 8}, {3, 4, 7}});
+  EXPECT_EQ(Parts(ifGraphPtr(ifThresholdMST_nRegions(path.get(), 3))).of,
+            (std::vector<int>{0, 1, 2, 3, 3})); // of the two 7s, vertex 1 meets its own first
+}
+
+TEST(Cuts, OfATreeInPredecessors) {
+  // Vertex 1 is the root, 5 and 0 are not reached.
+  const ifGraphPtr tree = makeGraph(5, {}, 3);
+  const int costAndPredecessor[][2] = {{0, 0}, {0, 1}, {400, 1}, {401, 2}, {400, 3}, {9, 5}};
+  for (int v = 0; v <= 5; ++v)
+    std::copy_n(costAndPredecessor[v], 2, tree->vertices[v].data + 1);
+  setLabelImage(tree.get(), makeImage({{5, 0, 2}, {1, 4, 3}}).release());
+  testing::internal::CaptureStdout();
+  const ifGraphPtr cut(ifThresholdGraph(tree.get(), 0.4009));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "threshold is 400\n");
+  EXPECT_EQ(bandOf(cut->labelImage), (Matrix{{1, 2, 3}, {3, 4, 4}}));
+  EXPECT_EQ(cut->labelImage->maxValue, 4);
+  EXPECT_EQ(listsOf(cut.get()), (Lists{{}, {{2, 400}}, {{1, 400}}, {{4, 400}}, {{3, 400}}, {}}));
+}
+
+TEST(Cuts, OfAForestOfPixels) {
+  const imImagePtr forest(imCreateImage(2, imTypeWork, 6, 1));
+  const Matrix bands = {{0, 5, 10, 3, 2, 10}, {0, 0, 1, 2, 3, 5}};
+  for (int b = 0; b < 2; ++b)
+    std::copy(bands[b].begin(), bands[b].end(), forest->band[b]);
+  const struct {
+    double fraction;
+    std::vector<int> parts;
+  } cases[] = {
+      {0.0, {0, 1, 2, 3, 4, 5}},  {0.25, {0, 1, 2, 3, 3, 5}}, // 2.5 goes to 2
+      {0.35, {0, 1, 2, 2, 2, 5}},                             // 3.5 goes to 4
+      {0.5, {0, 0, 2, 2, 2, 5}},  {1e300, {0, 0, 0, 0, 0, 5}},
+  };
+  for (const auto &c : cases) {
+    const imImagePtr parts(imCreateImage(1, imTypeAscii, 6, 1));
+    ifMstThreshold(forest.get(), parts.get(), c.fraction);
+    EXPECT_EQ(bandOf(parts.get())[0], c.parts);
+    EXPECT_EQ(parts->maxValue, 5);
+  }
+}
+
+TEST(CutsDeathTest, WhatIsMissingEndsWithALine) {
+  const auto dies = testing::ExitedWithCode(1);
+  const ifGraphPtr graph = makeGraph(2, {{1, 2, 3}});
+  EXPECT_EXIT(ifThresholdGraph(graph.get(), 1), dies, "ifThresholdGraph");
+  graph->labelImage->band[0][0] = 3;
+  EXPECT_EXIT(ifThresholdMST(graph.get(), 1), dies, "ifThresholdMST");
+  setLabelImage(graph.get(), nullptr);
+  EXPECT_EXIT(ifThresholdMST_nRegions(graph.get(), 1), dies, "ifThresholdMST_nRegions");
+  const imImagePtr forest = makeImage({{0, 2}});
+  EXPECT_EXIT(ifMstThreshold(forest.get(), forest.get(), 1), dies, "ifMstThreshold");
+}
+
+} // namespace
