@@ -58,10 +58,7 @@ ifGraph *allocateGraph(int n, int dataSize) {
 
 ifGraph *copyBaseGraph(ifGraph *graph, int dataSize) {
   requireGraph("copyBaseGraph", graph);
-  const int n = graph->nVertices;
-  ifGraphPtr copy = graph->labelImage == nullptr
-                        ? tryMakeGraph("createGraph", n, dataSize)
-                        : tryMakeRegionGraph(graph->labelImage, n, dataSize);
+  ifGraphPtr copy = tryMakeAlike(graph, dataSize);
   if (copy == nullptr)
     return nullptr;
   copyEdges("copyBaseGraph", graph, copy.get());
@@ -194,6 +191,12 @@ ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataS
     return graph;
   complain("in %s: could not allocate memory\n", operation);
   return nullptr;
+}
+
+ifGraphPtr tryMakeAlike(const ifGraph *graph, int dataSize) {
+  const int n = graph->nVertices;
+  return graph->labelImage == nullptr ? tryMakeGraph("createGraph", n, dataSize)
+                                      : tryMakeRegionGraph(graph->labelImage, n, dataSize);
 }
 
 ifGraphPtr requireMade(ifGraph *graph) {

@@ -105,6 +105,9 @@ namespace seedforest::detail {
 /// A graph of nVertices vertices without a label image or, after the line of `operation`, none.
 ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataSize);
 
+/// What copyBaseGraph() makes before it copies the edges.
+ifGraphPtr tryMakeAlike(const ifGraph *graph, int dataSize);
+
 /// Takes over a graph that an operation cannot go on without: ends the process with status 1 where
 /// it could not be made, which has been said.
 ifGraphPtr requireMade(ifGraph *graph);

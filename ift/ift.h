@@ -9,6 +9,7 @@
 #include "ift/core/iftForest.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
+#include "ift/operators/ifSkeleton.h"
 #include "ift/operators/iftFuzzy.h"
 #include "ift/regions/ifRegionGraph.h"
 #include "ift/regions/iftSpanning.h"

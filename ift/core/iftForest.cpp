@@ -12,13 +12,6 @@ using namespace seedforest::detail;
 
 namespace {
 
-// A weight as a function of the pixels alone.
-struct CalledWeight {
-  const imImage *image;
-  ifArcWeightFn function;
-  int operator()(int p, int q) const { return function(image, p, q); }
-};
-
 // The part of a call that all transforms share.
 struct Task {
   const char *operation;
@@ -65,22 +58,6 @@ void growForest(const Task &task, const Arcs &arcs, const ifRoots *seeds) {
   grow(arcs, rule, task.input->npixels, *seeds);
 }
 
-using FunctionArcs = AdjacencyArcs<CalledWeight>;
-
-FunctionArcs functionArcs(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
-  if (arcWeight == ifWatershedMetric)
-    requireBands(task.operation, task.input, 1);
-  return {{NeighborWalk(task.input, adjacency)}, {task.input, arcWeight}};
-}
-
-WeightImageArcs weightImageArcs(const Task &task, const imImage *weights) {
-  requireBands(task.operation, weights, 0);
-  requireSameSize(task.operation, task.input, weights);
-  if (weights->adj == nullptr || weights->nAdj < 0 || weights->nAdj > weights->nbands)
-    fatal("%s: the arc-weight image has no adjacency\n", task.operation);
-  return {{NeighborWalk(weights, weights->nAdj, weights->adj)}, weights->band};
-}
-
 // The seeds where the mask is above 0. A negative value keeps seeds away but lets paths in.
 ifRootsPtr seedsWithin(const imImage *mask, const ifRoots *seeds) {
   ifRootsPtr within = createRoots(seeds->n);
@@ -118,14 +95,14 @@ bool ranPacked(const Task &task, const FunctionArcs &arcs) {
 template <class Direction>
 void nonNormalized(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
   check(task);
-  const FunctionArcs arcs = functionArcs(task, adjacency, arcWeight);
+  const FunctionArcs arcs = functionArcs(task.operation, task.input, adjacency, arcWeight);
   if (!ranPacked<Direction>(task, arcs))
     growForest<Direction>(task, arcs, task.seeds);
 }
 
 void withWeightImage(const Task &task, const imImage *weights) {
   check(task);
-  growForest<Minimising>(task, weightImageArcs(task, weights), task.seeds);
+  growForest<Minimising>(task, weightImageArcs(task.operation, task.input, weights), task.seeds);
 }
 
 } // namespace
@@ -148,8 +125,9 @@ void ift(const imImage *input, imImage *output, imNeighborhoodFn adjacency, ifAr
          ifPathCostFn pathCost, const ifRoots *seeds) {
   const Task task = {"ift", input, output, fixedBuckets - 1, pathCost, seeds};
   check(task);
-  growForest<Minimising>(task, Scaled<FunctionArcs>{functionArcs(task, adjacency, arcWeight)},
-                         seeds);
+  growForest<Minimising>(
+      task, Scaled<FunctionArcs>{functionArcs(task.operation, task.input, adjacency, arcWeight)},
+      seeds);
 }
 
 void iftWF(const imImage *input, imImage *output, const imImage *weights, ifPathCostFn pathCost,
@@ -166,14 +144,17 @@ void iftMask(const imImage *input, imImage *output, const imImage *mask, imNeigh
              ifArcWeightFn arcWeight, ifPathCostFn pathCost, const ifRoots *seeds) {
   const Task task = {"iftMask", input, output, fixedBuckets - 1, pathCost, seeds};
   check(task);
-  growMasked(task, Scaled<FunctionArcs>{functionArcs(task, adjacency, arcWeight)}, mask);
+  growMasked(task,
+             Scaled<FunctionArcs>{functionArcs(task.operation, task.input, adjacency, arcWeight)},
+             mask);
 }
 
 void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const imImage *weights,
                ifPathCostFn pathCost, const ifRoots *seeds) {
   const Task task = {"iftMaskWF", input, output, fixedBuckets - 1, pathCost, seeds};
   check(task);
-  growMasked(task, Scaled<WeightImageArcs>{weightImageArcs(task, weights)}, mask);
+  growMasked(task, Scaled<WeightImageArcs>{weightImageArcs(task.operation, task.input, weights)},
+             mask);
 }
 
 void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
@@ -185,6 +166,6 @@ void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage 
   const Task task = {operation, input, output, marker->maxValue, nullptr, seeds};
   check(task);
   std::copy_n(marker->band[0], input->npixels, task.bands()[1]);
-  grow(functionArcs(task, adjacency, ifWatershedMetric), LevelRule{task.forest()}, input->npixels,
-       *seeds);
+  grow(functionArcs(operation, input, adjacency, ifWatershedMetric), LevelRule{task.forest()},
+       input->npixels, *seeds);
 }

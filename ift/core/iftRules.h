@@ -32,6 +32,23 @@ struct AdjacencyArcs : NeighborArcs {
   int weight(int p, int q, int) const { return weigh(p, q); }
 };
 
+/// A weight function of the caller's, for one image.
+struct CalledWeight {
+  const imImage *image;
+  ifArcWeightFn function;
+  int operator()(int p, int q) const { return function(image, p, q); }
+};
+using FunctionArcs = AdjacencyArcs<CalledWeight>;
+
+/// Ends the process with status 1 after a line where the function would read a band that is not
+/// there.
+inline FunctionArcs functionArcs(const char *operation, const imImage *image,
+                                 imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
+  if (arcWeight == ifWatershedMetric)
+    requireBands(operation, image, 1);
+  return {{NeighborWalk(image, adjacency)}, {image, arcWeight}};
+}
+
 /// The arcs of an arc-weight image, whose band k weighs those by displacement k; a negative weight
 /// is no arc.
 struct WeightImageArcs : NeighborArcs {
@@ -47,6 +64,17 @@ struct WeightImageArcs : NeighborArcs {
   }
   int weight(int p, int, int k) const { return band[k][p]; }
 };
+
+/// Ends the process with status 1 after a line where the arc-weight image has another size than the
+/// image or lacks its adjacency.
+inline WeightImageArcs weightImageArcs(const char *operation, const imImage *image,
+                                       const imImage *weights) {
+  requireBands(operation, weights, 0);
+  requireSameSize(operation, image, weights);
+  if (weights->adj == nullptr || weights->nAdj < 0 || weights->nAdj > weights->nbands)
+    fatal("%s: the arc-weight image has no adjacency\n", operation);
+  return {{NeighborWalk(weights, weights->nAdj, weights->adj)}, weights->band};
+}
 
 /// How weights of 0 .. 1000 are spread over a queue of 50000 buckets.
 inline constexpr int fixedBuckets = 50000;

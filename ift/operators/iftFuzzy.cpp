@@ -53,9 +53,9 @@ struct Links {
   const int *cost;
 
   template <class Offer>
-  void visit(int p, Offer offer) const {
-    const int reached = cost[p];
-    neighbors->each(p, [&](int q, int k) {
+  void visit(PlainEntries::Entry entry, Offer offer) const {
+    const int reached = cost[entry.pixel];
+    neighbors->each(entry.pixel, [&](int q, int k) {
       if (cost[q] > reached)
         offer(q, k);
     });
@@ -77,7 +77,7 @@ struct ConnectednessRule {
     arcs.prefetch(cost, p);
     arcs.prefetch(value, p);
   }
-  void finish(int) {}
+  void finish(PlainEntries::Entry) {}
   int extend(int p, int weight) const { return std::max(cost[p], weight); }
   bool improves(int offered, int q) const { return offered < cost[q]; }
   void conquer(int, int q, int, int offered) { cost[q] = offered; }
@@ -126,7 +126,7 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
     for (int i = 0; i < seeds->n; ++i)
       if (const int p = seeds->pixel[i]; seeds->label[i] == o && cost[p] != 0) {
         cost[p] = 0;
-        queue.append(0, entries.make(p, 0));
+        queue.append(0, {p});
       }
     const LinkCost linkCost(image, mean[o], sigma[o]);
     ConnectednessRule rule = {image->band[0], cost};

@@ -5,20 +5,109 @@
 #include "base/report.h"
 #include "graph/edgeInserter.h"
 #include "graph/unionfind.h"
+#include "ift/core/iftRules.h"
 #include "ift/label/ifLabel.h"
-#include "ift/regions/ifRegionGraph.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
+#include <utility>
 
 using namespace seedforest::detail;
 
 namespace {
 
 // A vertex's integers in a spanning tree of regions.
-enum TreeData { treeCost = 1, treePredecessor, treeDataSize };
+enum TreeData { treeNumber, treeCost, treePredecessor, treeDataSize };
+
+// What a pixel gains in a spanning tree: an edge, whatever the path so far.
+struct SpanningRule : ForestBands {
+  int extend(int, int weight) const { return weight; }
+  bool improves(int offered, int q) const { return offered < cost[q]; }
+  void conquer(int p, int q, int, int offered) {
+    cost[q] = offered;
+    pred[q] = p;
+  }
+  int bucket(int offered, int) const { return bucketOf<Minimising>(offered); }
+};
+
+template <class Arcs>
+void growPixelTree(const Arcs &arcs, imImage *forest) {
+  const int npixels = forest->npixels;
+  int **bands = forest->band + forest->nbands - 2;
+  SpanningRule rule = {{nullptr, bands[0], bands[1], fixedBuckets - 1}};
+  MarkedEntries entries(npixels);
+  PulledBackQueue<MarkedEntries::Entry> queue(fixedBuckets, npixels);
+  std::fill_n(rule.cost, npixels, ifInfiniteCost);
+  std::iota(rule.pred, rule.pred + npixels, 0);
+  rule.cost[0] = 0;
+  queue.append(0, {0, 0});
+  propagate(arcs, rule, entries, queue);
+}
+
+void checkForest(const char *operation, const imImage *image, const imImage *forest) {
+  requireBands(operation, image, 0);
+  requireBands(operation, forest, 2);
+  requireSameSize(operation, image, forest);
+}
+
+constexpr const char *primGraph = "iftPrimGraph";
+
+struct GraphArcs {
+  const ifGraph *graph;
+  ifGraphWeightFn weigh;
+
+  template <class Offer>
+  void visit(MarkedEntries::Entry entry, Offer offer) const {
+    forEachEdgeOf(primGraph, graph, entry.pixel,
+                  [&](const ifEdge &edge) { offer(edge.target, 0); });
+  }
+  int weight(int u, int v, int) const { return weigh(graph, u, v); }
+  template <class T>
+  void prefetch(const T *, int) const {}
+};
+
+class GraphTreeRule {
+public:
+  static constexpr int nbuckets = 1001;
+
+  explicit GraphTreeRule(ifGraph *tree) : vertices_(tree->vertices) {
+    for (int v = 0; v < tree->nVertices; ++v)
+      set(v, 0, ifInfiniteCost, v);
+  }
+
+  void set(int v, int number, int cost, int predecessor) {
+    int *data = vertices_[v].data;
+    data[treeNumber] = number;
+    data[treeCost] = cost;
+    data[treePredecessor] = predecessor;
+  }
+
+  int costOf(int v) const { return vertices_[v].data[treeCost]; }
+  template <class Arcs>
+  void prefetch(const Arcs &, int) const {}
+
+  // The edge by which a vertex is taken cannot be there before.
+  void finish(MarkedEntries::Entry entry) {
+    const int v = entry.pixel;
+    const int predecessor = vertices_[v].data[treePredecessor];
+    if (predecessor == v)
+      return;
+    prependEdge(&vertices_[predecessor], v, costOf(v));
+    prependEdge(&vertices_[v], predecessor, costOf(v));
+  }
+  int extend(int, int weight) const { return weight; }
+  bool improves(int offered, int v) const { return offered < costOf(v); }
+  void conquer(int u, int v, int, int offered) {
+    set(v, vertices_[u].data[treeNumber], offered, u);
+  }
+  int bucket(int offered, int) const { return circularBucket(offered, nbuckets); }
+
+private:
+  ifVertex *vertices_;
+};
 
 struct TreeEdge {
   int smaller;
@@ -70,6 +159,32 @@ ifGraphPtr makePartGraph(const char *operation, const ifGraph *tree, DisjointSet
 }
 
 } // namespace
+
+void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
+             ifArcWeightFn arcWeight) {
+  checkForest("iftPrim", image, forest);
+  growPixelTree(Scaled<FunctionArcs>{functionArcs("iftPrim", image, adjacency, arcWeight)}, forest);
+}
+
+void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights) {
+  checkForest("iftPrimWF", image, forest);
+  growPixelTree(Scaled<WeightImageArcs>{weightImageArcs("iftPrimWF", image, weights)}, forest);
+}
+
+ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight) {
+  requireData(primGraph, graph, 1);
+  ifGraphPtr tree = requireMade(tryMakeAlike(graph, treeDataSize).release());
+  GraphTreeRule rule(tree.get());
+  if (graph->nVertices < 2)
+    return tree.release();
+  MarkedEntries entries(graph->nVertices);
+  PulledBackQueue<MarkedEntries::Entry> queue(GraphTreeRule::nbuckets, graph->nVertices);
+  const int cost = graph->vertices[1].data[0];
+  rule.set(1, 1, cost, 1);
+  queue.append(0, {1, cost});
+  propagate(GraphArcs{graph, weight}, rule, entries, queue);
+  return tree.release();
+}
 
 void ifMstThreshold(const imImage *forest, imImage *output, double fraction) {
   requireBands("ifMstThreshold", forest, 2);

@@ -1,12 +1,46 @@
-// Coarser partitions by cutting spanning trees, of pixels and of regions. For graphs, the rules of
-// ift/regions/ifRegionGraph.h hold.
+// Minimum spanning trees of pixels and of regions, and the coarser partitions that cutting them
+// gives. For graphs, the rules of ift/regions/ifRegionGraph.h hold.
 //
-// Sets are joined edge by edge with a union-find by rank, from vertex 1 upward, each list from its
+// Trees are grown by Prim's algorithm on a bucket queue: the pixel or vertex that the lightest edge
+// reaches comes next; of equal ones the one that has waited longest. Its neighbours are offered the
+// edges to them, in their order, and take a strictly lighter one. The bucket of a weight is its
+// remainder, folded into range, so weights beyond the buckets are served in remainder order.
+//
+// Cuts join sets edge by edge with a union-find by rank, from vertex 1 upward, each list from its
 // head; the representative of a set, and with it the order of numbers, follows from this order.
 // Forests are welcome: each tree that is not cut is a part of its own.
 #pragma once
 
-#include "graph/graph.h"
+#include "ift/core/ifCost.h"
+#include "ift/regions/ifRegionGraph.h"
+#include "image/imNeighborhood.h"
+
+/// The minimum spanning tree of an image's pixels, from pixel 0.
+///   image      handed to arcWeight; gives the size
+///   forest     out: at least two bands of that size; the last two get each pixel's weight to its
+///              predecessor, multiplied by 49 (saturating; 0 at pixel 0, ifInfiniteCost where the
+///              tree does not reach), and the predecessor (else the pixel itself)
+///   adjacency  called once
+///   arcWeight  expected in 0 .. 1000: there are 50000 buckets
+/// Errors, after a line on standard error, with status 1: images of different size, too few bands,
+/// memory that cannot be had ("Could not allocate queue (Q) in initQueue\n", "(A)").
+void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
+             ifArcWeightFn arcWeight);
+
+/// The same on an arc-weight image (ifWeightImage.h), which brings its adjacency along; a negative
+/// weight is no arc.
+void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights);
+
+/// The minimum spanning tree of a graph's vertices from vertex 1, as far as they are connected with
+/// it; vertex 0 is like any other.
+///   graph   at least one integer on each vertex
+///   weight  of an edge, expected in 0 .. 1000: there are 1001 buckets
+///   result  the vertices and the label image of the graph, with three integers on each vertex: the
+///           tree's number (1, or 0 where it does not reach), the weight to the predecessor
+///           (ifInfiniteCost; at vertex 1 the first integer of the graph's), and the predecessor
+///           (else the vertex itself). An edge goes in, with its weight, when its vertex is taken
+/// A graph of fewer than two vertices gives a tree without edges.
+ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight);
 
 /// Cuts a spanning forest of pixels at the weights above a fraction of the largest one.
 ///   forest    the last two bands: each pixel's weight to its predecessor, and the predecessor, the

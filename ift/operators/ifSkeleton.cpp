@@ -1,0 +1,91 @@
+#include "ift/operators/ifSkeleton.h"
+
+#include "base/report.h"
+#include "ift/core/ifCost.h"
+#include "ift/core/iftEuclidean.h"
+#include "ift/label/ifContour.h"
+#include "ift/seeds/ifContourSeeds.h"
+#include "image/imPixelwise.h"
+
+#include <algorithm>
+
+using namespace seedforest::detail;
+
+namespace {
+
+int nearDisc(int **list) {
+  return imNeighborhood(list, 2);
+}
+
+// How far apart, along the contour, the border pixels nearest to neighbouring pixels lie; and each
+// pixel's squared distance to the border.
+struct Distances {
+  imImagePtr alongContour;
+  imImagePtr squared;
+};
+
+Distances distances(const imImage *image) {
+  ifRoots2 roots = {};
+  const imImagePtr shape(ifSkel2Roots(image, &roots));
+  const imImagePtr work = createImage(5, imTypeWork, image->ncols, image->nrows);
+  iftSkelNova(image, work.get(), &roots);
+  ifReleaseRoots2(&roots);
+  const imImagePtr label = requireMade(imCopyBand(work.get(), imTypeAscii, 1));
+  const imImagePtr contour = requireMade(imCopyBand(work.get(), imTypeAscii, 4));
+  Distances distances = {createImage(1, imTypeAscii, image->ncols, image->nrows),
+                         requireMade(imCopyBand(work.get(), imTypeAscii, 2))};
+  ifLabelDifferences(label.get(), contour.get(), distances.alongContour.get(), 0);
+  return distances;
+}
+
+imImagePtr masked(const imImagePtr &image, const imImage *mask) {
+  return requireMade(imMask(image.get(), mask, 0));
+}
+
+} // namespace
+
+void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots) {
+  const char *operation = "iftSkelNova";
+  requireBands(operation, image, 0);
+  requireBands(operation, work, 4);
+  requireSameSize(operation, image, work);
+  int **bands = work->band + work->nbands - 4;
+  std::fill_n(bands[0], image->npixels, 0);
+  std::fill_n(bands[3], image->npixels, 0);
+  for (int i = 0; i < roots->n; ++i) {
+    const int p = roots->pixel[i];
+    requirePixel(operation, image, p);
+    bands[0][p] = roots->label[i];
+    bands[3][p] = roots->value[i];
+  }
+  propagateEuclidean({image,
+                      NeighborWalk(image, nearDisc),
+                      2 * (std::int64_t{image->ncols} + image->nrows),
+                      roots->pixel,
+                      roots->n,
+                      bands[1],
+                      bands[2],
+                      {bands[0], bands[3]}});
+}
+
+int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) {
+  *result = nullptr;
+  requireBands("ifSkel", image, 1);
+  if (image->nbands != 1)
+    fatal("ifSkel: an image of %d bands is no shape\n", image->nbands);
+  Distances found = distances(image);
+  const int largest = found.alongContour->maxValue;
+  const imImagePtr selected = requireMade(imThreshold(
+      found.alongContour.get(), imTypeAscii, std::min(threshold, largest), ifInfiniteCost));
+  found.alongContour.reset();
+  imImagePtr side = std::move(found.squared);
+  if (skelType == 1)
+    side = masked(side, image);
+  else if (skelType == 2)
+    side = masked(side, requireMade(imNegative2(image, imTypeGrey)).get());
+  else if (skelType != 0)
+    complain("invalid skelType: %d\n", skelType);
+  if (skelType >= 0 && skelType <= 2)
+    *result = masked(side, selected.get()).release();
+  return largest;
+}

@@ -1,0 +1,30 @@
+// Multiscale skeletons of binary shapes: a pixel lies on the skeleton where its neighbours' nearest
+// border pixels lie far apart along their contour.
+#pragma once
+
+#include "ift/core/ifRoots.h"
+
+/// The Euclidean distance transform (iftEuclidean.h) with two things handed down from each root:
+/// its label, which is its place along the contours, and its value, the number of its contour.
+///   image  gives the size
+///   work   at least four bands of that size; the last four are written: label, squared distance,
+///          predecessor and contour number (0, ifInfiniteCost, the pixel itself and 0 where no path
+///          arrives)
+///   roots  pixel, label and value of each, as ifSkel2Roots() gives them
+/// The adjacency is imNeighborhood(2), and there are 2 * (ncols + nrows) buckets.
+/// Errors, after a line on standard error, with status 1: a work image of another size or with too
+/// few bands, a root outside the image, memory that cannot be had.
+void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots);
+
+/// The skeleton of a binary shape (band 0 > 0; one band only).
+///   skelType   0: over the whole image; 1: inside the shape; 2: outside it
+///   threshold  the scale: the least difference, along the contour, of the border pixels nearest to
+///              a skeleton pixel and to its neighbours; at most the returned value is used
+///   result     out: a new image of type ASCII, each skeleton pixel with its squared distance to
+///              the border, 0 elsewhere; the caller releases it. None for any other type, after
+///              "invalid skelType: %d\n" on standard error
+/// Returns the largest difference that occurs, plus one; -99999 for a shape without roots, whose
+/// skeleton is empty. Algorithm: ifSkel2Roots(), iftSkelNova(), ifLabelDifferences().
+/// Errors: an image of several bands, or memory that cannot be had, ends the process with status 1
+/// after a line.
+int ifSkel(const imImage *image, int skelType, int threshold, imImage **result);
