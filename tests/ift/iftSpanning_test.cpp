@@ -2,12 +2,120 @@
 
 #include "graph/unionfind.h"
 #include "graphs.h"
+#include "ift/core/ifWeightImage.h"
 
 #include <algorithm>
 
 using namespace seedforest::detail;
 
 namespace {
+
+// The weight of a minimum spanning forest, by Kruskal's algorithm.
+std::int64_t kruskal(int nVertices, std::vector<Edge> edges) {
+  std::sort(edges.begin(), edges.end(),
+            [](const Edge &a, const Edge &b) { return a.weight < b.weight; });
+  DisjointSets sets(nVertices);
+  std::int64_t sum = 0;
+  for (const Edge &edge : edges)
+    if (sets.find(edge.a) != sets.find(edge.b)) {
+      sets.join(edge.a, edge.b);
+      sum += edge.weight;
+    }
+  return sum;
+}
+
+TEST(Trees, OfPixelsAreMinimal) {
+  std::mt19937 random(31);
+  for (int round = 0; round < 300; ++round) {
+    const imNeighborhoodFn adjacency = round % 2 == 0 ? imNeighborhood4 : imNeighborhood8;
+    const imImagePtr image = randomImage(random, 2, imTypeAscii, 1 + int(random() % 12),
+                                         1 + int(random() % 12), 0, round % 3 == 0 ? 3 : 1000);
+    const NeighborWalk neighbors(image.get(), adjacency);
+    std::vector<Edge> edges;
+    for (int p = 0; p < image->npixels; ++p)
+      neighbors.each(p, [&](int q, int) {
+        edges.push_back({p, q, 49 * ifEuclideanDistance(image.get(), p, q)});
+      });
+    const imImagePtr byFunction(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
+    const imImagePtr byImage(imCopyImage(byFunction.get()));
+    const imImagePtr weights(euclideanWF(image.get(), adjacency));
+    iftPrim(image.get(), byFunction.get(), adjacency, ifEuclideanDistance);
+    iftPrimWF(image.get(), byImage.get(), weights.get());
+    EXPECT_EQ(bandOf(byFunction.get(), 1), bandOf(byImage.get(), 1));
+    EXPECT_EQ(bandOf(byFunction.get(), 2), bandOf(byImage.get(), 2));
+    const int *cost = byFunction->band[1];
+    const int *pred = byFunction->band[2];
+    for (int p = 1; p < image->npixels; ++p)
+      EXPECT_EQ(cost[p], 49 * ifEuclideanDistance(image.get(), p, pred[p]));
+    EXPECT_EQ(cost[0], 0);
+    EXPECT_EQ(std::accumulate(cost, cost + image->npixels, std::int64_t{0}),
+              kruskal(image->npixels, edges));
+  }
+}
+
+TEST(Trees, OfRegionsAreMinimal) {
+  std::mt19937 random(32);
+  for (int round = 0; round < 300; ++round) {
+    const int n = 2 + static_cast<int>(random() % 12);
+    const ifGraphPtr graph = makeGraph(n, {}, 2);
+    for (int v = 0; v <= n; ++v)
+      for (int i = 0; i < 2; ++i)
+        graph->vertices[v].data[i] = static_cast<int>(random() % (round % 2 == 0 ? 4 : 900));
+    std::vector<Edge> edges;
+    for (int v = 2; v <= n; ++v) // connected, and more
+      for (const int u : {1 + int(random() % (v - 1)), 1 + int(random() % (v - 1))}) {
+        insertEdge(graph.get(), u, v, 0);
+        edges.push_back({u, v, ifGraphEuclideanDistance(graph.get(), u, v)});
+      }
+    const ifGraphPtr tree(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
+    std::int64_t sum = 0;
+    int nEdges = 0;
+    for (int v = 1; v <= n; ++v) {
+      EXPECT_EQ(tree->vertices[v].data[0], 1);
+      for (const ifEdge *edge = tree->vertices[v].edges; edge != nullptr; edge = edge->next) {
+        EXPECT_EQ(edge->weight, ifGraphEuclideanDistance(graph.get(), v, edge->target));
+        sum += edge->weight;
+        ++nEdges;
+      }
+    }
+    EXPECT_EQ(nEdges, 2 * (n - 1));
+    EXPECT_EQ(sum, 2 * kruskal(n + 1, edges));
+  }
+}
+
+TEST(Trees, LightEdgesComeFirst) {
+  // The 900 in the middle is paid for once; then the light edges behind it are taken before others.
+  const imImagePtr image = makeImage({{0, 20, 900, 900}, {40, 0, 0, 905}});
+  const imImagePtr forest(imCreateImage(2, imTypeWork, 4, 2));
+  iftPrim(image.get(), forest.get(), imNeighborhood4, ifMaxDistance);
+  EXPECT_EQ(bandOf(forest.get(), 0),
+            (Matrix{{0, 20 * 49, 880 * 49, 0}, {40 * 49, 20 * 49, 0, 5 * 49}}));
+  EXPECT_EQ(bandOf(forest.get(), 1), (Matrix{{0, 0, 1, 2}, {0, 1, 5, 3}}));
+
+  const imImagePtr dot = makeImage({{7}});
+  const imImagePtr one(imCreateImage(2, imTypeWork, 1, 1));
+  iftPrim(dot.get(), one.get(), imNeighborhood8, ifWatershedMetric);
+  EXPECT_EQ(one->band[0][0], 0);
+  EXPECT_EQ(one->band[1][0], 0);
+}
+
+TEST(Trees, OfRegionsThatAreApart) {
+  const ifGraphPtr graph = makeGraph(4, {{1, 2, 0}, {3, 4, 0}}, 1);
+  graph->vertices[1].data[0] = 17;
+  const ifGraphPtr tree(iftPrimGraph(graph.get(), ifGraphWatershedDistance));
+  const int expected[][3] = {{0, ifInfiniteCost, 0}, {1, 17, 1}, {1, 0, 1}, {0, ifInfiniteCost, 3}};
+  for (int v = 0; v < 4; ++v)
+    for (int i = 0; i < 3; ++i)
+      EXPECT_EQ(tree->vertices[v].data[i], expected[v][i]);
+  EXPECT_EQ(listsOf(tree.get()), (Lists{{}, {{2, 0}}, {{1, 0}}, {}, {}}));
+  EXPECT_EQ(bandOf(tree->labelImage), (Matrix{{0, 1, 2, 3, 4}}));
+
+  const ifGraphPtr bare = makeGraph(2, {{1, 2, 3}});
+  EXPECT_EXIT(iftPrimGraph(bare.get(), ifGraphMinDistance), testing::ExitedWithCode(1),
+              "iftPrimGraph");
+  const ifGraphPtr alone = makeGraph(0, {}, 1);
+  EXPECT_EQ(ifGraphPtr(iftPrimGraph(alone.get(), ifGraphMinDistance))->nVertices, 1);
+}
 
 // The parts of the label row 0 .. n, and the new graph's lists, without weights, which are 0.
 struct Parts {
