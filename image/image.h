@@ -1,6 +1,7 @@
 // The image library.
 #pragma once
 
+#include "image/imColor.h"
 #include "image/imIO.h"
 #include "image/imImage.h"
 #include "image/imMorph.h"

@@ -1,0 +1,476 @@
+// Each rule converts one pixel. Blocks of pixels go through it from one set of arrays to another,
+// which is what compilers vectorise, and stay in the nearest cache on their way between images. So
+// conversions join without an image between them, and input and output may be the same.
+
+#include "image/imColor.h"
+
+#include "base/arith.h"
+#include "base/buffer.h"
+#include "base/multiversion.h"
+#include "base/report.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace seedforest::detail;
+
+namespace {
+
+constexpr int blockPixels = 512;
+
+struct Block {
+  alignas(64) int band[3][blockPixels];
+};
+
+struct Pixel {
+  int band[3];
+};
+
+constexpr double one = 16384; // of XYZ, saturation and value
+
+// What rules do with any values, and with those small enough that no result leaves 32 bits. The
+// reciprocal's rounding shows in no result of 0 .. 255.
+struct Any {
+  static int whole(double value) { return truncate(value); }
+  static double by255(double value) { return value / 255; }
+};
+
+struct Small {
+  static int whole(double value) { return static_cast<int>(value); }
+  static double by255(double value) { return value * (1 / 255.0); }
+};
+
+// Whether all values lie in -below .. size - below - 1; size is a power of two.
+struct Range {
+  unsigned below;
+  unsigned size;
+
+  [[gnu::always_inline]] inline bool holds(const Block &block, int n) const {
+    unsigned all = 0;
+    for (int i = 0; i < n; ++i)
+      all |= (static_cast<unsigned>(block.band[0][i]) + below) |
+             (static_cast<unsigned>(block.band[1][i]) + below) |
+             (static_cast<unsigned>(block.band[2][i]) + below);
+    return all < size;
+  }
+};
+
+constexpr Range bytes = {0, 256};
+constexpr Range fixedPoint = {0, 32768};
+constexpr Range labRange = {2048, 4096};
+
+// Of a lambda: inlined by force, so that it is compiled with its caller's instructions.
+#define INLINE __attribute__((always_inline))
+
+template <class Arithmetic, class Rule>
+[[gnu::always_inline]] inline void applyWith(const Block &__restrict from, Block &__restrict to,
+                                             int n, const Rule &rule) {
+  for (int i = 0; i < n; ++i) {
+    const Pixel p = rule(Arithmetic(), from.band[0][i], from.band[1][i], from.band[2][i], i);
+    to.band[0][i] = p.band[0];
+    to.band[1][i] = p.band[1];
+    to.band[2][i] = p.band[2];
+  }
+}
+
+// rule(arithmetic, components, i) over pixels i < n; `small` is where Small will do.
+template <class Rule>
+[[gnu::always_inline]] inline void apply(const Block &from, Block &to, int n, Range small,
+                                         const Rule &rule) {
+  if (small.holds(from, n))
+    applyWith<Small>(from, to, n, rule);
+  else
+    applyWith<Any>(from, to, n, rule);
+}
+
+void load(const imImage *image, int start, int n, Block &block) {
+  for (int b = 0; b < 3; ++b)
+    std::copy_n(image->band[b] + start, n, block.band[b]);
+}
+
+void store(const Block &block, int n, imImage *image, int start) {
+  for (int b = 0; b < 3; ++b)
+    std::copy_n(block.band[b], n, image->band[b] + start);
+}
+
+void requireColours(const char *operation, const imImage *in, const imImage *out) {
+  requireBands(operation, in, 3);
+  requireBands(operation, out, 3);
+  requireSameSize(operation, in, out);
+}
+
+// Applies rule(from, to, n) to the whole image.
+template <class Rule>
+void convert(const imImage *in, imImage *out, const Rule &rule) {
+  Block from;
+  Block to;
+  for (int start = 0, n; start < in->npixels; start += n) {
+    n = std::min(blockPixels, in->npixels - start);
+    load(in, start, n, from);
+    rule(from, to, n);
+    store(to, n, out, start);
+  }
+}
+
+// One rule after another.
+template <class First, class Second>
+auto join(const First &first, const Second &second) {
+  return [&](const Block &from, Block &to, int n) {
+    Block between;
+    first(from, between, n);
+    second(between, to, n);
+  };
+}
+
+// A function of an integer, its values from `least` to `most` worked out beforehand where `uses`
+// are more than these.
+template <class Value>
+class Tabulated {
+public:
+  using Function = Value (*)(int);
+
+  Tabulated(Function function, int least, int most, int uses) : function_(function), least_(least) {
+    if (uses <= most - least)
+      return;
+    size_ = static_cast<unsigned>(most - least) + 1;
+    value_ = makeArray<Value>(size_);
+    for (int v = least; v <= most; ++v)
+      value_[v - least] = function(v);
+  }
+
+  void of(const int *v, int n, Value *results) const {
+    std::transform(v, v + n, results, [this](int w) { return (*this)(w); });
+  }
+
+private:
+  Value operator()(int v) const {
+    const unsigned at = static_cast<unsigned>(v) - static_cast<unsigned>(least_);
+    return at < size_ ? value_[at] : function_(v);
+  }
+
+  Function function_;
+  int least_;
+  unsigned size_ = 0;
+  Array<Value> value_;
+};
+
+constexpr int mostXyz = 17838; // Z of white
+
+SEEDFOREST_MULTIVERSION void rgbToXyz(const Block &rgb, Block &xyz, int n) {
+  apply(rgb, xyz, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
+    return Pixel{{a.whole(a.by255((0.412453 * r + 0.35758 * g + 0.180423 * b) * one)),
+                  a.whole(a.by255((0.212671 * r + 0.71516 * g + 0.072169 * b) * one)),
+                  a.whole(a.by255((0.019334 * r + 0.119193 * g + 0.950227 * b) * one))}};
+  });
+}
+
+// 0 .. 255 from 0 .. 1, with the ends drawn to black and white.
+[[gnu::always_inline]] inline int clipped(double c) {
+  const double below = c < 0.005 ? 0.0 : c;
+  return static_cast<int>(255 * (below > 0.995 ? 1.0 : below));
+}
+
+SEEDFOREST_MULTIVERSION void xyzToRgb(const Block &xyz, Block &rgb, int n) {
+  applyWith<Any>(xyz, rgb, n, [](Any, double x, double y, double z, int) INLINE {
+    return Pixel{{clipped((3.240479 * x - 1.53715 * y - 0.498535 * z) / one),
+                  clipped((-0.969256 * x + 1.875992 * y + 0.041556 * z) / one),
+                  clipped((0.055648 * x - 0.204043 * y + 1.057311 * z) / one)}};
+  });
+}
+
+double labRoot(double t) {
+  return t > 0.008856 ? std::cbrt(t) : 7.787 * t + 0.137931;
+}
+
+// f of X, Y and Z, for the pixels of a block.
+struct LabRoots {
+  double x[blockPixels];
+  double y[blockPixels];
+  double z[blockPixels];
+};
+
+// a and b; L, of Y alone, is there.
+SEEDFOREST_MULTIVERSION void rootsToLab(const Block &xyz, const LabRoots &f, const int *lightness,
+                                        Block &lab, int n) {
+  apply(xyz, lab, n, fixedPoint, [&](auto a, double, double, double, int i) INLINE {
+    return Pixel{
+        {lightness[i], a.whole(500 * (f.x[i] - f.y[i])), a.whole(200 * (f.y[i] - f.z[i]))}};
+  });
+}
+
+class XyzToLab {
+public:
+  explicit XyzToLab(int npixels)
+      : ofX_([](int x) { return labRoot(0.950456 * x / one); }, 0, mostXyz, npixels),
+        ofY_([](int y) { return labRoot(y / one); }, 0, mostXyz, npixels),
+        ofZ_([](int z) { return labRoot(1.088754 * z / one); }, 0, mostXyz, npixels),
+        lightness_([](int y) { return truncate(116 * std::cbrt(y / one) - 16); }, 0, mostXyz,
+                   npixels) {}
+
+  void operator()(const Block &xyz, Block &lab, int n) const {
+    LabRoots f;
+    int lightness[blockPixels];
+    ofX_.of(xyz.band[0], n, f.x);
+    ofY_.of(xyz.band[1], n, f.y);
+    ofZ_.of(xyz.band[2], n, f.z);
+    lightness_.of(xyz.band[1], n, lightness);
+    rootsToLab(xyz, f, lightness, lab, n);
+  }
+
+private:
+  Tabulated<double> ofX_;
+  Tabulated<double> ofY_;
+  Tabulated<double> ofZ_;
+  Tabulated<int> lightness_;
+};
+
+SEEDFOREST_MULTIVERSION void rootsToXyz(const Block &lab, const double *fyOfPixel, Block &xyz,
+                                        int n) {
+  apply(lab, xyz, n, labRange, [=](auto arithmetic, double, double a, double b, int i) INLINE {
+    const double fy = fyOfPixel[i];
+    const double fx = a / 500 + fy;
+    const double fz = fy - b / 200;
+    return Pixel{{arithmetic.whole(15572.271104 * fx * fx * fx),
+                  arithmetic.whole(fy * arithmetic.whole(fy) * fy),
+                  arithmetic.whole(17838.145536 * fz * fz * fz)}};
+  });
+}
+
+class LabToXyz {
+public:
+  explicit LabToXyz(int npixels)
+      : root_([](int l) { return l > 7 ? (l + 16.0) / 116 : std::cbrt(l / 903.3); }, -16, 100,
+              npixels) {}
+
+  void operator()(const Block &lab, Block &xyz, int n) const {
+    double fy[blockPixels];
+    root_.of(lab.band[0], n, fy);
+    rootsToXyz(lab, fy, xyz, n);
+  }
+
+private:
+  Tabulated<double> root_;
+};
+
+int luvLightness(int stored) {
+  const double y = stored / one;
+  return truncate(y <= 0.008856 ? 903.3 * y : 116 * std::cbrt(y) - 16);
+}
+
+// u and v; L, of Y alone, is there.
+SEEDFOREST_MULTIVERSION void lightnessToLuv(const Block &xyz, const int *lightness, Block &luv,
+                                            int n) {
+  apply(xyz, luv, n, fixedPoint, [=](auto a, double x, double y, double z, int i) INLINE {
+    const double sum = x + 15 * y + 3 * z; // exactly 0 or at least 1 away from it
+    const double d = sum == 0 ? 1.0 : sum;
+    const double u = 4 * x / d;
+    const double v = 9 * y / d;
+    const double l = lightness[i];
+    return Pixel{{lightness[i], a.whole(13 * l * ((sum == 0 ? 0.0 : u) - 0.1978394)),
+                  a.whole(13 * l * ((sum == 0 ? 0.0 : v) - 0.4683422))}};
+  });
+}
+
+class XyzToLuv {
+public:
+  explicit XyzToLuv(int npixels) : lightness_(luvLightness, 0, mostXyz, npixels) {}
+
+  void operator()(const Block &xyz, Block &luv, int n) const {
+    int lightness[blockPixels];
+    lightness_.of(xyz.band[1], n, lightness);
+    lightnessToLuv(xyz, lightness, luv, n);
+  }
+
+private:
+  Tabulated<int> lightness_;
+};
+
+SEEDFOREST_MULTIVERSION void luvToXyz(const Block &luv, Block &xyz, int n) {
+  applyWith<Any>(luv, xyz, n, [](Any a, double l, double uOfL, double vOfL, int) INLINE {
+    const double t = (l + 16) / 116;
+    const double y = a.whole(t * t * t * one);
+    const double divisor = l == 0 ? 1.0 : 13 * l;
+    const double u = uOfL / divisor + 0.1978394;
+    const double v = vOfL / divisor + 0.4683422;
+    const bool isDark = (l == 0) | (3 * std::fabs(v) <= 0.005);
+    const double chroma = isDark ? 1.0 : v;
+    const double bright = 9 * u * y / (4 * chroma);
+    const double x = a.whole(isDark ? 0.0 : bright);
+    const double z = 3 * y / chroma - x / 3 - 5 * y;
+    return Pixel{{static_cast<int>(x), static_cast<int>(y), a.whole(isDark ? 0.0 : z)}};
+  });
+}
+
+SEEDFOREST_MULTIVERSION void rgbToYcbcr(const Block &rgb, Block &ycc, int n) {
+  apply(rgb, ycc, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
+    return Pixel{{a.whole(0.299 * r + 0.587 * g + 0.114 * b),
+                  a.whole(a.by255(-37.797 * r - 74.203 * g + 112 * b) + 128),
+                  a.whole(a.by255(112 * r - 93.786 * g - 18.214 * b) + 128)}};
+  });
+}
+
+SEEDFOREST_MULTIVERSION void ycbcrToRgb(const Block &ycc, Block &rgb, int n) {
+  apply(ycc, rgb, n, bytes, [](auto a, double y16, double cb128, double cr128, int) INLINE {
+    const double y = (y16 - 16) * 0.00456621;
+    const double cb = cb128 - 128;
+    const double cr = cr128 - 128;
+    return Pixel{{a.whole(255 * (y + 0.00625893 * cr)),
+                  a.whole(255 * (y - 0.00153632 * cb - 0.00318811 * cr)),
+                  a.whole(255 * (y + 0.00791071 * cb))}};
+  });
+}
+
+constexpr int noHue = 361;
+
+// Half to even, for 0 .. 2^52: the sum has no room for a fraction.
+[[gnu::always_inline]] inline int rounded(double value) {
+  constexpr double wholeNumbersOnly = 4503599627370496.0;
+  return static_cast<int>(value + wholeNumbersOnly - wholeNumbersOnly);
+}
+
+// A quotient of integers below 2^52 is never rounded up to the next integer in double precision, so
+// that truncating it is their integer division.
+SEEDFOREST_MULTIVERSION void rgbToHsv(const Block &rgb, Block &hsv, int n) {
+  apply(rgb, hsv, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
+    const double rg = r > g ? r : g;
+    const double max = rg > b ? rg : b;
+    const double lowerOfRg = r < g ? r : g;
+    const double range = max - (lowerOfRg < b ? lowerOfRg : b);
+    const double share = range * one / (max == 0 ? 1.0 : max);
+    const int saturation = a.whole(max == 0 ? 0.0 : share);
+    const double difference = r == max ? g - b : g == max ? b - r : r - g;
+    const double turn = r == max ? 0.0 : g == max ? 2.0 : 4.0;
+    const double angle = 60 * (difference / (range == 0 ? 1.0 : range) + turn);
+    const int hue = rounded(angle < 0 ? angle + 360 : angle);
+    return Pixel{{saturation == 0 ? noHue : hue, saturation, a.whole(a.by255(max * one))}};
+  });
+}
+
+// Where the saturation is 0, p, q and t are v, whatever the hue. A hue outside the circle gives
+// values of no meaning.
+SEEDFOREST_MULTIVERSION void hsvToRgb(const Block &hsv, Block &rgb, int n) {
+  apply(hsv, rgb, n, fixedPoint, [](auto a, double hue, double stored, double value, int) INLINE {
+    const double h = (hue == 360 ? 0.0 : hue) / 60;
+    const double s = stored / one;
+    const double v = value / one;
+    const double f = h - static_cast<int>(h);
+    const double p = v * (1 - s);
+    const double q = v * (1 - s * f);
+    const double t = v * (1 - s * (1 - f));
+    const double r = h < 1 ? v : h < 2 ? q : h < 4 ? p : h < 5 ? t : v;
+    const double g = h < 1 ? t : h < 3 ? v : h < 4 ? q : p;
+    const double b = h < 2 ? p : h < 3 ? t : h < 5 ? v : q;
+    return Pixel{{a.whole(r * 255), a.whole(g * 255), a.whole(b * 255)}};
+  });
+}
+
+// The pixels before the first that is grey and has a hue.
+SEEDFOREST_MULTIVERSION int beforeGreyWithHue(const Block &hsv, int n) {
+  const auto isOne = [&](int i) { return (hsv.band[1][i] == 0) & (hsv.band[0][i] != noHue); };
+  int any = 0;
+  for (int i = 0; i < n; ++i)
+    any |= isOne(i);
+  int i = any == 0 ? n : 0;
+  while (i < n && !isOne(i))
+    ++i;
+  return i;
+}
+
+// Stores the pixels that are grey or have a hue on the circle, up to the fraction that goes.
+SEEDFOREST_MULTIVERSION void storeWithHue(const Block &rgb, const Block &hsv, int n, imImage *image,
+                                          int start) {
+  for (int b = 0; b < 3; ++b) {
+    int *out = image->band[b] + start;
+    for (int i = 0; i < n; ++i) {
+      const int h = hsv.band[0][i];
+      out[i] = ((hsv.band[1][i] == 0) | ((h > -60) & (h <= 360))) ? rgb.band[b][i] : out[i];
+    }
+  }
+}
+
+} // namespace
+
+void imRgb2xyz(const imImage *rgb, imImage *xyz) {
+  requireColours("imRgb2xyz", rgb, xyz);
+  convert(rgb, xyz, rgbToXyz);
+}
+
+void imXyz2rgb(const imImage *xyz, imImage *rgb) {
+  requireColours("imXyz2rgb", xyz, rgb);
+  convert(xyz, rgb, xyzToRgb);
+  rgb->maxValue = 255;
+}
+
+void imXyz2lab(const imImage *xyz, imImage *lab) {
+  requireColours("imXyz2lab", xyz, lab);
+  convert(xyz, lab, XyzToLab(xyz->npixels));
+}
+
+void imLab2xyz(const imImage *lab, imImage *xyz) {
+  requireColours("imLab2xyz", lab, xyz);
+  convert(lab, xyz, LabToXyz(lab->npixels));
+}
+
+void imXyz2luv(const imImage *xyz, imImage *luv) {
+  requireColours("imXyz2luv", xyz, luv);
+  progress("in xyz2luv\n");
+  convert(xyz, luv, XyzToLuv(xyz->npixels));
+}
+
+void imLuv2xyz(const imImage *luv, imImage *xyz) {
+  requireColours("imLuv2xyz", luv, xyz);
+  convert(luv, xyz, luvToXyz);
+}
+
+void imRgb2ycbcr(const imImage *rgb, imImage *ycc) {
+  requireColours("imRgb2ycbcr", rgb, ycc);
+  convert(rgb, ycc, rgbToYcbcr);
+}
+
+void imYcbcr2rgb(const imImage *ycc, imImage *rgb) {
+  requireColours("imYcbcr2rgb", ycc, rgb);
+  convert(ycc, rgb, ycbcrToRgb);
+}
+
+void imRgb2hsv(const imImage *rgb, imImage *hsv) {
+  requireColours("imRgb2hsv", rgb, hsv);
+  convert(rgb, hsv, rgbToHsv);
+}
+
+void imHsv2rgb(const imImage *hsv, imImage *rgb) {
+  requireColours("imHsv2rgb", hsv, rgb);
+  Block from;
+  Block to;
+  for (int start = 0, n; start < hsv->npixels; start += n) {
+    n = std::min(blockPixels, hsv->npixels - start);
+    load(hsv, start, n, from);
+    const int good = beforeGreyWithHue(from, n);
+    hsvToRgb(from, to, good);
+    storeWithHue(to, from, good, rgb, start);
+    if (good < n)
+      return complain("in hsv2rgb: saturation is 0 and hue is defined!\n");
+  }
+}
+
+void imRgb2lab(const imImage *rgb, imImage *lab) {
+  requireColours("imRgb2lab", rgb, lab);
+  convert(rgb, lab, join(rgbToXyz, XyzToLab(rgb->npixels)));
+}
+
+void imLab2rgb(const imImage *lab, imImage *rgb) {
+  requireColours("imLab2rgb", lab, rgb);
+  convert(lab, rgb, join(LabToXyz(lab->npixels), xyzToRgb));
+  rgb->maxValue = 255;
+}
+
+void imRgb2luv(const imImage *rgb, imImage *luv) {
+  requireColours("imRgb2luv", rgb, luv);
+  progress("in xyz2luv\n");
+  convert(rgb, luv, join(rgbToXyz, XyzToLuv(rgb->npixels)));
+}
+
+void imLuv2rgb(const imImage *luv, imImage *rgb) {
+  requireColours("imLuv2rgb", luv, rgb);
+  convert(luv, rgb, join(luvToXyz, xyzToRgb));
+  rgb->maxValue = 255;
+}

@@ -1,0 +1,222 @@
+// Expected values were worked out with an independent program, in other words than the library's.
+#include "image/imColor.h"
+
+#include "base/arith.h"
+#include "support.h"
+
+#include <array>
+
+using seedforest::detail::maxInt;
+using seedforest::detail::minInt;
+
+namespace {
+
+using Colour = std::array<int, 3>;
+using Conversion = void (*)(const imImage *, imImage *);
+
+imImagePtr row(const std::vector<Colour> &colours) {
+  imImagePtr image(imCreateImage(3, imTypeColor, static_cast<int>(colours.size()), 1));
+  for (std::size_t p = 0; p < colours.size(); ++p)
+    for (int b = 0; b < 3; ++b)
+      image->band[b][p] = colours[p][b];
+  return image;
+}
+
+Colour pixel(const imImagePtr &image, int p) {
+  return {image->band[0][p], image->band[1][p], image->band[2][p]};
+}
+
+// In place, so that a pixel must have been read before it is written.
+Colour converted(Conversion conversion, Colour colour) {
+  const imImagePtr image = row({colour});
+  conversion(image.get(), image.get());
+  return pixel(image, 0);
+}
+
+TEST(Color, BlackGreysPureHuesAndAMixture) {
+  const struct {
+    Colour rgb, xyz, lab, luv, ycc, hsv;
+  } table[] = {
+      // clang-format off
+      {{0, 0, 0}, {0, 0, 0}, {-16, 0, 0}, {0, 0, 0}, {0, 128, 128}, {361, 0, 0}},
+      {{1, 1, 1}, {61, 64, 69}, {2, -1, -1}, {3, 0, 0}, {0, 128, 128}, {361, 0, 64}},
+      {{3, 2, 1}, {137, 137, 80}, {7, -1, 4}, {7, 2, 3}, {2, 127, 128}, {30, 10922, 192}},
+      {{128, 128, 128}, {7816, 8224, 8954}, {76, -13, -9}, {76, 0, 0}, {127, 128, 128}, {361, 0, 8224}},
+      {{255, 255, 255}, {15572, 16384, 17838}, {100, -16, -11}, {100, 0, 0}, {255, 128, 128}, {361, 0, 16384}},
+      {{255, 0, 0}, {6757, 3484, 316}, {53, 67, 64}, {53, 174, 37}, {76, 90, 240}, {0, 16384, 16384}},
+      {{255, 255, 0}, {12616, 15201, 2269}, {97, -37, 88}, {97, 7, 106}, {225, 16, 146}, {60, 16384, 16384}},
+      {{0, 255, 0}, {5858, 11717, 1952}, {87, -98, 77}, {87, -82, 106}, {149, 53, 34}, {120, 16384, 16384}},
+      {{0, 255, 255}, {8814, 12899, 17521}, {91, -61, -25}, {91, -70, -15}, {178, 165, 16}, {180, 16384, 16384}},
+      {{0, 0, 255}, {2956, 1182, 15568}, {32, 69, -119}, {32, -9, -129}, {29, 240, 109}, {240, 16384, 16384}},
+      {{255, 0, 255}, {9713, 4666, 15885}, {60, 84, -72}, {60, 83, -108}, {105, 202, 221}, {300, 16384, 16384}},
+      {{200, 100, 51}, {8188, 7564, 4127}, {73, 3, 24}, {73, 44, 37}, {124, 91, 175}, {20, 12206, 12850}},
+      // clang-format on
+  };
+  for (const auto &c : table) {
+    SCOPED_TRACE(testing::PrintToString(c.rgb));
+    EXPECT_EQ(converted(imRgb2xyz, c.rgb), c.xyz);
+    EXPECT_EQ(converted(imXyz2lab, c.xyz), c.lab);
+    EXPECT_EQ(converted(imRgb2lab, c.rgb), c.lab);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(converted(imXyz2luv, c.xyz), c.luv);
+    EXPECT_EQ(converted(imRgb2luv, c.rgb), c.luv);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "in xyz2luv\nin xyz2luv\n");
+    EXPECT_EQ(converted(imRgb2ycbcr, c.rgb), c.ycc);
+    EXPECT_EQ(converted(imRgb2hsv, c.rgb), c.hsv);
+    for (int b = 0; b < 3; ++b) { // truncation takes 1 away at most
+      EXPECT_NEAR(converted(imXyz2rgb, c.xyz)[b], c.rgb[b] - 0.5, 0.6);
+      EXPECT_NEAR(converted(imHsv2rgb, c.hsv)[b], c.rgb[b] - 0.5, 0.6);
+    }
+    EXPECT_EQ(converted(imLab2rgb, c.lab), converted(imXyz2rgb, converted(imLab2xyz, c.lab)));
+    EXPECT_EQ(converted(imLuv2rgb, c.luv), converted(imXyz2rgb, converted(imLuv2xyz, c.luv)));
+  }
+}
+
+TEST(Color, EdgesOfTheRules) {
+  const struct {
+    const char *what;
+    Conversion conversion;
+    Colour from, to;
+  } table[] = {
+      {"below 0.005", imXyz2rgb, {25, 0, 0}, {0, 0, 0}},
+      {"above 0.005", imXyz2rgb, {26, 0, 0}, {1, 0, 0}},
+      {"below 0.995", imXyz2rgb, {5030, 0, 0}, {253, 0, 4}},
+      {"above 0.995", imXyz2rgb, {5031, 0, 0}, {255, 0, 4}},
+      {"linear roots", imXyz2lab, {145, 145, 145}, {7, -1, -1}},
+      {"linear L", imXyz2luv, {150, 145, 10}, {7, 5, 7}},
+      {"cubic L", imXyz2luv, {150, 146, 10}, {8, 5, 8}},
+      {"d of 0", imXyz2luv, {-15, 1, 0}, {0, 0, 0}},
+      {"white", imLab2xyz, {100, 0, 0}, {15572, 1, 17838}},
+      {"fy below 1", imLab2xyz, {99, 0, 0}, {15173, 0, 17380}},
+      {"last cube root", imLab2xyz, {7, 0, 0}, {120, 0, 138}},
+      {"first line", imLab2xyz, {8, 0, 0}, {137, 0, 157}},
+      {"black", imLab2xyz, {-16, 0, 0}, {-275, 0, -315}},
+      {"fy above 2", imLab2xyz, {300, -500, 200}, {79811, 14, 91425}},
+      {"white", imLuv2xyz, {100, 0, 0}, {15572, 16384, 17838}},
+      {"L of 0", imLuv2xyz, {0, 9, 9}, {0, 42, 0}},
+      {"red", imLuv2xyz, {53, 175, 37}, {6714, 3448, 336}},
+      {"v' near 0", imLuv2xyz, {10, 5, -61}, {0, 184, 0}},
+      {"v' small", imLuv2xyz, {10, 5, -60}, {14378, 184, 75419}},
+      {"y at 16", imYcbcr2rgb, {16, 128, 128}, {0, 0, 0}},
+      {"not clipped", imYcbcr2rgb, {255, 128, 128}, {278, 278, 278}},
+      {"red", imYcbcr2rgb, {76, 90, 240}, {248, -6, -6}},
+      {"up to 360", imRgb2hsv, {255, 0, 1}, {360, 16384, 16384}},
+      {"half to even", imRgb2hsv, {240, 2, 0}, {0, 16384, 15420}},
+      {"half to even", imRgb2hsv, {240, 6, 0}, {2, 16384, 15420}},
+      {"negative", imRgb2hsv, {-5, -10, -7}, {324, -16384, -321}},
+      {"truncated saturation", imRgb2hsv, {100000, 99999, 99998}, {361, 0, 6425098}},
+      {"360 is 0", imHsv2rgb, {360, 16384, 16384}, {255, 0, 0}},
+      {"sector 0 from above -60", imHsv2rgb, {-59, 16384, 16384}, {255, -250, 0}},
+      {"sector 1", imHsv2rgb, {100, 8192, 8192}, {85, 127, 63}},
+      {"sector 3", imHsv2rgb, {210, 8192, 16384}, {127, 191, 255}},
+      {"sector 5", imHsv2rgb, {359, 8192, 16384}, {255, 127, 129}},
+      {"grey, truncated", imHsv2rgb, {361, 0, -65}, {-1, -1, -1}},
+      {"saturates", imRgb2xyz, {maxInt, maxInt, maxInt}, {maxInt, maxInt, maxInt}},
+      {"saturates", imRgb2hsv, {1, minInt, minInt}, {0, maxInt, 64}},
+      {"saturates", imLuv2xyz, {maxInt, 0, 0}, {2041088698, maxInt, maxInt}},
+      {"saturates", imLab2xyz, {minInt, minInt, maxInt}, {minInt, -2369100, minInt}},
+      {"saturates", imHsv2rgb, {0, minInt, maxInt}, {33423359, maxInt, maxInt}},
+  };
+  for (const auto &c : table)
+    EXPECT_EQ(converted(c.conversion, c.from), c.to) << c.what << testing::PrintToString(c.from);
+}
+
+// The quick forms against the formulas with their divisions, a red at a time.
+TEST(Color, AllColoursEqualTheirFormulas) {
+  const imImagePtr rgb(imCreateImage(3, imTypeColor, 256, 256));
+  const imImagePtr to(imCopyImage(rgb.get()));
+  long faults = 0;
+  const auto expect = [&](Conversion conversion, auto formula) {
+    conversion(rgb.get(), to.get());
+    for (int p = 0; p < rgb->npixels; ++p)
+      for (int k = 0; k < 3; ++k)
+        faults += to->band[k][p] != static_cast<int>(formula(k, pixel(rgb, p)));
+  };
+  const double xyz[3][3] = {
+      {0.412453, 0.35758, 0.180423}, {0.212671, 0.71516, 0.072169}, {0.019334, 0.119193, 0.950227}};
+  const double ycc[3][3] = {
+      {0.299, 0.587, 0.114}, {-37.797, -74.203, 112}, {112, -93.786, -18.214}};
+  for (int red = 0; red < 256; ++red) {
+    for (int p = 0; p < rgb->npixels; ++p) {
+      rgb->band[0][p] = red;
+      rgb->band[1][p] = p / 256;
+      rgb->band[2][p] = p % 256;
+    }
+    expect(imRgb2xyz, [&](int k, Colour c) {
+      return (xyz[k][0] * c[0] + xyz[k][1] * c[1] + xyz[k][2] * c[2]) * 16384 / 255;
+    });
+    expect(imRgb2ycbcr, [&](int k, Colour c) {
+      const double sum = ycc[k][0] * c[0] + ycc[k][1] * c[1] + ycc[k][2] * c[2];
+      return k == 0 ? sum : sum / 255 + 128;
+    });
+  }
+  EXPECT_EQ(faults, 0);
+}
+
+// Tables are for large images, quick forms for small values: pixels give the same one by one, and
+// next to values that are out of all range.
+TEST(Color, CompanyMakesNoDifference) {
+  std::mt19937 random(3);
+  std::vector<Colour> colours;
+  for (int v = -200; v < 18100; ++v)
+    colours.push_back({v, (v * 7 + 5) % 18001, (v * 11 + 3) % 18001});
+  for (int k = 0; k < 4000; ++k)
+    colours.push_back({k % 256, k * 7 % 251, k / 16});
+  std::vector<Colour> mixed = colours;
+  for (std::size_t p = 0; p < mixed.size(); p += 100)
+    for (int &c : mixed[p])
+      c = static_cast<int>(random());
+  for (const Conversion conversion :
+       {imRgb2xyz, imXyz2rgb, imXyz2lab, imLab2xyz, imXyz2luv, imLuv2xyz, imRgb2ycbcr, imYcbcr2rgb,
+        imRgb2hsv, imRgb2lab, imLab2rgb, imRgb2luv, imLuv2rgb}) {
+    testing::internal::CaptureStdout();
+    const imImagePtr among = row(mixed);
+    conversion(among.get(), among.get());
+    const imImagePtr tame = row(colours);
+    conversion(tame.get(), tame.get());
+    long faults = 0;
+    for (std::size_t p = 0; p < mixed.size(); ++p) {
+      faults += pixel(among, static_cast<int>(p)) != converted(conversion, mixed[p]);
+      faults +=
+          p % 100 != 0 && pixel(among, static_cast<int>(p)) != pixel(tame, static_cast<int>(p));
+    }
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(faults, 0);
+  }
+}
+
+TEST(Color, GreyWithAHueStopsTheWayBack) {
+  std::vector<Colour> hsv(1000, {120, 16384, 16384});
+  hsv[2] = {361, 0, 16384};
+  hsv[3] = {361, 5, 16384}; // no such hue: left alone, as -60 is
+  hsv[4] = {-60, 5, 16384};
+  hsv[700] = {100, 0, 7};
+  const imImagePtr rgb = row(std::vector<Colour>(1000, {1, 2, 3}));
+  testing::internal::CaptureStderr();
+  imHsv2rgb(row(hsv).get(), rgb.get());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "in hsv2rgb: saturation is 0 and hue is defined!\n");
+  for (const int p : {3, 4, 700, 701, 999})
+    EXPECT_EQ(pixel(rgb, p), (Colour{1, 2, 3})) << p;
+  EXPECT_EQ(pixel(rgb, 2), (Colour{255, 255, 255}));
+  for (const int p : {0, 5, 699})
+    EXPECT_EQ(pixel(rgb, p), (Colour{0, 255, 0})) << p;
+}
+
+TEST(Color, FieldsAndRefusals) {
+  for (const Conversion conversion : {imXyz2rgb, imLab2rgb, imLuv2rgb, imRgb2lab, imHsv2rgb}) {
+    const imImagePtr out = row({{361, 0, 0}});
+    out->maxValue = 9;
+    conversion(row({{361, 0, 0}}).get(), out.get());
+    EXPECT_EQ(out->maxValue, conversion == imRgb2lab || conversion == imHsv2rgb ? 9 : 255);
+  }
+  const imImagePtr three = row({{1, 2, 3}});
+  const imImagePtr longer = row({{1, 2, 3}, {4, 5, 6}});
+  const imImagePtr grey = makeImage({{1}});
+  const auto exits = testing::ExitedWithCode(1);
+  EXPECT_EXIT(imRgb2xyz(grey.get(), three.get()), exits, "imRgb2xyz");
+  EXPECT_EXIT(imHsv2rgb(three.get(), grey.get()), exits, "imHsv2rgb");
+  EXPECT_EXIT(imRgb2luv(three.get(), longer.get()), exits, "imRgb2luv");
+}
+
+} // namespace
