@@ -23,24 +23,27 @@ struct Problem {
   imImagePtr in{imCreateImage(3, imTypeXyz, benchSide, benchSide)};
   imImagePtr out{imCreateImage(3, imTypeXyz, benchSide, benchSide)};
 
-  Problem() {
-    std::mt19937 random(9);
-    for (int b = 0; b < 3; ++b)
-      for (int p = 0, v = 128; p < rgb->npixels; ++p) {
-        v = std::clamp(v + static_cast<int>(random() % 17) - 8, 0, 255);
-        rgb->band[b][p] = v;
-      }
-  }
+  Problem();
 };
-
-const Problem &problem() {
-  static const Problem shared;
-  return shared;
-}
 
 void copyBands(const imImage *in, imImage *out) {
   for (int b = 0; b < 3; ++b)
     std::copy_n(in->band[b], in->npixels, out->band[b]);
+}
+
+Problem::Problem() {
+  std::mt19937 random(9);
+  for (int b = 0; b < 3; ++b)
+    for (int p = 0, v = 128; p < rgb->npixels; ++p) {
+      v = std::clamp(v + static_cast<int>(random() % 17) - 8, 0, 255);
+      rgb->band[b][p] = v;
+    }
+  copyBands(rgb.get(), out.get()); // touches its pages
+}
+
+const Problem &problem() {
+  static const Problem shared;
+  return shared;
 }
 
 // The input is what `before` makes of the colours.
