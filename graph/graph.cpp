@@ -68,9 +68,11 @@ ifGraph *copyBaseGraph(ifGraph *graph, int dataSize) {
 void destroyGraph(ifGraph **graph) {
   if (graph == nullptr || *graph == nullptr)
     return;
-  if ((*graph)->vertices != nullptr)
-    for (int v = 0; v < (*graph)->nVertices; ++v)
-      listDestroy(&(*graph)->vertices[v]);
+  for (int v = 0; (*graph)->vertices != nullptr && v < (*graph)->nVertices; ++v) {
+    ifVertex &vertex = (*graph)->vertices[v];
+    if (vertex.edges != nullptr || vertex.data != nullptr) // untouched pages stay so
+      listDestroy(&vertex);
+  }
   std::free((*graph)->vertices);
   imReleaseImage(&(*graph)->labelImage);
   std::free(*graph);
