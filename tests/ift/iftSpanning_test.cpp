@@ -152,7 +152,12 @@ TEST(Cuts, AtAThreshold) {
        2,
        {0, 1, 0},
        {{1}, {0}, {}}},
-      {"no edge", {}, 0, 1, {0, 1}, {{}, {}}},
+      {"edges met at the smaller representative",
+       {{1, 2, 5}, {1, 3, 5}},
+       0,
+       3,
+       {0, 1, 2, 3},
+       {{}, {2, 3}, {1}, {1}}},
       {"no region", {}, 0, 1, {0}, {{}, {}}},
   };
   for (const auto &c : cases) {
