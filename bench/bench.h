@@ -5,10 +5,12 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <random>
 #include <string>
 #include <sys/resource.h>
+#include <unistd.h>
 
 /// The side of the images measured, in pixels.
 inline constexpr int benchSide = 4096;
@@ -28,6 +30,28 @@ inline void reportPeakMemory(benchmark::State &state, double pixels) {
   getrusage(RUSAGE_SELF, &usage);
   state.counters["peak bytes/pixel"] = static_cast<double>(usage.ru_maxrss) * 1024 / pixels;
 }
+
+/// Sends progress lines where they take no time to speak of, as long as it lives: benchmarks report
+/// on the same stream.
+class SilentProgress {
+public:
+  SilentProgress() : output_(dup(STDOUT_FILENO)) {
+    const int nowhere = open("/dev/null", O_WRONLY);
+    std::fflush(stdout);
+    dup2(nowhere, STDOUT_FILENO);
+    close(nowhere);
+  }
+  ~SilentProgress() {
+    std::fflush(stdout);
+    dup2(output_, STDOUT_FILENO);
+    close(output_);
+  }
+  SilentProgress(const SilentProgress &) = delete;
+  SilentProgress &operator=(const SilentProgress &) = delete;
+
+private:
+  int output_;
+};
 
 /// A file that goes away with the benchmark.
 class ScratchFile {

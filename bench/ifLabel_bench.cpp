@@ -8,15 +8,8 @@
 #include "ift/seeds/ifExtrema.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
-
-// Progress lines go where they take no time to speak of.
-void silenceProgress() {
-  static const bool silenced = std::freopen("/dev/null", "w", stdout) != nullptr;
-  benchmark::DoNotOptimize(silenced);
-}
 
 void copyImage(benchmark::State &state) {
   const imImagePtr image = benchImage(state.range(0), benchSide);
@@ -29,7 +22,7 @@ void copyImage(benchmark::State &state) {
 }
 
 void labelComponents(benchmark::State &state) {
-  silenceProgress();
+  const SilentProgress silent;
   const imImagePtr binary = benchBinary(state.range(0), benchSide);
   for (auto _ : state) {
     const imImagePtr labels(imCreateImage(1, imTypeAscii, benchSide, benchSide));
@@ -41,7 +34,7 @@ void labelComponents(benchmark::State &state) {
 }
 
 void regionalMaxima(benchmark::State &state) {
-  silenceProgress();
+  const SilentProgress silent;
   const imImagePtr image = benchImage(state.range(0), benchSide);
   for (auto _ : state)
     imImagePtr(ifRegionalMaxima(image.get()));
@@ -50,7 +43,7 @@ void regionalMaxima(benchmark::State &state) {
 }
 
 void regionalMaximaAsRoots(benchmark::State &state) {
-  silenceProgress();
+  const SilentProgress silent;
   const imImagePtr image = benchImage(state.range(0), benchSide);
   for (auto _ : state)
     ifRootsPtr(ifRegionalMaximaAsRoots(image.get()));

@@ -10,6 +10,7 @@
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/operators/ifSkeleton.h"
+#include "ift/operators/ifConnected.h"
 #include "ift/operators/iftFuzzy.h"
 #include "ift/regions/ifRegionGraph.h"
 #include "ift/regions/iftSpanning.h"

@@ -1,0 +1,177 @@
+#include "ift/operators/ifConnected.h"
+
+#include "base/arith.h"
+#include "base/report.h"
+#include "ift/core/iftForest.h"
+#include "ift/operators/areaLevels.h"
+#include "ift/seeds/ifExtrema.h"
+#include "image/imMorph.h"
+#include "image/imPixelwise.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+using namespace seedforest::detail;
+
+namespace {
+
+struct Direction {
+  decltype(&iftNonNormalized) transform;
+  ifPathCostFn pathCost;
+  ifPathCostFn localPathCost;
+  int unreached;
+};
+constexpr Direction byDilation = {iftNonNormalizedInverted, ifPathCostMin, ifPathCostMinLocal,
+                                  ifInfiniteCostInverted};
+constexpr Direction byErosion = {iftNonNormalized, ifPathCostMax, ifPathCostMaxLocal,
+                                 ifInfiniteCost};
+
+struct Result {
+  imImagePtr filtered;
+  imImagePtr labels;
+
+  void release(imImage **filteredOut, imImage **labelsOut) {
+    *filteredOut = filtered.release();
+    *labelsOut = labels.release();
+  }
+};
+
+imImagePtr createLike(const imImage *image, int nbands, char type) {
+  return createImage(nbands, type, image->ncols, image->nrows);
+}
+
+// What bounds the costs of paths through an image; a file's pixels may exceed its maximum.
+int costBound(const imImage *image) {
+  return std::max(image->maxValue,
+                  *std::max_element(image->band[0], image->band[0] + image->npixels));
+}
+
+// Moves a band out of a forest.
+imImagePtr takeBand(imImage *forest, int b, char type) {
+  imImagePtr result = createLike(forest, 1, type);
+  std::swap(result->band[0], forest->band[b]);
+  result->maxValue = largestValue(result.get(), 0);
+  return result;
+}
+
+Result takeResult(imImage *forest, char type) {
+  return {takeBand(forest, 1, type), takeBand(forest, 0, imTypeAscii)};
+}
+
+Result reconstruct(const Direction &direction, const imImage *f, int bound, const ifRoots *roots,
+                   bool isLocal) {
+  const imImagePtr forest = createLike(f, 3, imTypeWork);
+  direction.transform(f, forest.get(), imNeighborhood8, ifWatershedMetric, bound,
+                      isLocal ? direction.localPathCost : direction.pathCost, roots);
+  int *cost = forest->band[1];
+  for (int p = 0; isLocal && p < f->npixels; ++p)
+    if (cost[p] == direction.unreached)
+      cost[p] = f->band[0][p];
+  return takeResult(forest.get(), f->type);
+}
+
+// The regional maxima of f, their levels for values; of those that do not reach the area none,
+// where only reached ones are wanted.
+ifRootsPtr leveledMaxima(const imImage *f, int area, bool onlyReached) {
+  ifRootsPtr roots(ifRegionalMaximaAsRoots(f));
+  const int count = roots->n == 0 ? 0 : *std::max_element(roots->label, roots->label + roots->n);
+  progress("There are %d regional maxima\n", count);
+  const auto levels = findAreaLevels(f, roots.get(), count, costBound(f), area);
+  int kept = 0;
+  for (int i = 0; i < roots->n; ++i) {
+    const AreaLevel &level = levels[roots->label[i]];
+    if (onlyReached && !level.reached)
+      continue;
+    roots->pixel[kept] = roots->pixel[i];
+    roots->label[kept] = roots->label[i];
+    roots->value[kept++] = level.value;
+  }
+  roots->n = kept;
+  return roots;
+}
+
+Result areaOpen(const imImage *f, int area) {
+  const ifRootsPtr roots = leveledMaxima(f, area, false);
+  // Without roots, the local form gives the image back.
+  return reconstruct(byDilation, f, costBound(f), roots.get(), roots->n == 0);
+}
+
+using MorphologyFn = void (*)(const imImage *in, imImage *out, int s);
+using EnvelopeFn = imImage *(*)(const imImage *a, const imImage *b);
+
+// The envelope of an image and the marker grown, or shrunk, by a pixel.
+imImagePtr envelope(EnvelopeFn combine, const imImage *image, MorphologyFn change,
+                    const imImage *marker) {
+  const imImagePtr changed = createLike(image, 1, image->type);
+  change(marker, changed.get(), 1);
+  imImagePtr result = requireMade(combine(image, changed.get()));
+  result->maxValue = largestValue(result.get(), 0);
+  return result;
+}
+
+} // namespace
+
+void ifReconstr(const imImage *f, const imImage *, const ifRoots *roots, int flag,
+                imImage **filtered, imImage **labels) {
+  requireBands("ifReconstr", f, 1);
+  reconstruct(byDilation, f, costBound(f), roots, flag == 0).release(filtered, labels);
+}
+
+void ifDualReconstr(const imImage *f, const imImage *g, const ifRoots *roots, int flag,
+                    imImage **filtered, imImage **labels) {
+  requireBands("ifDualReconstr", f, 1);
+  requireBands("ifDualReconstr", g, 1);
+  reconstruct(byErosion, f, costBound(g), roots, flag == 0).release(filtered, labels);
+}
+
+void ifAreaOpen(const imImage *f, imImage **filtered, imImage **labels, int area) {
+  requireBands("ifAreaOpen", f, 1);
+  areaOpen(f, area).release(filtered, labels);
+}
+
+void ifAreaOpenOld(const imImage *f, imImage **filtered, imImage **labels, int area) {
+  requireBands("ifAreaOpenOld", f, 1);
+  const ifRootsPtr roots = leveledMaxima(f, area, true);
+  reconstruct(byDilation, f, costBound(f), roots.get(), true).release(filtered, labels);
+}
+
+void ifAreaClose(imImage *f, imImage **filtered, imImage **labels, int area) {
+  requireBands("ifAreaClose", f, 1);
+  const imImagePtr negative = requireMade(imNegative(f, f->type));
+  const bool grey = f->type == imTypeGrey;
+  const std::int64_t white = grey ? 255 : f->maxValue;
+  if (!grey)
+    negative->maxValue = largestValue(negative.get(), 0);
+  Result opened = areaOpen(negative.get(), area);
+  // Against the same white as the first time, whatever the largest value is now.
+  int *value = opened.filtered->band[0];
+  std::transform(value, value + f->npixels, value, [white](int v) { return saturate(white - v); });
+  opened.filtered->maxValue = grey ? 255 : 0;
+  opened.release(filtered, labels);
+}
+
+void ifLevel(const imImage *f, const imImage *second, const ifRoots *roots, imImage **filtered,
+             imImage **labels) {
+  requireBands("ifLevel", f, 1);
+  const imImagePtr forest = createLike(f, 3, imTypeWork);
+  iftNonNormalizedLevel(f, second, forest.get(), imNeighborhood8, roots);
+  takeResult(forest.get(), imTypeAscii).release(filtered, labels);
+}
+
+void ifLevel2(const imImage *f, const imImage *marker, imImage **filtered) {
+  requireBands("ifLevel2", f, 1);
+  requireBands("ifLevel2", marker, 1);
+  requireSameSize("ifLevel2", f, marker);
+  if (f->nbands != 1 || marker->nbands != 1)
+    fatal("ifLevel2: images of %d and %d bands where one is needed\n", f->nbands, marker->nbands);
+  imImagePtr low = envelope(imLowerEnvelope, f, imMorphDilate, marker);
+  const ifRootsPtr maxima(ifRegionalMaximaAsRoots(low.get()));
+  if (maxima->n > 0)
+    low = reconstruct(byDilation, f, costBound(f), maxima.get(), false).filtered;
+  imImagePtr high = envelope(imUpperEnvelope, low.get(), imMorphErode, marker);
+  const ifRootsPtr minima(ifRegionalMinimaAsRoots(high.get()));
+  if (minima->n > 0)
+    high = reconstruct(byErosion, low.get(), costBound(high.get()), minima.get(), false).filtered;
+  *filtered = high.release();
+}
