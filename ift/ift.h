@@ -12,6 +12,8 @@
 #include "ift/operators/ifSkeleton.h"
 #include "ift/operators/ifConnected.h"
 #include "ift/operators/iftFuzzy.h"
+#include "ift/regions/ifFeatures.h"
+#include "ift/regions/ifRegionData.h"
 #include "ift/regions/ifRegionGraph.h"
 #include "ift/regions/iftSpanning.h"
 #include "ift/seeds/ifCellSeeds.h"

@@ -1,0 +1,131 @@
+#include "ift/regions/ifFeatures.h"
+
+#include "base/arith.h"
+#include "base/buffer.h"
+#include "base/report.h"
+#include "ift/label/labelIndex.h"
+
+#include <algorithm>
+#include <cstdint>
+
+using namespace seedforest::detail;
+
+namespace {
+
+// Averages over the pixels of each region; indexOf(label) tells a region's place in a table of
+// `size`.
+template <class IndexOf>
+class RegionAverages {
+public:
+  RegionAverages(const imImage *labels, std::size_t size, IndexOf indexOf)
+      : labels_(labels), size_(size), indexOf_(indexOf),
+        count_(makeZeroedArray<std::int64_t>(size)), sum_(makeArray<std::int64_t>(size)) {
+    forEachPixel([this](int, std::size_t i) { ++count_[i]; });
+  }
+
+  // The averages of a band, at the regions' places, 0 where there are no pixels; until the next
+  // call.
+  const std::int64_t *of(const int *band) {
+    std::fill_n(sum_.get(), size_, 0);
+    forEachPixel([this, band](int p, std::size_t i) { sum_[i] += band[p]; });
+    for (std::size_t i = 0; i < size_; ++i)
+      sum_[i] /= std::max<std::int64_t>(count_[i], 1);
+    return sum_.get();
+  }
+
+  // Calls look(pixel, place of its region) for every pixel.
+  template <class Look>
+  void forEachPixel(Look look) const {
+    for (int p = 0; p < labels_->npixels; ++p)
+      look(p, indexOf_(labels_->band[0][p]));
+  }
+
+private:
+  const imImage *labels_;
+  std::size_t size_;
+  IndexOf indexOf_;
+  Array<std::int64_t> count_;
+  Array<std::int64_t> sum_;
+};
+
+// value * 1000 / range, in 32 bits.
+int rescale(int value, int range) {
+  return wrap(std::int64_t{wrap(std::int64_t{value} * 1000)} / range);
+}
+
+} // namespace
+
+void ifAverageColor(const imImage *image, imImage *output, const imImage *labels) {
+  requireBands("ifAverageColor", image, 1);
+  requireBands("ifAverageColor", output, image->nbands);
+  requireSameSize("ifAverageColor", image, output);
+  requireBands("ifAverageColor", labels, 1);
+  requireSameSize("ifAverageColor", image, labels);
+  if (!allWithin(labels->band[0], labels->npixels, 0, labels->maxValue))
+    fatal("ifAverageColor: labels outside 0 .. %d\n", labels->maxValue);
+  const LabelIndex index(labels);
+  RegionAverages averages(labels, index.size(), [&index](int label) { return index(label); });
+  for (int b = 0; b < image->nbands; ++b) {
+    const std::int64_t *average = averages.of(image->band[b]);
+    averages.forEachPixel([out = output->band[b], average](int p, std::size_t i) {
+      out[p] = static_cast<int>(average[i]);
+    });
+  }
+}
+
+imImage *ifCreateFeaturesVector(const imImage *image) {
+  requireBands("ifCreateFeaturesVector", image, 1);
+  imImagePtr result = createImage(image->nbands, imTypeFeatures, image->ncols, image->nrows);
+  for (int b = 0; b < image->nbands; ++b) {
+    const int *value = image->band[b];
+    const auto [smallest, largest] = std::minmax_element(value, value + image->npixels);
+    const std::int64_t min = *smallest;
+    const int range = wrap(*largest - min);
+    progress("MAX = %d, MIN = %d\n", *largest, *smallest);
+    if (range != 0)
+      std::transform(value, value + image->npixels, result->band[b],
+                     [=](int v) { return rescale(wrap(v - min), range); });
+  }
+  result->maxValue = 1000;
+  return result.release();
+}
+
+ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image) {
+  requireRegions("ifComputeAverageColors", graph);
+  requireBands("ifComputeAverageColors", image, 1);
+  requireSameSize("ifComputeAverageColors", graph->labelImage, image);
+  RegionAverages averages(graph->labelImage, static_cast<std::size_t>(graph->nVertices),
+                          [](int label) { return static_cast<std::size_t>(label); });
+  ifGraphPtr result = requireMade(copyBaseGraph(graph, image->nbands));
+  for (int b = 0; b < image->nbands; ++b) {
+    const std::int64_t *average = averages.of(image->band[b]);
+    for (int v = 0; v < graph->nVertices; ++v)
+      result->vertices[v].data[b] = static_cast<int>(average[v]);
+  }
+  return result.release();
+}
+
+imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type) {
+  requireRegions("ifAverageColorsGraphToImage", graph);
+  requireData("ifAverageColorsGraphToImage", graph, 1);
+  const imImage *labels = graph->labelImage;
+  imImagePtr result = createImage(graph->dataSize, type, labels->ncols, labels->nrows);
+  for (int b = 0; b < graph->dataSize; ++b)
+    for (int p = 0; p < labels->npixels; ++p)
+      result->band[b][p] = graph->vertices[labels->band[0][p]].data[b];
+  return result.release();
+}
+
+ifGraph *ifCreateFeaturesGraph(ifGraph *graph) {
+  requireData("ifCreateFeaturesGraph", graph, 1);
+  const imImagePtr data = createImage(graph->dataSize, imTypeFeatures, 1, graph->nVertices);
+  for (int v = 0; v < graph->nVertices; ++v)
+    for (int b = 0; b < graph->dataSize; ++b)
+      data->band[b][v] = graph->vertices[v].data[b];
+  const imImagePtr features(ifCreateFeaturesVector(data.get()));
+  ifGraphPtr result = requireMade(copyBaseGraph(graph, graph->dataSize));
+  for (int v = 0; v < graph->nVertices; ++v)
+    for (int b = 0; b < graph->dataSize; ++b)
+      result->vertices[v].data[b] = features->band[b][v];
+  return result.release();
+}

@@ -1,0 +1,50 @@
+// What a region is worth while regions merge: its area, its volume, its colour.
+//
+// With a union-find over the pixels of an image (element p is pixel p), for each measure: an
+// operation that fills in the data of single pixels, one for the record's `merge`, which adds the
+// data of set b to those of set a, and one that weighs an edge by the regions of its ends.
+// With a region graph: a copy of it that has each vertex's measure for data.
+//
+//   ufUnionFind uf;
+//   ufStartUnionFind(&uf, image->npixels, 4);
+//   ifInitColorData(&uf, image);
+//   uf.merge = ifUpdateColorData;
+//   ... ifEdgeWeightColor(image, &uf, p, q) ... ufLink(&uf, a, b) ...
+//
+// Sums are kept in ints and saturate. Errors, after a line on standard error, with status 1: no
+// image or too few bands, fewer elements than pixels or too little data on each, a pixel that is no
+// element.
+#pragma once
+
+#include "graph/graph.h"
+#include "graph/unionfind.h"
+#include "image/imImage.h"
+
+/// Area, one integer: 1 for each pixel. The update returns b's area, the weight is the smaller of
+/// the areas of the regions of p and q; it does not read the image.
+void ifInitAreaData(ufUnionFind *uf, const imImage *image);
+int ifUpdateAreaData(ufElement *elems, int a, int b);
+int ifEdgeWeightArea(const imImage *image, ufUnionFind *uf, int p, int q);
+
+/// Volume, two integers: area, sum of band 0. The update returns b's sum. The weight is the water
+/// that the regions hold when it stands at the value of p: the smaller of area * value - sum, of
+/// the regions of p and q; saturating.
+void ifInitVolumeData(ufUnionFind *uf, const imImage *image);
+int ifUpdateVolumeData(ufElement *elems, int a, int b);
+int ifEdgeWeightVolume(const imImage *image, ufUnionFind *uf, int p, int q);
+
+/// Colour, four integers: area, sums of bands 0, 1 and 2. The update returns b's area. The weight
+/// is the largest difference, over the bands, of the regions' means (integer divisions);
+/// saturating. It does not read the image. A region of area 0 ends the process with status 1 after
+/// a line.
+void ifInitColorData(ufUnionFind *uf, const imImage *image);
+int ifUpdateColorData(ufElement *elems, int a, int b);
+int ifEdgeWeightColor(const imImage *image, ufUnionFind *uf, int p, int q);
+
+/// A copy of the graph (see copyBaseGraph) with one integer on each vertex: the number of pixels
+/// that have its label, or the sum of what their values in band 0 lack of the image's maxValue. The
+/// caller releases it.
+/// Print "will copy base graph %d\n" (the number of vertices) and "done!!!!\n" on standard output.
+/// Errors, too: no graph or no label image, labels that are no vertices, images of different size.
+ifGraph *ifComputeArea(ifGraph *graph);
+ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image);

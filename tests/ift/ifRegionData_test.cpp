@@ -1,0 +1,108 @@
+#include "ift/regions/ifRegionData.h"
+
+#include "graphs.h"
+#include "ift/regions/ifFeatures.h"
+
+namespace {
+
+// The data of all vertices.
+Matrix dataOf(const ifGraphPtr &graph) {
+  Matrix rows;
+  for (int v = 0; v < graph->nVertices; ++v)
+    rows.emplace_back(graph->vertices[v].data, graph->vertices[v].data + graph->dataSize);
+  return rows;
+}
+
+ifGraphPtr regions(const Matrix &labels, int dataSize = 0) {
+  return ifGraphPtr(createGraph(makeImage(labels).get(), dataSize));
+}
+
+TEST(RegionData, OfSetsThatMerge) {
+  imImagePtr image(imCreateImage(3, imTypeColor, 3, 1));
+  const int values[3][3] = {{90, 110, 90}, {51, 50, 70}, {-1, 0, 5}};
+  for (int b = 0; b < 3; ++b)
+    std::copy_n(values[b], 3, image->band[b]);
+  const struct {
+    void (*init)(ufUnionFind *, const imImage *);
+    ufMergeFn update;
+    int (*weight)(const imImage *, ufUnionFind *, int, int);
+    int dataSize;
+    std::vector<int> merged;
+    int returned;
+    int weight01; // between the region {0, 1} and the pixel 2
+    int weight10;
+  } cases[] = {
+      {ifInitAreaData, ifUpdateAreaData, ifEdgeWeightArea, 1, {2}, 1, 1, 1},
+      // At p = 0: 2 * 90 - 200 and 90 - 90; at p = 2 the same values; at p = 1: 20 and 20.
+      {ifInitVolumeData, ifUpdateVolumeData, ifEdgeWeightVolume, 2, {2, 200}, 90, -20, 20},
+      // Means (100, 50, 0) and (90, 70, 5).
+      {ifInitColorData, ifUpdateColorData, ifEdgeWeightColor, 4, {2, 200, 101, -1}, 1, 20, 20},
+  };
+  for (const auto &c : cases) {
+    ufUnionFind uf;
+    ufStartUnionFind(&uf, 3, c.dataSize);
+    c.init(&uf, image.get());
+    uf.merge = c.update;
+    ufLink(&uf, 0, 1);
+    EXPECT_EQ(std::vector<int>(uf.elems[1].data, uf.elems[1].data + c.dataSize), c.merged);
+    EXPECT_EQ(c.weight(image.get(), &uf, 0, 2), c.weight01);
+    EXPECT_EQ(c.weight(image.get(), &uf, 1, 2), c.weight10);
+    EXPECT_EQ(c.update(uf.elems, 2, 0), c.returned);
+    ufReleaseUnionFind(&uf);
+  }
+}
+
+TEST(RegionData, OfGraphs) {
+  const ifGraphPtr graph = regions({{0, 2, 2}, {0, 2, 3}});
+  insertEdge(graph.get(), 0, 2, 7);
+  const imImagePtr image = makeImage({{1, 2, 3}, {4, 9, 9}});
+  testing::internal::CaptureStdout();
+  const ifGraphPtr area(ifComputeArea(graph.get()));
+  const ifGraphPtr volume(ifComputeVolume(graph.get(), image.get()));
+  const std::string lines = "will copy base graph 4\ndone!!!!\n";
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), lines + lines);
+  EXPECT_EQ(dataOf(area), (Matrix{{2}, {0}, {3}, {1}}));
+  EXPECT_EQ(dataOf(volume), (Matrix{{13}, {0}, {13}, {0}}));
+  EXPECT_EQ(listsOf(area.get()), listsOf(graph.get()));
+}
+
+TEST(Features, Averages) {
+  const imImagePtr image = makeImage({{10, 11, 20}, {-7, -8, 20}});
+  const Matrix labels = {{1, 1, 3}, {0, 0, 3}};
+  const Matrix averages = {{10, 10, 20}, {-7, -7, 20}};
+  ifAverageColor(image.get(), image.get(), makeImage(labels).get());
+  EXPECT_EQ(bandOf(image.get()), averages);
+  const imImagePtr far = makeImage({{5, 2000000000}}); // a label far beyond the number of pixels
+  ifAverageColor(far.get(), far.get(), far.get());
+  EXPECT_EQ(bandOf(far.get()), (Matrix{{5, 2000000000}}));
+
+  const imImagePtr again = makeImage({{10, 11, 20}, {-7, -8, 20}});
+  const ifGraphPtr graph(ifComputeAverageColors(regions(labels).get(), again.get()));
+  EXPECT_EQ(dataOf(graph), (Matrix{{-7}, {10}, {0}, {20}}));
+  const imImagePtr painted(ifAverageColorsGraphToImage(graph.get(), imTypeGrey));
+  EXPECT_EQ(bandOf(painted.get()), averages);
+  EXPECT_EQ(painted->type, imTypeGrey);
+}
+
+TEST(Features, Rescaled) {
+  testing::internal::CaptureStdout();
+  const auto rescaled = [](const Matrix &values) {
+    return bandOf(imImagePtr(ifCreateFeaturesVector(makeImage(values).get())).get());
+  };
+  EXPECT_EQ(rescaled({{0, 5, 10}}), (Matrix{{0, 500, 1000}}));
+  EXPECT_EQ(rescaled({{4, 4}}), (Matrix{{0, 0}}));
+  EXPECT_EQ(rescaled({{0, 3000000}}), (Matrix{{0, -431}})); // 3000000000 wraps around
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "MAX = 10, MIN = 0\nMAX = 4, MIN = 4\nMAX = 3000000, MIN = 0\n");
+  const ifGraphPtr graph = regions({{0, 1, 2}}, 2);
+  for (int v = 0; v < 3; ++v) {
+    graph->vertices[v].data[0] = 10 + v;
+    graph->vertices[v].data[1] = -v * v;
+  }
+  testing::internal::CaptureStdout();
+  const ifGraphPtr features(ifCreateFeaturesGraph(graph.get()));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "MAX = 12, MIN = 10\nMAX = 0, MIN = -4\n");
+  EXPECT_EQ(dataOf(features), (Matrix{{0, 1000}, {500, 750}, {1000, 0}}));
+}
+
+} // namespace
