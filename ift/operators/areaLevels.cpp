@@ -47,9 +47,10 @@ Array<int> sortByFallingValue(const imImage *image) {
   return sorted;
 }
 
-// Components that grow pixel by pixel until they have a certain area. Pixels have the number of
-// the component that they were added to; components that met are linked to one of them, which leads
-// them. There are far fewer components than pixels, so that what is followed in no order is small.
+// Components that grow pixel by pixel until they have a certain area, when they are complete. What
+// touches a complete one is complete at once, and has no need of a number; other pixels have the
+// number of the component that they were added to. Components that met are linked to one of them,
+// which leads them. They are far fewer than pixels, so that what is followed in no order is small.
 class GrowingComponents {
 public:
   GrowingComponents(const imImage *image, int area)
@@ -82,19 +83,33 @@ public:
         isComplete = true;
       } else if (leader != own) {
         area -= link_[leader];
-        if (own != absent)
+        if (own != absent) {
           link_[own] = leader;
+          --growing_;
+        }
         own = leader;
       }
     }
-    if (own == absent && !isComplete)
+    if (own == absent) {
+      if (isComplete) {
+        numberOf_[p] = late;
+        return;
+      }
       own = ++count_;
+      ++growing_;
+    }
     numberOf_[p] = isComplete ? late : own;
-    const bool completes = isComplete || area >= area_;
-    link_[own] = completes ? complete : -area; // nobody's, where own is absent
-    if (completes)
+    if (isComplete || area >= area_) {
+      link_[own] = complete;
       last_[own] = p;
+      --growing_;
+    } else {
+      link_[own] = -area;
+    }
   }
+
+  // Components that are not complete.
+  int growing() const { return growing_; }
 
   // The pixel that completed the component of p; none while it is not complete.
   int lastOf(int p) {
@@ -125,6 +140,7 @@ private:
   NeighborWalk neighbors_;
   int area_;
   int count_ = 0;
+  int growing_ = 0;
   Array<int> numberOf_;
   // By number: the one to which a component is linked or, of a leader, minus its area, or complete;
   // and the pixel that completed it, whose value is its level.
@@ -147,15 +163,22 @@ void findByComponents(const imImage *image, const ifRoots *maxima, int count, in
   GrowingComponents components(image, area);
   const Array<int> sorted = sortByFallingValue(image);
   const int *value = image->band[0];
-  const int n = image->npixels;
-  for (int i = 0; i < n; ++i) {
-    components.prefetch(sorted[i < n - lookahead ? i + lookahead : i]);
-    components.add(sorted[i]);
+  int lowestStart = maxInt;
+  forEachMaximum(maxima, count, [&](int, int p) { lowestStart = std::min(lowestStart, value[p]); });
+  const int *begin = sorted.get();
+  const int *end = begin + image->npixels;
+  const int *lowerPixels =
+      std::partition_point(begin, end, [=](int p) { return value[p] >= lowestStart; });
+  for (const int *next = begin; next != end; ++next) {
+    if (components.growing() == 0 && next >= lowerPixels)
+      break; // every maximum has its level
+    components.prefetch(end - next > lookahead ? next[lookahead] : *next);
+    components.add(*next);
   }
   forEachMaximum(maxima, count, [&](int label, int p) {
     const int last = components.lastOf(p);
     const bool isReached = last != components.none;
-    levels[label] = {value[isReached ? last : sorted[n - 1]], isReached};
+    levels[label] = {value[isReached ? last : end[-1]], isReached};
   });
 }
 
