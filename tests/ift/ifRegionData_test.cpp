@@ -3,6 +3,9 @@
 #include "graphs.h"
 #include "ift/regions/ifFeatures.h"
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 // The data of all vertices.
@@ -70,14 +73,14 @@ TEST(Features, Averages) {
   const imImagePtr image = makeImage({{10, 11, 20}, {-7, -8, 20}});
   const Matrix labels = {{1, 1, 3}, {0, 0, 3}};
   const Matrix averages = {{10, 10, 20}, {-7, -7, 20}};
-  ifAverageColor(image.get(), image.get(), makeImage(labels).get());
-  EXPECT_EQ(bandOf(image.get()), averages);
+  const imImagePtr output(imCopyImage(image.get()));
+  ifAverageColor(output.get(), output.get(), makeImage(labels).get());
+  EXPECT_EQ(bandOf(output.get()), averages);
   const imImagePtr far = makeImage({{5, 2000000000}}); // a label far beyond the number of pixels
   ifAverageColor(far.get(), far.get(), far.get());
   EXPECT_EQ(bandOf(far.get()), (Matrix{{5, 2000000000}}));
 
-  const imImagePtr again = makeImage({{10, 11, 20}, {-7, -8, 20}});
-  const ifGraphPtr graph(ifComputeAverageColors(regions(labels).get(), again.get()));
+  const ifGraphPtr graph(ifComputeAverageColors(regions(labels).get(), image.get()));
   EXPECT_EQ(dataOf(graph), (Matrix{{-7}, {10}, {0}, {20}}));
   const imImagePtr painted(ifAverageColorsGraphToImage(graph.get(), imTypeGrey));
   EXPECT_EQ(bandOf(painted.get()), averages);
@@ -95,10 +98,8 @@ TEST(Features, Rescaled) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "MAX = 10, MIN = 0\nMAX = 4, MIN = 4\nMAX = 3000000, MIN = 0\n");
   const ifGraphPtr graph = regions({{0, 1, 2}}, 2);
-  for (int v = 0; v < 3; ++v) {
-    graph->vertices[v].data[0] = 10 + v;
-    graph->vertices[v].data[1] = -v * v;
-  }
+  for (int v = 0; v < 3; ++v)
+    std::copy_n(std::array{10 + v, -v * v}.data(), 2, graph->vertices[v].data);
   testing::internal::CaptureStdout();
   const ifGraphPtr features(ifCreateFeaturesGraph(graph.get()));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "MAX = 12, MIN = 10\nMAX = 0, MIN = -4\n");

@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <vector>
 
-struct LiteralLevels {
-  std::vector<int> level; // by label
-  std::vector<int> area;  // taken, at most the threshold
+struct LiteralLevels { // by label
+  std::vector<int> level;
+  std::vector<int> area; // taken, at most the threshold, which is at least 1
 };
 
 inline LiteralLevels literalAreaLevels(const imImage *f, const ifRoots *roots, int threshold) {
@@ -26,12 +26,10 @@ inline LiteralLevels literalAreaLevels(const imImage *f, const ifRoots *roots, i
   std::vector<int> cost(f->npixels);
   std::vector<int> label(f->npixels);
   LiteralLevels result = {std::vector<int>(roots->n + 1), std::vector<int>(roots->n + 1)};
-  std::vector<bool> done(roots->n + 1);
   for (int i = 0; i < roots->n; ++i) {
     const int l = roots->label[i];
-    if (done[l])
-      continue;
-    done[l] = true;
+    if (result.area[l] > 0)
+      continue; // done
     cost[roots->pixel[i]] = roots->value[i];
     label[roots->pixel[i]] = l;
     insertQueue(&queue, &nodes, bucket(roots->value[i]), roots->pixel[i]);
