@@ -1,5 +1,6 @@
 #include "ift/regions/iftSpanning.h"
 
+#include "graph/unionfind.h"
 #include "graphs.h"
 #include "ift/core/ifWeightImage.h"
 
