@@ -1,0 +1,46 @@
+// The minimum spanning tree of an image's pixels, 4-connected, weighed by the difference of values,
+// with the bare copying of the image beside it.
+
+#include "bench.h"
+#include "images.h"
+
+#include "ift/regions/iftSpanning.h"
+
+#include <algorithm>
+
+namespace {
+
+struct Problem {
+  imImagePtr image;
+  imImagePtr forest;
+
+  explicit Problem(const benchmark::State &state)
+      : image(benchImage(state.range(1), static_cast<int>(state.range(0)))),
+        forest(imCreateImage(2, imTypeWork, image->ncols, image->nrows)) {}
+};
+
+void copyImage(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state) {
+    std::copy_n(problem.image->band[0], problem.image->npixels, problem.forest->band[0]);
+    benchmark::ClobberMemory();
+  }
+  reportPerItem(state, "ns/pixel", problem.image->npixels);
+}
+
+void pixelTree(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state)
+    iftPrim(problem.image.get(), problem.forest.get(), imNeighborhood4, ifMaxDistance);
+  reportPerItem(state, "ns/pixel", problem.image->npixels);
+  reportPeakMemory(state, problem.image->npixels);
+}
+
+void sizesAndImages(benchmark::internal::Benchmark *b) {
+  b->ArgNames({"side", "image"})->ArgsProduct({{1024, benchSide}, benchImageNumbers()});
+  b->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(copyImage)->Apply(sizesAndImages);
+BENCHMARK(pixelTree)->Apply(sizesAndImages);
+
+} // namespace
