@@ -1,0 +1,90 @@
+#include "ift/operators/iftFuzzy.h"
+
+#include "base/arith.h"
+#include "support.h"
+
+namespace {
+
+using seedforest::detail::maxInt;
+using seedforest::detail::minInt;
+
+struct Fuzzy {
+  Matrix labels;
+  Matrix costs;
+  std::string debug[2];
+};
+
+// Runs in a folder of its own. What is not reached keeps the label 7.
+Fuzzy run(const Matrix &rows, const std::vector<Root> &seeds, const std::vector<int> &mean,
+          const std::vector<int> &sigma, imNeighborhoodFn adjacency = imNeighborhood4) {
+  const TemporaryFolder folder;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path(""));
+  const imImagePtr image = makeImage(rows);
+  const imImagePtr labels(imCopyImage(image.get()));
+  const imImagePtr costs(imCopyImage(image.get()));
+  std::fill_n(labels->band[0], labels->npixels, 7);
+  iftFuzzy(image.get(), labels.get(), costs.get(), adjacency, makeRoots(seeds).get(), mean.data(),
+           sigma.data(), static_cast<int>(mean.size()) - 1);
+  std::filesystem::current_path(before);
+  return {bandOf(labels.get()),
+          bandOf(costs.get()),
+          {contentsOf(folder.path("tmp1.pgm")), contentsOf(folder.path("tmp2.pgm"))}};
+}
+
+TEST(Fuzzy, TheObjectOfTheBestChainWins) {
+  // Links cost object 1 (mean 10) 0 162 255 255, and object 2 (mean 18) 255 255 221 0.
+  const Fuzzy line = run({{10, 11, 13, 17, 18}}, {{0, 1}, {4, 2}}, {0, 10, 18}, {0, 4, 4});
+  EXPECT_EQ(line.labels, (Matrix{{1, 1, 1, 2, 2}}));
+  EXPECT_EQ(line.costs, (Matrix{{0, 0, 162, 0, 0}}));
+  EXPECT_EQ(line.debug[0], "P2\n5 1\n255\n    0     0   162   255   255 ");
+  EXPECT_EQ(line.debug[1], "P2\n5 1\n255\n  255   255   221     0     0 ");
+}
+
+TEST(Fuzzy, TiesSeedsAndWhatIsNotReached) {
+  const Matrix plain(2, {5, 5, 5});
+  // A tie everywhere; seeds of no object, even outside the image; values and repeats do not count.
+  const Fuzzy tie =
+      run(plain, {{5, 2, -9}, {0, 1, 300}, {0, 1}, {-4, 0}, {99, 3}}, {0, 5, 5}, {0, 1, 1});
+  EXPECT_EQ(tie.labels, Matrix(2, {1, 1, 1}));
+  EXPECT_EQ(tie.costs, Matrix(2, {0, 0, 0}));
+  // One object, and a relation that leads right and down only.
+  const Fuzzy one = run(plain, {{1, 1}}, {0, 6}, {0, 1}, imNeighborhood4forward);
+  EXPECT_EQ(one.labels, (Matrix{{7, 1, 1}, {7, 1, 1}}));
+  EXPECT_EQ(one.costs, (Matrix{{maxInt, 0, 162}, {maxInt, 162, 162}}));
+  EXPECT_EQ(one.debug[0].substr(0, 18), "P2\n3 2\n2147483647\n");
+  EXPECT_EQ(one.debug[1], "(no such file)");
+  EXPECT_EQ(run(plain, {{0, 1}}, {0}, {0}).costs, Matrix(2, {maxInt, maxInt, maxInt}));
+}
+
+TEST(Fuzzy, LinkCosts) {
+  const struct {
+    int value, mean, sigma, cost;
+  } table[] = {
+      {9, 0, 100, 0}, // 81 / 100 is 0
+      {10, 0, 100, 162},
+      {-15, 0, 100, 221},
+      {23, 0, 100, 254},
+      {25, 0, 100, 255},
+      {10, 0, -100, 255 - 693},
+      {maxInt, minInt, 1, 255},
+      {minInt, maxInt, minInt, 255 - maxInt},
+      {46341, 0, maxInt, 162}, // the smallest square above an int
+  };
+  for (const auto &[value, mean, sigma, cost] : table) {
+    const imImagePtr image = makeImage({{value, value}});
+    const imImagePtr links(ifFuzzyEdgesWeight(image.get(), imNeighborhood4, mean, sigma));
+    EXPECT_EQ(bandOf(links.get(), 0), (Matrix{{cost, 0}})) << value << ' ' << mean << ' ' << sigma;
+    EXPECT_EQ(bandOf(links.get(), 3), (Matrix{{0, cost}}));
+  }
+  const Matrix frame = {{127, 191, 127}, {191, 255, 191}, {127, 191, 127}};
+  const imImagePtr image = makeImage(Matrix(3, {200, 200, 200}));
+  EXPECT_EQ(bandOf(imImagePtr(ifTestFuzzy(image.get(), 0, 9)).get()), frame);
+}
+
+TEST(Fuzzy, RefusedArguments) {
+  EXPECT_EXIT(run({{1}}, {}, {0, 1}, {0, 0}), testing::ExitedWithCode(1), "iftFuzzy");
+  EXPECT_EXIT(run({{1}}, {{1, 1}}, {0, 1}, {0, 1}), testing::ExitedWithCode(1), "iftFuzzy");
+}
+
+} // namespace
