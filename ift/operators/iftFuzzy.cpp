@@ -108,32 +108,39 @@ void writeDebugImage(imImage *costs, int object) {
   imSaveImage(object == 1 ? "tmp1.pgm" : "tmp2.pgm", costs);
 }
 
+using Queue = BucketQueue<PlainEntries::Entry>;
+
+// The transform of one object. The queue is empty before and after.
+void connect(const imImage *image, const NeighborWalk &neighbors, const ifRoots *seeds, int object,
+             const LinkCost &linkCost, Queue &queue, imImage *costs) {
+  int *cost = costs->band[0];
+  PlainEntries entries;
+  std::fill_n(cost, costs->npixels, ifInfiniteCost);
+  for (int i = 0; i < seeds->n; ++i)
+    if (const int p = seeds->pixel[i]; seeds->label[i] == object && cost[p] != 0) {
+      cost[p] = 0;
+      queue.append(0, {p});
+    }
+  ConnectednessRule rule = {image->band[0], cost};
+  propagate(Links{&neighbors, &linkCost, cost}, rule, entries, queue);
+}
+
 } // namespace
 
 void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeighborhoodFn adjacency,
               const ifRoots *seeds, const int *mean, const int *sigma, int nObjects) {
   check(image, labelOut, costOut, seeds, sigma, nObjects);
-  const int npixels = image->npixels;
   const NeighborWalk neighbors(image, adjacency);
-  const imImagePtr work = createImage(1, imTypeAscii, image->ncols, image->nrows);
-  int *cost = work->band[0]; // of one object after the other
+  const imImagePtr costs = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  const int *cost = costs->band[0]; // of one object after the other
   int *best = costOut->band[0];
-  PlainEntries entries;
-  BucketQueue<PlainEntries::Entry> queue(nPathCosts, npixels);
-  std::fill_n(best, npixels, ifInfiniteCost);
+  Queue queue(nPathCosts, image->npixels);
+  std::fill_n(best, image->npixels, ifInfiniteCost);
   for (int o = 1; o <= nObjects; ++o) {
-    std::fill_n(cost, npixels, ifInfiniteCost);
-    for (int i = 0; i < seeds->n; ++i)
-      if (const int p = seeds->pixel[i]; seeds->label[i] == o && cost[p] != 0) {
-        cost[p] = 0;
-        queue.append(0, {p});
-      }
-    const LinkCost linkCost(image, mean[o], sigma[o]);
-    ConnectednessRule rule = {image->band[0], cost};
-    propagate(Links{&neighbors, &linkCost, cost}, rule, entries, queue);
+    connect(image, neighbors, seeds, o, LinkCost(image, mean[o], sigma[o]), queue, costs.get());
     if (o <= 2)
-      writeDebugImage(work.get(), o);
-    for (int p = 0; p < npixels; ++p)
+      writeDebugImage(costs.get(), o);
+    for (int p = 0; p < image->npixels; ++p)
       if (cost[p] < best[p]) {
         best[p] = cost[p];
         labelOut->band[0][p] = o;
