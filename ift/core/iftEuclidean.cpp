@@ -4,7 +4,6 @@
 #include "ift/core/iftPropagate.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <numeric>
@@ -40,13 +39,11 @@ struct EuclideanArcs {
   }
 };
 
-template <std::size_t nHeirlooms>
 class EuclideanRule {
 public:
   explicit EuclideanRule(const EuclideanProblem &problem)
       : neighbors_(problem.neighbors), cost_(problem.cost), pred_(problem.pred),
         nbuckets_(static_cast<std::uint64_t>(problem.nbuckets)) {
-    std::copy_n(problem.heirlooms.begin(), nHeirlooms, heirlooms_.begin());
     findSteps(problem.neighbors);
   }
 
@@ -55,19 +52,13 @@ public:
   template <class Arcs>
   [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
     arcs.prefetch(cost_, p);
-    arcs.prefetch(pred_, p);
-    for (const int *band : heirlooms_)
-      arcs.prefetch(band, p);
+    __builtin_prefetch(pred_ + p, 1);
   }
 
-  // The path is final, and so is what its last pixel's predecessor was given.
+  // The path is final.
   void finish(EuclideanEntry entry) {
-    if (entry.arrival != OnwardWalk::start) {
-      const int pred = entry.pixel - neighbors_.offset(entry.arrival);
-      pred_[entry.pixel] = pred;
-      for (int *band : heirlooms_)
-        band[entry.pixel] = band[pred];
-    }
+    if (entry.arrival != OnwardWalk::start)
+      pred_[entry.pixel] = entry.pixel - neighbors_.offset(entry.arrival);
     for (std::size_t i = 0; i < nsteps_; ++i)
       steps_[i].stepFrom(entry);
     const auto cost = static_cast<unsigned>(entry.cost());
@@ -147,7 +138,6 @@ private:
   const NeighborWalk &neighbors_;
   int *cost_;
   int *pred_;
-  std::array<int *, nHeirlooms> heirlooms_;
   std::uint64_t nbuckets_;
   std::uint64_t turn_ = 0; // the multiple of nbuckets_ below the cost of the pixel taken last
   bool outran_ = false;
@@ -176,11 +166,12 @@ struct EuclideanEntries {
   void prefetch(const Arcs &, int) const {}
 };
 
-template <std::size_t nHeirlooms>
-void run(const EuclideanProblem &problem) {
+} // namespace
+
+void propagateEuclidean(const EuclideanProblem &problem) {
   const int npixels = problem.image->npixels;
-  EuclideanRule<nHeirlooms> rule(problem);
-  EuclideanEntries<EuclideanRule<nHeirlooms>> entries = {rule};
+  EuclideanRule rule(problem);
+  EuclideanEntries<EuclideanRule> entries = {rule};
   BucketQueue<EuclideanEntry> queue(problem.nbuckets, npixels);
   std::fill_n(problem.cost, npixels, ifInfiniteCost);
   forEachSeed(problem.rootPixel, problem.nroots, problem.pred, [&](int, int p) {
@@ -189,15 +180,8 @@ void run(const EuclideanProblem &problem) {
   });
   std::iota(problem.pred, problem.pred + npixels, 0);
   propagate(EuclideanArcs{problem.neighbors}, rule, entries, queue);
-}
-
-} // namespace
-
-void propagateEuclidean(const EuclideanProblem &problem) {
-  if (problem.heirlooms.size() == 1)
-    run<1>(problem);
-  else
-    run<2>(problem);
+  inheritFromRoots(
+      npixels, [pred = problem.pred](int p) { return pred[p]; }, problem.heirlooms);
 }
 
 } // namespace seedforest::detail

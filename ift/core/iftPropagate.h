@@ -26,6 +26,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <new>
 
@@ -327,15 +328,45 @@ void propagate(const Arcs &arcs, Rule &rule, Entries &entries, Queue &queue) {
     const int p = entry.pixel;
     entries.finish(entry);
     rule.finish(entry);
-    arcs.visit(entry, [&](int q, int k) {
-      if (entries.isDone(q))
-        return;
-      const auto cost = rule.extend(p, arcs.weight(p, q, k));
-      if (!rule.improves(cost, q))
-        return;
-      rule.conquer(p, q, k, cost);
-      queue.append(rule.bucket(cost, q), entries.make(rule, q, k, cost));
-    });
+    arcs.visit(
+        entry, [&](int q, int k) __attribute__((always_inline)) {
+          if (entries.isDone(q))
+            return;
+          const auto cost = rule.extend(p, arcs.weight(p, q, k));
+          if (!rule.improves(cost, q))
+            return;
+          rule.conquer(p, q, k, cost);
+          queue.append(rule.bucket(cost, q), entries.make(rule, q, k, cost));
+        });
+  }
+}
+
+/// Gives every pixel of a finished forest what its root has in each of some bands. predOf(p) is a
+/// pixel's predecessor, p itself at roots. In memory order, and each pixel once: far cheaper than
+/// handing it down while the forest grows, which goes all over the image.
+template <class PredOf>
+void inheritFromRoots(int npixels, PredOf predOf, std::initializer_list<int *> bands) {
+  constexpr unsigned wordBits = 64;
+  const auto size = static_cast<std::size_t>(npixels);
+  const Array<std::uint64_t> settled = makeZeroedArray<std::uint64_t>(size / wordBits + 1);
+  const auto wordOf = [&](int p) -> std::uint64_t & {
+    return settled[static_cast<unsigned>(p) / wordBits];
+  };
+  const auto bitOf = [](int p) { return std::uint64_t{1} << static_cast<unsigned>(p) % wordBits; };
+  for (int p = 0; p < npixels; ++p) {
+    int source = p;
+    while ((wordOf(source) & bitOf(source)) == 0) {
+      const int pred = predOf(source);
+      if (pred == source)
+        break;
+      source = pred;
+    }
+    for (int q = p; q != source; q = predOf(q)) {
+      for (int *band : bands)
+        band[q] = band[source];
+      wordOf(q) |= bitOf(q);
+    }
+    wordOf(source) |= bitOf(source);
   }
 }
 
