@@ -50,6 +50,18 @@ void mosaicToGraph(benchmark::State &state) {
   reportPeakMemory(state, labels->npixels);
 }
 
+// The spanning tree of a mosaic's regions, weighed by the difference of one feature; the graph is
+// made beforehand.
+void treeOfRegions(benchmark::State &state) {
+  const imImagePtr labels = bricks(static_cast<int>(state.range(0)));
+  const ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
+  for (int v = 0; v < graph->nVertices; ++v)
+    graph->vertices[v].data[0] = v * 7919LL % 1000;
+  for (auto _ : state)
+    ifGraphPtr(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
+  reportPerItem(state, "ns/pixel", labels->npixels);
+}
+
 void starToGraph(benchmark::State &state) {
   const imImagePtr labels = star(static_cast<int>(state.range(0)));
   for (auto _ : state)
@@ -78,6 +90,7 @@ void sides(benchmark::internal::Benchmark *b) {
 }
 BENCHMARK(copyLabels)->Apply(sides);
 BENCHMARK(mosaicToGraph)->Apply(sides);
+BENCHMARK(treeOfRegions)->Apply(sides);
 
 void doubling(benchmark::internal::Benchmark *b) {
   b->ArgName("regions")->Unit(benchmark::kMillisecond);
