@@ -169,3 +169,12 @@ void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage 
   grow(functionArcs(operation, input, adjacency, ifWatershedMetric), LevelRule{task.forest()},
        input->npixels, *seeds);
 }
+
+namespace seedforest::detail {
+
+int costBound(const imImage *image) {
+  return std::max(image->maxValue,
+                  *std::max_element(image->band[0], image->band[0] + image->npixels));
+}
+
+} // namespace seedforest::detail

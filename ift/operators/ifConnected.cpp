@@ -41,12 +41,6 @@ imImagePtr createLike(const imImage *image, int nbands, char type) {
   return createImage(nbands, type, image->ncols, image->nrows);
 }
 
-// What bounds the costs of paths through an image; a file's pixels may exceed its maximum.
-int costBound(const imImage *image) {
-  return std::max(image->maxValue,
-                  *std::max_element(image->band[0], image->band[0] + image->npixels));
-}
-
 // Moves a band out of a forest.
 imImagePtr takeBand(imImage *forest, int b, char type) {
   imImagePtr result = createLike(forest, 1, type);

@@ -95,8 +95,7 @@ imImagePtr extremaInScale(const imImage *image, Extremum kind) {
   return floodPlateaus(image, image->type == imTypeGrey ? 255 : maxInt, std::less<int>());
 }
 
-// Extrema as the difference between the image and its reconstruction from the shifted image. A
-// file's pixels may exceed its maximum: then they bound the costs.
+// Extrema as the difference between the image and its reconstruction from the shifted image.
 imImagePtr reconstruct(const imImage *image, Extremum kind) {
   const bool minima = kind == Extremum::minimum;
   const imImagePtr shifted = requireMade(imAddToPixelValues(image, minima ? 1 : -1));
@@ -105,9 +104,7 @@ imImagePtr reconstruct(const imImage *image, Extremum kind) {
   const ifRootsPtr seeds = rootsOfComponents(result.get(), shifted.get());
   const imImagePtr forest = createImage(3, imTypeWork, image->ncols, image->nrows);
   const auto transform = minima ? iftNonNormalized : iftNonNormalizedInverted;
-  const int bound = std::max(
-      bounded->maxValue, *std::max_element(bounded->band[0], bounded->band[0] + bounded->npixels));
-  transform(image, forest.get(), imNeighborhood8, ifWatershedMetric, bound,
+  transform(image, forest.get(), imNeighborhood8, ifWatershedMetric, costBound(bounded),
             minima ? ifPathCostMax : ifPathCostMin, seeds.get());
   for (int p = 0; p < image->npixels; ++p) {
     const std::int64_t difference = std::int64_t{forest->band[1][p]} - image->band[0][p];
