@@ -1,18 +1,22 @@
 // Paints a roots file over its image, a colour for each label:
 //
-//   paint_roots IMAGE ROOTS PICTURE.ppm
+//   paint_roots IMAGE ROOTS PICTURE.ppm [TURN]
+//
+// Labels that follow each other get colours far apart or, with TURN, neighbouring ones: the colours
+// go once around the colour circle in so many labels.
 //
 // Built with the project as build/examples/paint_roots, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. examples/paint_roots.cpp -o paint_roots
 //       -Lbuild -lseedforest-ift -lseedforest-image           (one line)
 
+#include "examples/picture.h"
 #include "ift/ift.h"
 #include "image/image.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 
 // The image as a dimmed colour picture, its largest value at three quarters of white.
 static imImagePtr background(const imImage *image) {
@@ -31,18 +35,9 @@ static imImagePtr background(const imImage *image) {
   return picture;
 }
 
-// A strong colour for a label; labels that follow each other lie far apart on the colour circle.
-static void colourOf(int label, int rgb[3]) {
-  const double turn = std::fmod(label * 0.61803398875, 1.0);
-  for (int b = 0; b < 3; ++b) {
-    const double wave = 0.5 + 0.5 * std::cos(6.28318530718 * (turn - b / 3.0));
-    rgb[b] = static_cast<int>(255 * wave);
-  }
-}
-
 int main(int argc, char **argv) {
-  if (argc != 4) {
-    std::fprintf(stderr, "usage: %s IMAGE ROOTS PICTURE.ppm\n", argv[0]);
+  if (argc != 4 && argc != 5) {
+    std::fprintf(stderr, "usage: %s IMAGE ROOTS PICTURE.ppm [TURN]\n", argv[0]);
     return 1;
   }
   imImage *read = nullptr;
@@ -52,14 +47,14 @@ int main(int argc, char **argv) {
   const imImagePtr picture = background(image.get());
   if (roots == nullptr || picture == nullptr)
     return 1;
+  const int turn = argc == 5 ? std::atoi(argv[4]) : 0;
   for (int i = 0; i < roots->n; ++i) {
     const int p = roots->pixel[i];
     if (p < 0 || p >= image->npixels)
       continue; // the file was made for another image
-    int rgb[3];
-    colourOf(roots->label[i], rgb);
-    for (int b = 0; b < 3; ++b)
-      picture->band[b][p] = rgb[b];
+    const int label = roots->label[i];
+    paint(picture.get(), p,
+          turn > 0 ? colourAt(static_cast<double>(label) / turn) : colourOf(label));
   }
   imSaveImage(argv[3], picture.get());
   return 0;

@@ -1,0 +1,55 @@
+// Grey-scale morphology, one operation a run:
+//
+//   morphology OPERATION IMAGE N RESULT.pgm
+//
+// N is the squared radius of the disc for dilate, erode, open and close, and the number of steps
+// for the alternating filters asfCO and asfOC; gradient does not need it.
+//
+// Built with the project as build/examples/morphology, or by hand from the project's folder:
+//   g++ -std=c++20 -O2 -I. examples/morphology.cpp -o morphology
+//       -Lbuild -lseedforest-image                            (one line)
+
+#include "examples/picture.h"
+#include "image/image.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+struct Operation {
+  std::string_view name;
+  void (*apply)(const imImage *in, imImage *out, int n);
+};
+
+static constexpr Operation operations[] = {
+    {"dilate", imMorphDilate},
+    {"erode", imMorphErode},
+    {"open", imMorphOpen},
+    {"close", imMorphClose},
+    {"asfCO", imMorphAsfCO},
+    {"asfOC", imMorphAsfOC},
+    {"gradient", [](const imImage *in, imImage *out, int) { imMorphGrad(in, out); }},
+};
+
+int main(int argc, char **argv) {
+  const std::string_view name = argc == 5 ? argv[1] : "";
+  for (const Operation &operation : operations) {
+    if (operation.name != name)
+      continue;
+    const imImagePtr image = readGrey(argv[2]);
+    if (image == nullptr)
+      return 1;
+    const imImagePtr result(imCreateImage(1, image->type, image->ncols, image->nrows));
+    if (result == nullptr)
+      return 1;
+    operation.apply(image.get(), result.get(), std::atoi(argv[3]));
+    imSaveImage(argv[4], result.get());
+    return 0;
+  }
+  std::fprintf(stderr, "usage: %s OPERATION IMAGE N RESULT.pgm, where OPERATION is one of",
+               argv[0]);
+  for (const Operation &operation : operations)
+    std::fprintf(stderr, " %s", operation.name.data());
+  std::fputs("\n", stderr);
+  return 1;
+}
