@@ -17,7 +17,7 @@
 // pixels are filled first: small regions of odd colour would be the last to merge.
 static imImagePtr mosaic(const imImage *image) {
   static constexpr int leastArea = 60;
-  const imImagePtr gradient(imCreateImage(1, imTypeGrey, image->ncols, image->nrows));
+  const imImagePtr gradient(imCreateImage(1, imTypeAscii, image->ncols, image->nrows));
   const imImagePtr forest(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
   if (gradient == nullptr || forest == nullptr)
     return nullptr;
@@ -27,7 +27,7 @@ static imImagePtr mosaic(const imImage *image) {
   ifAreaClose(gradient.get(), &closed, &basins, leastArea);
   const imImagePtr owners[] = {imImagePtr(closed), imImagePtr(basins)};
   const ifRootsPtr minima(ifRegionalMinimaAsRoots(closed));
-  iftNonNormalized(closed, forest.get(), imNeighborhood8, ifWatershedMetric, closed->maxValue,
+  iftNonNormalized(closed, forest.get(), imNeighborhood8, ifWatershedMetric, gradient->maxValue,
                    ifPathCostMax, minima.get());
   return imImagePtr(imCopyBand(forest.get(), imTypeAscii, 0));
 }
