@@ -23,9 +23,10 @@ constexpr int wrap(std::int64_t value) {
 
 /// The integer part, saturating; 0 for what is no number.
 inline int truncate(double value) {
-  if (std::isnan(value))
-    return 0;
-  return static_cast<int>(std::clamp(value, double{minInt}, double{maxInt}));
+  // Without a branch, so that loops become vector code.
+  const double number = std::isnan(value) ? 0.0 : value;
+  const double least = number < double{minInt} ? double{minInt} : number;
+  return static_cast<int>(least > double{maxInt} ? double{maxInt} : least);
 }
 
 /// (a - b)^2: up to 64 bits without a sign.

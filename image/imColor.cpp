@@ -16,7 +16,7 @@ using namespace seedforest::detail;
 
 namespace {
 
-constexpr int blockPixels = 512;
+constexpr int blockPixels = 128;
 
 struct Block {
   alignas(64) int band[3][blockPixels];
@@ -122,6 +122,16 @@ auto join(const First &first, const Second &second) {
   };
 }
 
+// results[i] = table[v[i]], which vector code gathers.
+SEEDFOREST_MULTIVERSION void lookUp(const double *table, const int *v, int n, double *results) {
+  for (int i = 0; i < n; ++i)
+    results[i] = table[v[i]];
+}
+SEEDFOREST_MULTIVERSION void lookUp(const int *table, const int *v, int n, int *results) {
+  for (int i = 0; i < n; ++i)
+    results[i] = table[v[i]];
+}
+
 // A function of an integer, its values from `least` to `most` worked out beforehand where `uses`
 // are more than these.
 template <class Value>
@@ -129,28 +139,26 @@ class Tabulated {
 public:
   using Function = Value (*)(int);
 
-  Tabulated(Function function, int least, int most, int uses) : function_(function), least_(least) {
+  Tabulated(Function function, int least, int most, int uses)
+      : function_(function), least_(least), most_(most) {
     if (uses <= most - least)
       return;
-    size_ = static_cast<unsigned>(most - least) + 1;
-    value_ = makeArray<Value>(size_);
+    value_ = makeArray<Value>(static_cast<std::size_t>(most - least) + 1);
     for (int v = least; v <= most; ++v)
       value_[v - least] = function(v);
   }
 
   void of(const int *v, int n, Value *results) const {
-    std::transform(v, v + n, results, [this](int w) { return (*this)(w); });
+    if (value_ != nullptr && allWithin(v, n, least_, most_))
+      lookUp(value_.get() - least_, v, n, results);
+    else
+      std::transform(v, v + n, results, function_);
   }
 
 private:
-  Value operator()(int v) const {
-    const unsigned at = static_cast<unsigned>(v) - static_cast<unsigned>(least_);
-    return at < size_ ? value_[at] : function_(v);
-  }
-
   Function function_;
   int least_;
-  unsigned size_ = 0;
+  int most_;
   Array<Value> value_;
 };
 
@@ -346,21 +354,21 @@ SEEDFOREST_MULTIVERSION void rgbToHsv(const Block &rgb, Block &hsv, int n) {
   });
 }
 
-// Where the saturation is 0, p, q and t are v, whatever the hue. A hue outside the circle gives
+// Where the saturation is 0, all components are v, whatever the hue. A hue outside the circle gives
 // values of no meaning.
 SEEDFOREST_MULTIVERSION void hsvToRgb(const Block &hsv, Block &rgb, int n) {
   apply(hsv, rgb, n, fixedPoint, [](auto a, double hue, double stored, double value, int) INLINE {
     const double h = (hue == 360 ? 0.0 : hue) / 60;
     const double s = stored / one;
     const double v = value / one;
-    const double f = h - static_cast<int>(h);
-    const double p = v * (1 - s);
-    const double q = v * (1 - s * f);
-    const double t = v * (1 - s * (1 - f));
-    const double r = h < 1 ? v : h < 2 ? q : h < 4 ? p : h < 5 ? t : v;
-    const double g = h < 1 ? t : h < 3 ? v : h < 4 ? q : p;
-    const double b = h < 2 ? p : h < 3 ? t : h < 5 ? v : q;
-    return Pixel{{a.whole(r * 255), a.whole(g * 255), a.whole(b * 255)}};
+    // How much of the saturation a component takes away: all in p, a share in q and t.
+    const double q = h - static_cast<int>(h);
+    const double t = 1 - q;
+    const double r = h < 1 ? 0.0 : h < 2 ? q : h < 4 ? 1.0 : h < 5 ? t : 0.0;
+    const double g = h < 1 ? t : h < 3 ? 0.0 : h < 4 ? q : 1.0;
+    const double b = h < 2 ? 1.0 : h < 3 ? t : h < 5 ? 0.0 : q;
+    return Pixel{{a.whole(v * (1 - s * r) * 255), a.whole(v * (1 - s * g) * 255),
+                  a.whole(v * (1 - s * b) * 255)}};
   });
 }
 
