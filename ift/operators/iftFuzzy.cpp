@@ -22,7 +22,8 @@ public:
       : value_(image->band[0]), mean_(mean), last_(lastDistance(sigma)),
         cost_(makeArray<int>(static_cast<std::size_t>(last_) + 1)) {
     for (std::int64_t d = 0; d <= last_; ++d) {
-      const double exponent = static_cast<double>(-(d * d) / sigma);
+      const std::int64_t quotient = -(d * d) / sigma;
+      const auto exponent = static_cast<double>(quotient);
       cost_[d] = 255 - truncate(std::exp(exponent) * 255.0);
     }
   }
