@@ -7,13 +7,26 @@
 #include <sys/wait.h>
 
 imImagePtr makeImage(const Matrix &rows, char type) {
-  imImagePtr image(
-      imCreateImage(1, type, static_cast<int>(rows[0].size()), static_cast<int>(rows.size())));
-  int *pixel = image->band[0];
-  for (const std::vector<int> &row : rows)
-    pixel = std::copy(row.begin(), row.end(), pixel);
+  return makeBands({rows}, type);
+}
+
+imImagePtr makeBands(const std::vector<Matrix> &bands, char type) {
+  const Matrix &first = bands.front();
+  imImagePtr image = blank(static_cast<int>(first[0].size()), static_cast<int>(first.size()),
+                           static_cast<int>(bands.size()), type);
+  for (int b = 0; b < image->nbands; ++b)
+    for (int p = 0; p < image->npixels; ++p)
+      image->band[b][p] = bands[b].at(p / image->ncols).at(p % image->ncols);
   image->maxValue = seedforest::detail::largestValue(image.get(), 0);
   return image;
+}
+
+imImagePtr blank(int ncols, int nrows, int nbands, char type) {
+  return imImagePtr(imCreateImage(nbands, type, ncols, nrows));
+}
+
+imImagePtr blankLike(const imImagePtr &image, int nbands, char type) {
+  return blank(image->ncols, image->nrows, nbands, type);
 }
 
 Matrix bandOf(const imImage *image, int b) {
@@ -25,12 +38,19 @@ Matrix bandOf(const imImage *image, int b) {
   return rows;
 }
 
+Matrix bandOf(const imImagePtr &image, int b) {
+  return bandOf(image.get(), b);
+}
+
+int pick(std::mt19937 &random, int lo, int hi) {
+  return std::uniform_int_distribution(lo, hi)(random);
+}
+
 imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, int nrows, int lo,
                        int hi) {
-  imImagePtr image(imCreateImage(nbands, type, ncols, nrows));
-  std::uniform_int_distribution<int> value(lo, hi);
+  imImagePtr image = blank(ncols, nrows, nbands, type);
   for (int b = 0; b < nbands; ++b)
-    std::generate_n(image->band[b], image->npixels, [&] { return value(random); });
+    std::generate_n(image->band[b], image->npixels, [&] { return pick(random, lo, hi); });
   image->maxValue = hi;
   return image;
 }

@@ -2,6 +2,7 @@
 // and whole runs of the tool.
 #pragma once
 
+#include "base/arith.h"
 #include "ift/core/ifRoots.h"
 #include "image/imImage.h"
 
@@ -13,13 +14,27 @@
 #include <string_view>
 #include <vector>
 
+using seedforest::detail::maxInt;
+using seedforest::detail::minInt;
+
 using Matrix = std::vector<std::vector<int>>;
 
 /// An image of one band with these rows; its maxValue is its largest value.
 imImagePtr makeImage(const Matrix &rows, char type = imTypeAscii);
 
+/// The same for several bands; maxValue is the largest value of band 0.
+imImagePtr makeBands(const std::vector<Matrix> &bands, char type);
+
+/// An image of zeros, of one band in type 2 where nothing else is said.
+imImagePtr blank(int ncols, int nrows, int nbands = 1, char type = imTypeAscii);
+imImagePtr blankLike(const imImagePtr &image, int nbands = 1, char type = imTypeAscii);
+
 /// A band as rows.
 Matrix bandOf(const imImage *image, int b = 0);
+Matrix bandOf(const imImagePtr &image, int b = 0);
+
+/// A uniformly random value lo .. hi.
+int pick(std::mt19937 &random, int lo, int hi);
 
 /// An image of uniformly random values lo .. hi, maxValue hi.
 imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, int nrows, int lo,
@@ -34,6 +49,23 @@ struct Root {
 
 ifRootsPtr makeRoots(const std::vector<Root> &roots);
 std::vector<Root> listOf(const ifRoots *roots);
+
+/// The statement ends the process with status 1 and a message that matches.
+#define EXPECT_FATAL(statement, message) EXPECT_EXIT(statement, testing::ExitedWithCode(1), message)
+
+/// What some work prints on standard output and on standard error.
+template <class Work>
+std::string printedBy(Work work) {
+  testing::internal::CaptureStdout();
+  work();
+  return testing::internal::GetCapturedStdout();
+}
+template <class Work>
+std::string errorsOf(Work work) {
+  testing::internal::CaptureStderr();
+  work();
+  return testing::internal::GetCapturedStderr();
+}
 
 /// A new empty folder, removed with all that is in it.
 class TemporaryFolder {
