@@ -4,6 +4,7 @@
 #include "graph/graph.h"
 #include "support.h"
 
+#include <algorithm>
 #include <numeric>
 
 struct Edge {
@@ -28,6 +29,22 @@ inline ifGraphPtr makeGraph(int n, const std::vector<Edge> &edges, int dataSize 
   for (const Edge &edge : edges)
     insertEdge(graph.get(), edge.a, edge.b, edge.weight);
   return graph;
+}
+
+/// The same, with vertices that carry these integers.
+inline ifGraphPtr withData(const Matrix &data, const std::vector<Edge> &edges) {
+  ifGraphPtr graph = makeGraph(static_cast<int>(data.size()) - 1, edges, data[0].size());
+  for (std::size_t v = 0; v < data.size(); ++v)
+    std::copy(data[v].begin(), data[v].end(), graph->vertices[v].data);
+  return graph;
+}
+
+/// The integers of all vertices.
+inline Matrix dataOf(const ifGraphPtr &graph) {
+  Matrix rows;
+  for (int v = 0; v < graph->nVertices; ++v)
+    rows.emplace_back(graph->vertices[v].data, graph->vertices[v].data + graph->dataSize);
+  return rows;
 }
 
 /// The lists of all vertices, from the heads.

@@ -47,6 +47,7 @@ TEST(Tool, Runs) {
       "10\n0 0 1\n1 0 2\n2 0 3\n3 0 4\n0 2 5\n1 2 6\n2 2 7\n3 2 8\n0 1 9\n3 1 10\n";
   const std::string sevens =
       "10\n0 0 7\n1 0 7\n2 0 7\n3 0 7\n0 2 7\n1 2 7\n2 2 7\n3 2 7\n0 1 7\n3 1 7\n";
+  const std::string both = "6\n0 0 1\n0 3 2\n0 1 3\n0 2 4\n0 1 5\n0 2 6\n"; // sides of a column
   const std::string joined = "3\n1 1 4\n1 1 4\n1 2 -2\n";
   const std::string four = wasRead + savedRoots(4);
   const std::string ten = wasRead + savedRoots(10);
@@ -89,15 +90,17 @@ TEST(Tool, Runs) {
       {"/dev/stdin out labels <in.pgm", 0, stdinRead, "", sampleLabels},
       {"/dev/stdin out labels <<E\n" + std::string(sample) + "E", 0, stdinRead, "", sampleLabels},
       {"in.pgm /dev/full labels", 1, wasRead, "/dev/full", none},
-      {"in.pgm out labels >/dev/full", 1, "", "", sampleLabels},
+      {"in.pgm out labels >/dev/full", 1, "", SEEDFOREST_TOOL, sampleLabels},
       {"in.pgm out cells 1000001", 1, wasRead, "ifCellsRoots: ", none},
       {"colour.ppm out cells 1", 1, "Image colour.ppm was read\n", "ifCellsRoots: ", none},
+      {"column out frame 0", 0, "Image column was read\n" + savedRoots(6), "", both},
       {"row old frame 0", 1, "Image row was read\n", "ifFrameAsRoots", none},
   };
   for (const auto &c : cases) {
     const TemporaryFolder folder;
     folder.write("in.pgm", sample);
     folder.write("colour.ppm", "P6 1 1 255\nabc");
+    folder.write("column", "P2 1 4 1 0 0 0 0");
     folder.write("row", "P2 3 1 9 1 2 3");
     folder.write("old", "precious");
     folder.write("a", "1\n1 1 4\n");

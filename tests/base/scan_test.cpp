@@ -1,25 +1,18 @@
 #include "base/scan.h"
 
-#include "base/arith.h"
-
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-#include <vector>
+#include "support.h"
 
 using namespace seedforest::detail;
 
 namespace {
 
 TEST(Scan, OneInteger) {
-  struct Case {
+  const struct {
     const char *text;
     Scanned scanned;
     int value; // -1 where none is scanned
     const char *rest;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"", Scanned::nothing, -1, ""},
       {" \t\n\v\f\r7x", Scanned::exact, 7, "x"},
       {"+12 3", Scanned::exact, 12, " 3"},
@@ -35,7 +28,7 @@ TEST(Scan, OneInteger) {
       {"99999999999999999999999999999999", Scanned::clamped, maxInt, ""},
       {"000000000000000000000000000000042", Scanned::exact, 42, ""},
   };
-  for (const Case &c : cases) {
+  for (const auto &c : cases) {
     SCOPED_TRACE(c.text);
     Text text{std::string_view(c.text)};
     int value = -1;
@@ -51,24 +44,23 @@ TEST(Scan, ManyEqualOneByOne) {
   std::mt19937 random(1);
   const char *separators[] = {" ", "  ", "\n", "\t ", "     ", "\r\n"};
   const char *faults[] = {"x", "-", "+ ", "1.5", "#"};
-  const auto pick = [&random](int n) { return static_cast<int>(random() % n); };
+  const auto below = [&random](int n) { return pick(random, 0, n - 1); };
   for (int round = 0; round < 400; ++round) {
     std::string bytes;
-    for (int i = pick(60); i > 0; --i) {
-      bytes += separators[pick(6)];
-      if (round % 2 == 1 && pick(40) == 0)
-        bytes += faults[pick(5)];
-      const int digits = pick(round % 3 == 0 ? 13 : 4) + 1;
-      if (pick(9) == 0)
+    for (int i = below(60); i > 0; --i) {
+      bytes += separators[below(6)];
+      if (round % 2 == 1 && below(40) == 0)
+        bytes += faults[below(5)];
+      const int digits = below(round % 3 == 0 ? 13 : 4) + 1;
+      if (below(9) == 0)
         bytes += '-';
       for (int d = 0; d < digits; ++d)
-        bytes += static_cast<char>('0' + pick(10));
+        bytes += static_cast<char>('0' + below(10));
     }
     Text one{std::string_view(bytes)};
     Text many = one;
     const std::size_t count = 50;
-    std::vector<int> expected(count, -77);
-    std::vector<int> values(count, -77);
+    std::vector<int> expected(count, -77), values(count, -77);
     std::size_t n = 0;
     while (n < count && scanInt(one, expected[n]) != Scanned::nothing)
       ++n;
@@ -80,9 +72,8 @@ TEST(Scan, ManyEqualOneByOne) {
 
 TEST(Scan, Words) {
   Text text{std::string_view(" \nP5\tnext")};
-  EXPECT_EQ(scanWord(text), "P5");
-  EXPECT_EQ(scanWord(text), "next");
-  EXPECT_EQ(scanWord(text), "");
+  for (const char *word : {"P5", "next", ""})
+    EXPECT_EQ(scanWord(text), word);
 }
 
 } // namespace

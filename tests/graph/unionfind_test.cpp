@@ -1,6 +1,6 @@
 #include "graph/unionfind.h"
 
-#include <gtest/gtest.h>
+#include "support.h"
 
 namespace {
 
@@ -45,19 +45,18 @@ TEST(UnionFind, FlattensAChainOfAnyLength) {
 }
 
 TEST(UnionFindDeathTest, FaultyCallsEndWithALine) {
-  const auto dies = testing::ExitedWithCode(1);
   Sets none(0);
   Sets sets(6);
-  EXPECT_EXIT(ufFindSet(&none, 0), dies, "ufFindSet");
-  EXPECT_EXIT(ufLink(&sets, 1, -1), dies, "ufLink");
+  EXPECT_FATAL(ufFindSet(&none, 0), "ufFindSet");
+  EXPECT_FATAL(ufLink(&sets, 1, -1), "ufLink");
   const int links[][2] = {{0, 1}, {2, 0}, {4, 5}, {5, 0}, {1, 0}}; // 0 does not always represent
   for (const auto &link : links)
     ufLink(&sets, link[0], link[1]);
-  EXPECT_EXIT(ufFindSet(&sets, 2), dies, "circle");
-  EXPECT_EXIT(ufStartUnionFind(nullptr, 1, 0), dies,
-              "^Union/find was not allocated before ufStartUnionFind \n\n$");
-  EXPECT_EXIT(ufStartUnionFind(&sets, -1, 0), dies,
-              "^Could not allocate structure for union/find \\[-1 elements\\]\n\n$");
+  EXPECT_FATAL(ufFindSet(&sets, 2), "circle");
+  EXPECT_FATAL(ufStartUnionFind(nullptr, 1, 0),
+               "^Union/find was not allocated before ufStartUnionFind \n\n$");
+  EXPECT_FATAL(ufStartUnionFind(&sets, -1, 0),
+               "^Could not allocate structure for union/find \\[-1 elements\\]\n\n$");
 }
 
 } // namespace

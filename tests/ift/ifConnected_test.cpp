@@ -12,8 +12,7 @@
 namespace {
 
 struct Output {
-  Matrix filtered;
-  Matrix labels;
+  Matrix filtered, labels;
   int maxValue = 0;
   char type = 0;
   std::string lines = {}; // of progress; not compared
@@ -26,11 +25,9 @@ template <class Operator, class... Arguments>
 Output run(Operator operate, Arguments... arguments) {
   imImage *filtered = nullptr;
   imImage *labels = nullptr;
-  testing::internal::CaptureStdout();
-  operate(arguments..., &filtered, &labels);
+  const std::string lines = printedBy([&] { operate(arguments..., &filtered, &labels); });
   const imImagePtr owners[] = {imImagePtr(filtered), imImagePtr(labels)};
-  return {bandOf(filtered), bandOf(labels), filtered->maxValue, filtered->type,
-          testing::internal::GetCapturedStdout()};
+  return {bandOf(filtered), bandOf(labels), filtered->maxValue, filtered->type, lines};
 }
 
 template <class Image, class Operator>
@@ -45,21 +42,18 @@ TEST(Reconstruction, FromRoots) {
     return run(operate, f.get(), second, peak.get(), flag);
   };
   const int low = ifInfiniteCostInverted;
-  EXPECT_EQ(by(ifReconstr, nullptr, 1),
-            (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, imTypeGrey}));
-  EXPECT_EQ(by(ifReconstr, nullptr, 0),
-            (Output{{{5, 5, 2, 6, 6}}, {{3, 3, 0, 0, 0}}, 6, imTypeGrey}));
+  const Matrix cut = {{3, 3, 0, 0, 0}};
+  EXPECT_EQ(by(ifReconstr, nullptr, 1), (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, 1}));
+  EXPECT_EQ(by(ifReconstr, nullptr, 0), (Output{{{5, 5, 2, 6, 6}}, cut, 6, 1}));
   EXPECT_EQ(by(ifDualReconstr, f.get(), 1).filtered, (Matrix{{5, 5, 5, 6, 6}}));
-  EXPECT_EQ(by(ifDualReconstr, f.get(), 0),
-            (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 0, 0}}, 6, imTypeGrey}));
-  const ifRootsPtr none = makeRoots({});
-  EXPECT_EQ(run(ifReconstr, f.get(), nullptr, none.get(), 1),
-            (Output{{{low, low, low, low, low}}, {{0, 0, 0, 0, 0}}, 0, imTypeGrey}));
+  EXPECT_EQ(by(ifDualReconstr, f.get(), 0), (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 0, 0}}, 6, 1}));
+  EXPECT_EQ(run(ifReconstr, f.get(), nullptr, makeRoots({}).get(), 1),
+            (Output{{{low, low, low, low, low}}, {{0, 0, 0, 0, 0}}, 0, 1}));
   // The dual's bound is the second image's: with 2 buckets, cost 2 is served like cost 0.
-  const imImagePtr flat = makeImage({{0, 0, 0}});
-  const imImagePtr ones = makeImage({{1}});
-  const ifRootsPtr ends = makeRoots({{0, 1, 0}, {2, 2, 2}});
-  EXPECT_EQ(run(ifDualReconstr, flat.get(), ones.get(), ends.get(), 1).labels, (Matrix{{1, 1, 2}}));
+  EXPECT_EQ(run(ifDualReconstr, blank(3, 1).get(), makeImage({{1}}).get(),
+                makeRoots({{0, 1, 0}, {2, 2, 2}}).get(), 1)
+                .labels,
+            (Matrix{{1, 1, 2}}));
 }
 
 TEST(AreaOpening, OfSmallImages) {
@@ -68,9 +62,7 @@ TEST(AreaOpening, OfSmallImages) {
     const char *what;
     Matrix image;
     int area;
-    Matrix opened;
-    Matrix labels;
-    Matrix old;
+    Matrix opened, labels, old;
   } cases[] = {
       {"an exact peak stays", {{9, 1, 7, 7}}, 2, {{1, 1, 7, 7}}, {{1, 2, 2, 2}}, {{1, 1, 7, 7}}},
       {"larger than the image", {{9, 3, 7, 7}}, 5, {{3, 3, 3, 3}}, {{1, 1, 2, 2}}, {{9, 3, 7, 7}}},
@@ -91,41 +83,34 @@ TEST(AreaOpening, OfSmallImages) {
 }
 
 // What a pixel keeps: the highest threshold at which its component has `area` pixels.
-Matrix byThresholds(const imImage *f, int area) {
-  Matrix result = Matrix(f->nrows, std::vector<int>(f->ncols));
+Matrix byThresholds(const imImagePtr &f, int area) {
+  const imImagePtr result = blankLike(f);
   for (int t = 1; t <= f->maxValue; ++t) {
-    const imImagePtr above(imThreshold(f, imTypeAscii, t, f->maxValue));
-    const imImagePtr labels(imCreateImage(1, imTypeAscii, f->ncols, f->nrows));
-    ifLabelImage(above.get(), labels.get());
-    std::vector<int> size(labels->maxValue + 1);
+    const imImagePtr above(imThreshold(f.get(), imTypeAscii, t, f->maxValue));
+    const imImagePtr labels = blankLike(f);
+    printedBy([&] { ifLabelImage(above.get(), labels.get()); });
+    const int *label = labels->band[0];
     for (int p = 0; p < f->npixels; ++p)
-      ++size[labels->band[0][p]];
-    for (int p = 0; p < f->npixels; ++p)
-      if (labels->band[0][p] > 0 && size[labels->band[0][p]] >= area)
-        result[p / f->ncols][p % f->ncols] = t;
+      if (label[p] > 0 && std::count(label, label + f->npixels, label[p]) >= area)
+        result->band[0][p] = t;
   }
-  return result;
+  return bandOf(result);
 }
 
 TEST(AreaOpening, IsThatOfEveryThreshold) {
   std::mt19937 random(31);
   for (int round = 0; round < 12; ++round) {
     const imImagePtr f =
-        randomImage(random, 1, imTypeGrey, 1 + int(random() % 7), 1 + int(random() % 7), 0, 5);
-    for (int area = 1; area <= f->npixels; ++area) {
-      testing::internal::CaptureStdout();
-      const Matrix expected = byThresholds(f.get(), area);
-      testing::internal::GetCapturedStdout();
-      EXPECT_EQ(runArea(ifAreaOpen, f.get(), area).filtered, expected) << round << " " << area;
-    }
+        randomImage(random, 1, imTypeGrey, pick(random, 1, 7), pick(random, 1, 7), 0, 5);
+    for (int area = 1; area <= f->npixels; ++area)
+      EXPECT_EQ(runArea(ifAreaOpen, f.get(), area).filtered, byThresholds(f, area)) << round;
   }
 }
 
 // The opening through the literal levels; its last step is the reconstruction all the same.
 Output literalAreaOpen(const imImage *f, int area, bool old) {
-  testing::internal::CaptureStdout();
-  const ifRootsPtr maxima(ifRegionalMaximaAsRoots(f));
-  testing::internal::GetCapturedStdout();
+  ifRootsPtr maxima;
+  printedBy([&] { maxima.reset(ifRegionalMaximaAsRoots(f)); });
   const LiteralLevels levels = literalAreaLevels(f, maxima.get(), area);
   std::vector<Root> roots = listOf(maxima.get());
   if (old)
@@ -139,11 +124,11 @@ TEST(AreaOpening, EqualsOneFloodForEachMaximum) {
   std::mt19937 random(32);
   for (int round = 0; round < 600; ++round) {
     const int lo = round % 3 == 0 ? -4 : 0; // negative values leave the circle of the buckets
-    const int hi = round % 3 == 2 ? 3000 : 1 + int(random() % 9);
+    const int hi = round % 3 == 2 ? 3000 : pick(random, 1, 9);
     const imImagePtr f = randomImage(random, 1, round % 2 == 0 ? imTypeGrey : imTypeAscii,
-                                     1 + int(random() % 12), 1 + int(random() % 12), lo, hi);
+                                     pick(random, 1, 12), pick(random, 1, 12), lo, hi);
     f->maxValue = hi / (1 + round % 5 / 4) + (round % 7 == 0 ? 3 : 0);
-    const int area = 1 + int(random() % (f->npixels + 2));
+    const int area = pick(random, 1, f->npixels + 2);
     EXPECT_EQ(runArea(ifAreaOpen, f.get(), area), literalAreaOpen(f.get(), area, false)) << round;
     EXPECT_EQ(runArea(ifAreaOpenOld, f.get(), area), literalAreaOpen(f.get(), area, true)) << round;
     if (lo < 0)
@@ -159,22 +144,18 @@ TEST(AreaOpening, EqualsOneFloodForEachMaximum) {
 }
 
 Matrix levelTowards(const Matrix &f, const Matrix &marker) {
-  return run([&](imImage **filtered, imImage **labels) {
-           ifLevel2(makeImage(f).get(), makeImage(marker).get(), filtered);
-           *labels = imCopyImage(*filtered);
-         })
-      .filtered;
+  imImage *levelled = nullptr;
+  printedBy([&] { ifLevel2(makeImage(f).get(), makeImage(marker).get(), &levelled); });
+  return bandOf(imImagePtr(levelled));
 }
 
 TEST(Levelling, OfSmallImages) {
   const imImagePtr f = makeImage({{3, 9, 3}}, imTypeGrey);
   const imImagePtr marker = makeImage({{5, 5, 5}});
   marker->maxValue = 9;
-  const ifRootsPtr below = makeRoots({{0, 1, 3}});
-  const ifRootsPtr above = makeRoots({{0, 2, 7}});
-  EXPECT_EQ(run(ifLevel, f.get(), marker.get(), below.get()),
+  EXPECT_EQ(run(ifLevel, f.get(), marker.get(), makeRoots({{0, 1, 3}}).get()),
             (Output{{{3, 5, 5}}, {{1, 0, 0}}, 5, imTypeAscii}));
-  EXPECT_EQ(run(ifLevel, f.get(), marker.get(), above.get()),
+  EXPECT_EQ(run(ifLevel, f.get(), marker.get(), makeRoots({{0, 2, 7}}).get()),
             (Output{{{7, 7, 5}}, {{2, 2, 0}}, 7, imTypeAscii}));
   EXPECT_EQ(levelTowards({{0, 0, 0, 1}}, {{1, 1, 1, 0}}), (Matrix{{0, 0, 0, 1}}));
   EXPECT_EQ(levelTowards({{9, 9, 9, 9, 0}}, {{0, 0, 4, 0, 0}}), (Matrix{{4, 4, 4, 4, 0}}));

@@ -5,37 +5,29 @@
 
 namespace {
 
-using Roots = std::vector<Root>; // pixel and label; values are 0
-
-Roots rootsOf(const Matrix &shape, int contour) {
-  ifRoots roots;
-  ifDistTransfRoots(makeImage(shape).get(), &roots, contour);
-  const Roots list = listOf(&roots);
-  ifReleaseRoots(&roots);
-  return list;
-}
-
-TEST(ContourSeeds, NumberedAlongTheContour) {
-  const Matrix square = {
-      {0, 0, 0, 0, 0}, {0, 9, 9, 9, 0}, {0, 9, 9, 9, 0}, {0, 9, 9, 9, 0}, {0, 0, 0, 0, 0}};
-  EXPECT_EQ(rootsOf(square, 1),
-            (Roots{{6, 1}, {7, 2}, {8, 4}, {11, 3}, {13, 6}, {16, 5}, {17, 7}, {18, 10}}));
-  EXPECT_EQ(rootsOf(square, 0),
-            (Roots{{6, 1}, {7, 1}, {8, 1}, {11, 1}, {13, 1}, {16, 1}, {17, 1}, {18, 1}}));
-}
-
-TEST(ContourSeeds, BordersAndWhatIsBackground) {
-  EXPECT_EQ(rootsOf({{0, 0, 0}}, 1), Roots{});
-  EXPECT_EQ(rootsOf({{0, 0, 0}}, 0), Roots{});
-  EXPECT_EQ(rootsOf({{1, 1}, {1, 1}}, 1), Roots{}); // outside the image is no background
-  EXPECT_EQ(rootsOf({{1, 1}, {1, 1}}, 0), Roots{});
-  // a background pixel that touches only diagonally; two objects; a negative pixel
-  EXPECT_EQ(rootsOf({{0, 1, 1}, {1, 1, 1}, {1, 1, 1}}, 1), (Roots{{1, 1}, {3, 4}}));
-  EXPECT_EQ(rootsOf({{0, 1, 1}, {1, 1, 1}, {1, 1, 1}}, 0), (Roots{{1, 1}, {3, 1}, {4, 1}}));
-  EXPECT_EQ(rootsOf({{1, 0, 1}}, 0), (Roots{{0, 1}, {2, 2}}));
-  EXPECT_EQ(rootsOf({{1, 0, 1}}, 1), (Roots{{0, 3}, {2, 6}}));
-  EXPECT_EQ(rootsOf({{1, -5}}, 1), Roots{});
-  EXPECT_EQ(rootsOf({{1, -5}}, 0), (Roots{{0, 1}}));
+TEST(ContourSeeds, AlongTheContourOrOneLabelForAll) {
+  using Roots = std::vector<Root>; // pixel and label; values are 0
+  const struct {
+    Matrix shape;
+    Roots numbered, uniform;
+  } cases[] = {
+      {{{0, 0, 0, 0, 0}, {0, 9, 9, 9, 0}, {0, 9, 9, 9, 0}, {0, 9, 9, 9, 0}, {0, 0, 0, 0, 0}},
+       {{6, 1}, {7, 2}, {8, 4}, {11, 3}, {13, 6}, {16, 5}, {17, 7}, {18, 10}},
+       {{6, 1}, {7, 1}, {8, 1}, {11, 1}, {13, 1}, {16, 1}, {17, 1}, {18, 1}}},
+      {{{0, 0, 0}}, {}, {}},
+      {{{1, 1}, {1, 1}}, {}, {}}, // outside the image is no background
+      // a background pixel that touches only diagonally; two objects; a negative pixel
+      {{{0, 1, 1}, {1, 1, 1}, {1, 1, 1}}, {{1, 1}, {3, 4}}, {{1, 1}, {3, 1}, {4, 1}}},
+      {{{1, 0, 1}}, {{0, 3}, {2, 6}}, {{0, 1}, {2, 2}}},
+      {{{1, -5}}, {}, {{0, 1}}},
+  };
+  for (const auto &c : cases)
+    for (const int contour : {0, 1}) {
+      ifRoots roots;
+      ifDistTransfRoots(makeImage(c.shape).get(), &roots, contour);
+      EXPECT_EQ(listOf(&roots), contour == 1 ? c.numbered : c.uniform) << &c - cases;
+      ifReleaseRoots(&roots);
+    }
 }
 
 // Of each root the number of its contour, in hundreds, and its label. The shape that is left has
@@ -43,23 +35,21 @@ TEST(ContourSeeds, BordersAndWhatIsBackground) {
 Matrix followed(const Matrix &shape) {
   ifRoots2 roots;
   const imImagePtr left(ifSkel2Roots(makeImage(shape).get(), &roots));
-  const imImagePtr picture(imCreateImage(1, imTypeAscii, left->ncols, left->nrows));
+  const imImagePtr picture = blankLike(left);
   ifRegionsToContours(left.get(), picture.get());
   for (int i = 0; i < roots.n; ++i)
     picture->band[0][roots.pixel[i]] += 100 * roots.value[i] + roots.label[i] - 255;
   ifReleaseRoots2(&roots);
-  return bandOf(picture.get());
+  return bandOf(picture);
 }
 
 Matrix numbered(const Matrix &shape) {
   const imImagePtr image = makeImage(shape);
   ifRoots roots;
-  testing::internal::CaptureStdout();
-  ifSkel2RootsSplit(image.get(), &roots);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "in ifLabelImage\n");
+  EXPECT_EQ(printedBy([&] { ifSkel2RootsSplit(image.get(), &roots); }), "in ifLabelImage\n");
   const imImagePtr picture(ifVisualizeRoots(image.get(), &roots));
   ifReleaseRoots(&roots);
-  return bandOf(picture.get());
+  return bandOf(picture);
 }
 
 TEST(SkeletonSeeds, FollowedWithTheBackgroundOnTheRight) {

@@ -1,6 +1,5 @@
 #include "ift/label/ifContour.h"
 
-#include "base/arith.h"
 #include "image/imNeighborhood.h"
 #include "support.h"
 
@@ -10,33 +9,29 @@ using namespace seedforest::detail;
 
 namespace {
 
-imImagePtr blankLike(const imImage *image) {
-  return imImagePtr(imCreateImage(1, imTypeAscii, image->ncols, image->nrows));
-}
-
 TEST(RegionsToContours, InnerBorders) {
   const imImagePtr labels = makeImage({{1, 1, 1, 2, 2}, //
                                        {1, 1, 1, 2, 2},
                                        {1, 1, 0, 2, 2},
                                        {1, 1, 1, -3, 2},
                                        {1, 1, 1, 0, -3}});
-  const imImagePtr output = blankLike(labels.get());
+  const imImagePtr output = blankLike(labels);
   ifRegionsToContours(labels.get(), output.get());
-  EXPECT_EQ(bandOf(output.get()), (Matrix{{0, 0, 0, 0, 0},
-                                          {0, 0, 255, 0, 0},
-                                          {0, 255, 0, 255, 0},
-                                          {0, 0, 255, 0, 0},
-                                          {0, 0, 255, 0, 0}}));
+  EXPECT_EQ(bandOf(output), (Matrix{{0, 0, 0, 0, 0},
+                                    {0, 0, 255, 0, 0},
+                                    {0, 255, 0, 255, 0},
+                                    {0, 0, 255, 0, 0},
+                                    {0, 0, 255, 0, 0}}));
   const imImagePtr full = makeImage({{1, 1}, {1, 1}});
-  const imImagePtr none = blankLike(full.get());
+  const imImagePtr none = blankLike(full);
   ifRegionsToContours(full.get(), none.get());
-  EXPECT_EQ(bandOf(none.get()), (Matrix{{0, 0}, {0, 0}}));
+  EXPECT_EQ(bandOf(none), (Matrix{{0, 0}, {0, 0}}));
   EXPECT_EQ(none->maxValue, 255);
-  EXPECT_EXIT(ifRegionsToContours(labels.get(), none.get()), testing::ExitedWithCode(1),
-              "ifRegionsToContours");
+  EXPECT_FATAL(ifRegionsToContours(labels.get(), none.get()), "ifRegionsToContours");
 }
 
 TEST(LabelContours, Walks) {
+  const Matrix hook = {{1, 2, 0, 0}, {0, 3, 0, 8}, {5, 0, 4, 0}};
   const struct {
     Matrix contour, labels;
     int count, maxValue;
@@ -48,16 +43,13 @@ TEST(LabelContours, Walks) {
       // A ring: two branches in turn, straight before diagonal, meet at the far corner.
       {{{1, 1, 1}, {1, 0, 1}, {1, 1, 1}}, {{1, 2, 4}, {3, 0, 6}, {5, 7, 10}}, 8, 10},
       // The diagonal is taken only from a pixel without a straight way on.
-      {{{1, 1, 0, 0}, {0, 1, 0, 1}, {1, 0, 1, 0}},
-       {{1, 2, 0, 0}, {0, 3, 0, 8}, {5, 0, 4, 0}},
-       6,
-       8},
+      {{{1, 1, 0, 0}, {0, 1, 0, 1}, {1, 0, 1, 0}}, hook, 6, 8},
   };
   for (const auto &c : cases) {
     const imImagePtr contour = makeImage(c.contour);
-    const imImagePtr labels = blankLike(contour.get());
+    const imImagePtr labels = blankLike(contour);
     EXPECT_EQ(labelContours(contour.get(), labels.get()), c.count);
-    EXPECT_EQ(bandOf(labels.get()), c.labels);
+    EXPECT_EQ(bandOf(labels), c.labels);
     EXPECT_EQ(labels->maxValue, c.maxValue);
   }
 }
@@ -75,6 +67,7 @@ struct Followed {
 
   std::vector<int> pixel, label, value;
   int count = 0;
+  bool operator==(const Followed &) const = default;
 };
 
 constexpr int eight[] = {1, 0, 0, 1, 0, -1, -1, 0, 1, 1, -1, 1, 1, -1, -1, -1};
@@ -93,28 +86,19 @@ void followRecursively(Followed &record, int contour, imImage *mask, const imIma
     const int q = x + y * w;
     if (x < 0 || x >= w || y < 0 || y >= shape->nrows || mask->band[0][q] < 1)
       continue;
-    const int above = y > 0 ? shape->band[0][q - w] : 0;
-    const int below = y < shape->nrows - 1 ? shape->band[0][q + w] : 0;
-    const int left = x > 0 ? shape->band[0][q - 1] : 0;
-    const int right = x < w - 1 ? shape->band[0][q + 1] : 0;
-    bool follow = false;
-    if (q == p - w)
-      follow = left > 0 && right == 0;
-    else if (q == p + w)
-      follow = right > 0 && left == 0;
-    else if (q == p + 1)
-      follow = above > 0 && below == 0;
-    else if (q == p - 1)
-      follow = below > 0 && above == 0;
-    else if (q == p - w + 1)
-      follow = left > 0 && below == 0;
-    else if (q == p + w + 1)
-      follow = above > 0 && left == 0;
-    else if (q == p - w - 1)
-      follow = below > 0 && right == 0;
-    else if (q == p + w - 1)
-      follow = right > 0 && above == 0;
-    if (follow)
+    const auto at = [&](bool within, int pixel) { return within ? shape->band[0][pixel] : 0; };
+    const int above = at(y > 0, q - w);
+    const int below = at(y < shape->nrows - 1, q + w);
+    const int left = at(x > 0, q - 1);
+    const int right = at(x < w - 1, q + 1);
+    const struct {
+      int step, object, background; // on the sides of q
+    } rules[] = {{-w, left, right},      {w, right, left},      {1, above, below},
+                 {-1, below, above},     {-w + 1, left, below}, {w + 1, above, left},
+                 {-w - 1, below, right}, {w - 1, right, above}};
+    const auto *rule = std::find_if(std::begin(rules), std::end(rules),
+                                    [&](const auto &r) { return q == p + r.step; });
+    if (rule != std::end(rules) && rule->object > 0 && rule->background == 0)
       followRecursively(record, contour, mask, shape, q, displacements);
   }
 }
@@ -122,15 +106,15 @@ void followRecursively(Followed &record, int contour, imImage *mask, const imIma
 TEST(ContourFollow, EqualsTheRecursion) {
   std::mt19937 random(8);
   for (int round = 0; round < 2000; ++round) {
-    const int ncols = 1 + static_cast<int>(random() % (round % 2 == 0 ? 3 : 12));
-    const int nrows = 1 + static_cast<int>(random() % 12);
+    const int ncols = pick(random, 1, round % 2 == 0 ? 3 : 12);
+    const int nrows = pick(random, 1, 12);
     const imImagePtr shape = randomImage(random, 1, imTypeGrey, ncols, nrows, -1, 2);
     const imImagePtr mask = randomImage(random, 1, imTypeGrey, ncols, nrows, -1, 3);
     const imImagePtr otherMask(imCopyImage(mask.get()));
     std::vector<int> displacements(std::begin(eight), std::end(eight));
     if (round % 4 == 3) // any list will do, steps of no rule included
-      std::generate(displacements.begin(), displacements.end(),
-                    [&] { return static_cast<int>(random() % 5) - 2; });
+      for (int &d : displacements)
+        d = pick(random, -2, 2);
     Followed record(shape.get());
     Followed expected(shape.get());
     for (int p = 0; p < shape->npixels; ++p)
@@ -138,17 +122,14 @@ TEST(ContourFollow, EqualsTheRecursion) {
         record.follow(mask.get(), shape.get(), p, p, displacements.data());
         followRecursively(expected, p, otherMask.get(), shape.get(), p, displacements.data());
       }
-    ASSERT_EQ(record.count, expected.count) << "round " << round;
-    EXPECT_EQ(record.pixel, expected.pixel);
-    EXPECT_EQ(record.label, expected.label);
-    EXPECT_EQ(record.value, expected.value);
-    EXPECT_EQ(bandOf(mask.get()), bandOf(otherMask.get()));
+    ASSERT_EQ(record, expected) << "round " << round;
+    EXPECT_EQ(bandOf(mask), bandOf(otherMask));
   }
 }
 
 TEST(ContourFollow, AMillionPixels) {
   const int length = 500000;
-  const imImagePtr shape(imCreateImage(1, imTypeGrey, length + 2, 5));
+  const imImagePtr shape = blank(length + 2, 5);
   for (int y = 1; y <= 3; ++y)
     std::fill_n(shape->band[0] + shape->row[y] + 1, length, 1);
   const imImagePtr mask(imCopyImage(shape.get()));
@@ -167,16 +148,17 @@ TEST(ContourFollow, Errors) {
     record.count = count;
     record.follow(mask, shape.get(), 1, p, eight);
   };
-  EXPECT_EXIT(follow(-1, shape.get(), 0), testing::ExitedWithCode(1), "ifContourFollow.*-1");
-  EXPECT_EXIT(follow(2, shape.get(), 0), testing::ExitedWithCode(1), "ifContourFollow.*2");
-  EXPECT_EXIT(follow(0, shape.get(), 2), testing::ExitedWithCode(1), "ifContourFollow.*2");
-  EXPECT_EXIT(follow(0, other.get(), 0), testing::ExitedWithCode(1), "ifContourFollow");
+  EXPECT_FATAL(follow(-1, shape.get(), 0), "ifContourFollow.*-1");
+  EXPECT_FATAL(follow(2, shape.get(), 0), "ifContourFollow.*2");
+  EXPECT_FATAL(follow(0, shape.get(), 2), "ifContourFollow.*2");
+  EXPECT_FATAL(follow(0, other.get(), 0), "ifContourFollow");
   follow(1, shape.get(), 1);
   EXPECT_EQ(record.pixel[1], 1);
 }
 
 TEST(LabelDifferences, HandImages) {
   constexpr int none = -100000;
+  const Matrix ring = {{1, 2, 3}, {8, 9, 4}, {7, 6, 5}};
   const struct {
     Matrix value, label;
     int maxLabel, absolute;
@@ -184,12 +166,7 @@ TEST(LabelDifferences, HandImages) {
     int maxValue;
   } cases[] = {
       // A ring: 1 and 8 are neighbours along it, as are 1 and 2; 9 lies in a label of its own.
-      {{{1, 2, 3}, {8, 9, 4}, {7, 6, 5}},
-       {{2, 2, 2}, {2, 1, 2}, {2, 2, 2}},
-       2,
-       1,
-       {{1, 1, 1}, {1, 2, 1}, {1, 1, 1}},
-       2},
+      {ring, {{2, 2, 2}, {2, 1, 2}, {2, 2, 2}}, 2, 1, {{1, 1, 1}, {1, 2, 1}, {1, 1, 1}}, 2},
       // Half the range is rounded down: r = 7, so 4 counts as 3. Signed, a fall of 4 stays a fall.
       {{{1, 5, 8}}, {{1, 1, 1}}, 1, 1, {{3, 3, 3}}, 4},
       {{{8, 4, 1}}, {{1, 1, 1}}, 1, 0, {{-4, 3, 3}}, 4},
@@ -206,9 +183,9 @@ TEST(LabelDifferences, HandImages) {
     const imImagePtr value = makeImage(c.value);
     const imImagePtr label = makeImage(c.label);
     label->maxValue = c.maxLabel;
-    const imImagePtr output = blankLike(label.get());
+    const imImagePtr output = blankLike(label);
     ifLabelDifferences(value.get(), label.get(), output.get(), c.absolute);
-    EXPECT_EQ(bandOf(output.get()), c.difference) << "value " << c.value[0][0];
+    EXPECT_EQ(bandOf(output), c.difference) << "value " << c.value[0][0];
     EXPECT_EQ(output->maxValue, c.maxValue) << "value " << c.value[0][0];
   }
 }

@@ -1,90 +1,110 @@
 #include "ift/core/ifCost.h"
 
-#include "base/arith.h"
+#include "ift/core/ifWeightImage.h"
 #include "support.h"
 
-#include <utility>
-
 namespace {
-
-using seedforest::detail::maxInt;
-using seedforest::detail::minInt;
 
 TEST(Cost, PathCosts) {
   const struct {
     ifPathCostFn extend;
-    int cost;
-    int weight;
-    int expected;
+    int cost, weight, expected;
   } cases[] = {
-      {ifPathCostMax, 5, 6, 6},
-      {ifPathCostMax, -5, -6, -5},
-      {ifPathCostMin, 5, 6, 5},
-      {ifPathCostMin, -5, -6, -6},
-      {ifPathCostSum, 5, -6, -1},
-      {ifPathCostSum, maxInt, 1, minInt},
-      {ifPathCostSum, minInt, minInt, 0},
-      {ifPathCostMaxLocal, 5, 4, 5},
-      {ifPathCostMaxLocal, 5, 5, 5},
-      {ifPathCostMaxLocal, 5, 6, ifInfiniteCost},
-      {ifPathCostMinLocal, 5, 6, 5},
-      {ifPathCostMinLocal, 5, 5, 5},
-      {ifPathCostMinLocal, 5, 4, ifInfiniteCostInverted},
+      // clang-format off
+      {ifPathCostMax, 5, 6, 6}, {ifPathCostMax, -5, -6, -5},
+      {ifPathCostMin, 5, 6, 5}, {ifPathCostMin, -5, -6, -6},
+      {ifPathCostSum, 5, -6, -1}, {ifPathCostSum, maxInt, 1, minInt}, {ifPathCostSum, minInt, minInt, 0},
+      {ifPathCostMaxLocal, 5, 4, 5}, {ifPathCostMaxLocal, 5, 5, 5}, {ifPathCostMaxLocal, 5, 6, ifInfiniteCost},
+      {ifPathCostMinLocal, 5, 6, 5}, {ifPathCostMinLocal, 5, 5, 5}, {ifPathCostMinLocal, 5, 4, ifInfiniteCostInverted},
+      // clang-format on
   };
   for (const auto &c : cases)
     EXPECT_EQ(c.extend(c.cost, c.weight), c.expected) << &c - cases;
 }
 
-// Two pixels, a band for each pair of values.
-imImagePtr twoPixels(const std::vector<std::pair<int, int>> &bands) {
-  imImagePtr image(imCreateImage(static_cast<int>(bands.size()), imTypeColor, 2, 1));
-  for (int b = 0; b < image->nbands; ++b) {
-    image->band[b][0] = bands[b].first;
-    image->band[b][1] = bands[b].second;
-  }
-  return image;
-}
-
 TEST(Cost, Distances) {
   const struct {
-    std::vector<std::pair<int, int>> bands;
-    int euclidean;
-    int largest;
+    std::vector<Matrix> bands; // of two pixels
+    int euclidean, largest;
   } cases[] = {
-      {{{7, 7}}, 0, 0},
-      {{{-2, 7}}, 9, 9},
-      {{{1, 2}, {4, 3}, {0, 1}}, 1, 1},
-      {{{1, 2}, {4, 3}, {0, 0}}, 0, 1}, // 2 / 3 is 0 before the root
-      {{{0, 3}, {9, 5}}, 3, 4},         // 25 / 2 is 12
-      {{{0, 65536}}, 65536, 65536},     // its square needs 33 bits
-      {{{minInt, maxInt}}, maxInt, maxInt},
+      {{{{-2, 7}}}, 9, 9},
+      {{{{1, 2}}, {{4, 3}}, {{0, 1}}}, 1, 1},
+      {{{{1, 2}}, {{4, 3}}, {{0, 0}}}, 0, 1}, // 2 / 3 is 0 before the root
+      {{{{0, 3}}, {{9, 5}}}, 3, 4},           // 25 / 2 is 12
+      {{{{0, 65536}}}, 65536, 65536},         // its square needs 33 bits
+      {{{{minInt, maxInt}}}, maxInt, maxInt},
       // The sum stays at 2^64 - 1: were it to wrap around, the root would be half as large.
-      {{{minInt, maxInt}, {minInt, 0}, {0, 0}, {0, 0}, {0, 0}}, 1920767766, maxInt},
+      {{{{minInt, maxInt}}, {{minInt, 0}}, {{0, 0}}, {{0, 0}}, {{0, 0}}}, 1920767766, maxInt},
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(&c - cases);
-    const imImagePtr image = twoPixels(c.bands);
-    EXPECT_EQ(ifEuclideanDistance(image.get(), 0, 1), c.euclidean);
-    EXPECT_EQ(ifEuclideanDistance(image.get(), 1, 0), c.euclidean);
-    EXPECT_EQ(ifMaxDistance(image.get(), 0, 1), c.largest);
-    EXPECT_EQ(ifMaxDistance(image.get(), 1, 0), c.largest);
-    EXPECT_EQ(ifWatershedMetric(image.get(), 0, 1), c.bands[0].second);
+    const imImagePtr image = makeBands(c.bands, imTypeColor);
+    for (const int p : {0, 1}) {
+      EXPECT_EQ(ifEuclideanDistance(image.get(), p, 1 - p), c.euclidean);
+      EXPECT_EQ(ifMaxDistance(image.get(), p, 1 - p), c.largest);
+      EXPECT_EQ(ifWatershedMetric(image.get(), p, 1 - p), c.bands[0][0][1 - p]);
+    }
   }
-  const imImagePtr none = twoPixels({});
-  EXPECT_EQ(ifMaxDistance(none.get(), 0, 1), -1);
-  EXPECT_EXIT(ifEuclideanDistance(none.get(), 0, 1), testing::ExitedWithCode(1),
-              "ifEuclideanDistance");
+  EXPECT_EQ(ifMaxDistance(blank(2, 1, 0).get(), 0, 1), -1);
+  EXPECT_FATAL(ifEuclideanDistance(blank(2, 1, 0).get(), 0, 1), "ifEuclideanDistance");
 }
 
 TEST(Cost, Chamfer) {
-  const imImagePtr image(imCreateImage(0, imTypeGrey, 10, 3));
+  const int cases[][3] = {{0, 1, 12},  {10, 0, 12}, {0, 11, 17},
+                          {9, 10, 17}, {5, 5, 12},  {3, 23, 12}};
+  for (const auto &[p, q, expected] : cases)
+    EXPECT_EQ(ifChanferDistance(blank(10, 3, 0).get(), p, q), expected) << p << " " << q;
+}
+
+// Runs a builder of weight images; `printed` is what it has to say.
+imImagePtr build(ifWeightImageFn builder, const imImagePtr &image, imNeighborhoodFn adjacency,
+                 const std::string &printed) {
+  imImagePtr weights;
+  EXPECT_EQ(printedBy([&] { weights.reset(builder(image.get(), adjacency)); }), printed);
+  return weights;
+}
+
+// Bands for the displacements (1, 0) and (0, 1).
+TEST(WeightImage, EveryBuilderByHand) {
+  const imImagePtr image = makeImage({{0, 3, 103}, {4, 2000, -7}});
+  const std::string size = "out: 2 3 2 \n";
   const struct {
-    int p;
-    int q;
-    int expected;
-  } cases[] = {{0, 1, 12}, {10, 0, 12}, {0, 11, 17}, {9, 10, 17}, {5, 5, 12}, {3, 23, 12}};
-  for (const auto &c : cases)
-    EXPECT_EQ(ifChanferDistance(image.get(), c.p, c.q), c.expected) << c.p << " " << c.q;
+    ifWeightImageFn builder;
+    std::string printed;
+    Matrix right, down;
+  } cases[] = {
+      // clang-format off
+      {euclideanWF, size, {{3, 100, -1}, {1000, 1000, -1}}, {{4, 1000, 110}, {-1, -1, -1}}},
+      {gaussianWF, "", {{0, 632, -1}, {1000, 1000, -1}}, {{1, 1000, 701}, {-1, -1, -1}}},
+      {gaussian2WF, size, {{0, 1000, -1}, {1000, 1000, -1}}, {{864, 1000, 1000}, {-1, -1, -1}}},
+      {watershedWF, "", {{3, 103, -1}, {2000, -7, -1}}, {{4, 2000, -7}, {-1, -1, -1}}},
+      // clang-format on
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(&c - cases);
+    const imImagePtr weights = build(c.builder, image, imNeighborhood4forward, c.printed);
+    EXPECT_EQ(weights->type, imTypeWeights);
+    EXPECT_EQ(weights->maxValue, 1000);
+    ASSERT_EQ(weights->nbands, 2);
+    EXPECT_EQ(bandOf(weights, 0), c.right);
+    EXPECT_EQ(bandOf(weights, 1), c.down);
+    ASSERT_EQ(weights->nAdj, 2);
+    EXPECT_EQ(std::vector<int>(weights->adj, weights->adj + 4), (std::vector<int>{1, 0, 0, 1}));
+  }
+}
+
+// Only the Euclidean distance, and what is made of it, looks at more than band 0.
+TEST(WeightImage, BandsAndExtremes) {
+  const imImagePtr image =
+      makeBands({{{minInt, maxInt, 0, 5, 7}}, {{0, 0, 0, 200, 200}}}, imTypeColor);
+  const auto toTheRight = [&](ifWeightImageFn builder, const std::string &printed) {
+    return bandOf(build(builder, image, imNeighborhood4forward, printed));
+  };
+  EXPECT_EQ(toTheRight(euclideanWF, "out: 2 5 1 \n"), (Matrix{{1000, 1000, 141, 1, -1}}));
+  EXPECT_EQ(toTheRight(gaussianWF, ""), (Matrix{{1000, 1000, 863, 0, -1}}));
+  EXPECT_EQ(toTheRight(gaussian2WF, "out: 2 5 1 \n"), (Matrix{{1000, 1000, 999, 0, -1}}));
+  EXPECT_EQ(toTheRight(watershedWF, ""), (Matrix{{maxInt, 0, 5, 7, -1}}));
+  EXPECT_FATAL(euclideanWF(blank(5, 1, 0).get(), imNeighborhood4), "euclideanWF");
 }
 
 } // namespace

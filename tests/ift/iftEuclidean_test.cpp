@@ -10,51 +10,35 @@ namespace {
 
 imImagePtr distances(int ncols, int nrows, const std::vector<Root> &roots,
                      imNeighborhoodFn adjacency = imNeighborhood8) {
-  const imImagePtr size(imCreateImage(1, imTypeGrey, ncols, nrows));
-  imImagePtr result(imCreateImage(4, imTypeWork, ncols, nrows));
-  iftEuclideanDT(size.get(), result.get(), adjacency, makeRoots(roots).get());
+  imImagePtr result = blank(ncols, nrows, 4);
+  iftEuclideanDT(blank(ncols, nrows).get(), result.get(), adjacency, makeRoots(roots).get());
   return result;
 }
 
 TEST(Euclidean, SmallPictures) {
   const imImagePtr corner = distances(3, 3, {{0, 7, 0}});
-  EXPECT_EQ(bandOf(corner.get(), 2), (Matrix{{0, 1, 4}, {1, 2, 5}, {4, 5, 8}}));
-  EXPECT_EQ(bandOf(corner.get(), 1), (Matrix{{7, 7, 7}, {7, 7, 7}, {7, 7, 7}}));
-  EXPECT_EQ(bandOf(corner.get(), 0), (Matrix{{0, 0, 0}, {0, 0, 0}, {0, 0, 0}}));
-
+  EXPECT_EQ(bandOf(corner, 2), (Matrix{{0, 1, 4}, {1, 2, 5}, {4, 5, 8}}));
+  EXPECT_EQ(bandOf(corner, 1), Matrix(3, {7, 7, 7}));
+  EXPECT_EQ(bandOf(corner, 0), Matrix(3, {0, 0, 0}));
   // The middle goes to the root listed first; a pixel listed twice takes its later label and place.
-  EXPECT_EQ(bandOf(distances(5, 1, {{4, 2, 0}, {0, 1, 0}}).get(), 1), (Matrix{{1, 1, 2, 2, 2}}));
-  EXPECT_EQ(bandOf(distances(5, 1, {{4, 2, 0}, {0, 1, 0}, {4, 3, 0}}).get(), 1),
-            (Matrix{{1, 1, 1, 3, 3}}));
-
+  EXPECT_EQ(bandOf(distances(5, 1, {{4, 2}, {0, 1}}), 1), (Matrix{{1, 1, 2, 2, 2}}));
+  EXPECT_EQ(bandOf(distances(5, 1, {{4, 2}, {0, 1}, {4, 3}}), 1), (Matrix{{1, 1, 1, 3, 3}}));
   const imImagePtr none = distances(2, 1, {});
-  EXPECT_EQ(bandOf(none.get(), 1), (Matrix{{0, 0}}));
-  EXPECT_EQ(bandOf(none.get(), 2), (Matrix{{ifInfiniteCost, ifInfiniteCost}}));
-  EXPECT_EQ(bandOf(none.get(), 3), (Matrix{{0, 1}}));
-}
-
-TEST(Euclidean, ExactForOneRootAndForALine) {
-  const int ncols = 37;
-  const int nrows = 23;
-  std::vector<Root> line;
-  for (int x = 0; x < ncols; ++x)
-    line.push_back({5 * ncols + x, x + 1, 0});
-  const imImagePtr toLine = distances(ncols, nrows, line);
-  const imImagePtr toPoint = distances(ncols, nrows, {{5 * ncols + 30, 1, 0}});
-  for (int p = 0; p < ncols * nrows; ++p) {
-    const int dx = p % ncols - 30;
-    const int dy = p / ncols - 5;
-    EXPECT_EQ(toPoint->band[2][p], dx * dx + dy * dy);
-    EXPECT_EQ(toLine->band[2][p], dy * dy);
-    EXPECT_EQ(toLine->band[1][p], p % ncols + 1);
+  EXPECT_EQ(bandOf(none, 1), (Matrix{{0, 0}}));
+  EXPECT_EQ(bandOf(none, 2), (Matrix{{ifInfiniteCost, ifInfiniteCost}}));
+  EXPECT_EQ(bandOf(none, 3), (Matrix{{0, 1}}));
+  const imImagePtr point = distances(37, 23, {{5 * 37 + 30, 1}}); // exact for one root
+  for (int p = 0; p < point->npixels; ++p) {
+    const int dx = p % 37 - 30;
+    const int dy = p / 37 - 5;
+    EXPECT_EQ(point->band[2][p], dx * dx + dy * dy);
   }
 }
 
 // Squares beyond 31 bits conquer nothing; those just below do, though an offset of 46340 is more
 // than 15 bits hold.
 TEST(Euclidean, LongWays) {
-  const int ncols = 46350;
-  const imImagePtr result = distances(ncols, 1, {{0, 1, 0}});
+  const imImagePtr result = distances(46350, 1, {{0, 1, 0}});
   EXPECT_EQ(result->band[2][46340], 46340 * 46340);
   EXPECT_EQ(result->band[1][46340], 1);
   EXPECT_EQ(result->band[2][46341], ifInfiniteCost);
@@ -66,14 +50,13 @@ TEST(Euclidean, LongWays) {
     (*list)[3] = maxInt;
     return 2;
   };
-  EXPECT_EQ(bandOf(distances(2, 1, {{0, 1, 0}}, leaps).get(), 2), (Matrix{{0, ifInfiniteCost}}));
+  EXPECT_EQ(bandOf(distances(2, 1, {{0, 1, 0}}, leaps), 2), (Matrix{{0, ifInfiniteCost}}));
 }
 
 // The rule with its offsets in arrays of their own.
 struct LiteralRule : ForestBands {
   const NeighborWalk *neighbors;
-  std::vector<int> x;
-  std::vector<int> y;
+  std::vector<int> x, y;
 
   int extend(int p, int k) const {
     const int nx = x[p] + std::abs(neighbors->dx(k));
@@ -105,36 +88,35 @@ int disc2(int **list) {
 TEST(Euclidean, EqualsTheLiteralLoop) {
   std::mt19937 random(21);
   for (int round = 0; round < 600; ++round) {
-    const int ncols = 1 + static_cast<int>(random() % 40);
-    const int nrows = 1 + static_cast<int>(random() % 40);
+    const int ncols = pick(random, 1, 40);
+    const int nrows = pick(random, 1, 40);
     const int npixels = ncols * nrows;
     std::vector<Root> roots;
-    for (auto n = random() % 12; n > 0; --n)
-      roots.push_back({static_cast<int>(random() % unsigned(npixels)), static_cast<int>(n), 0});
+    for (int n = pick(random, 0, 11); n > 0; --n)
+      roots.push_back({pick(random, 0, npixels - 1), n, 0});
     const imNeighborhoodFn relations[] = {imNeighborhood4, imNeighborhood8, disc2, knight};
     const imNeighborhoodFn adjacency = relations[round % 4];
     const imImagePtr fast = distances(ncols, nrows, roots, adjacency);
 
-    const imImagePtr literal(imCreateImage(4, imTypeWork, ncols, nrows));
+    const imImagePtr literal = blankLike(fast, 4);
     const LiteralArcs arcs = {{NeighborWalk(literal.get(), adjacency)}};
     int **band = literal->band + 1;
     const int maxCost = 2 * (ncols + nrows) + 1;
     std::fill_n(band[1], npixels, ifInfiniteCost);
-    const std::vector<int> zeros(static_cast<std::size_t>(npixels), 0);
+    const std::vector<int> zeros(npixels, 0);
     literalTransform(
         arcs, LiteralRule{{band[0], band[1], band[2], maxCost}, &arcs.neighbors, zeros, zeros},
         maxCost + 1, npixels, *makeRoots(roots));
     for (int b = 1; b < 4; ++b)
-      ASSERT_EQ(bandOf(fast.get(), b), bandOf(literal.get(), b)) << "round " << round;
+      ASSERT_EQ(bandOf(fast, b), bandOf(literal, b)) << "round " << round;
   }
 }
 
 TEST(Euclidean, RefusesWhatItCannotDo) {
-  const auto exits = testing::ExitedWithCode(1);
-  EXPECT_EXIT(distances(2, 1, {{2, 1, 0}}), exits, "iftEuclideanDT.*2");
-  const imImagePtr image(imCreateImage(2, imTypeGrey, 2, 1));
-  EXPECT_EXIT(iftEuclideanDT(image.get(), image.get(), imNeighborhood8, makeRoots({}).get()), exits,
-              "iftEuclideanDT");
+  EXPECT_FATAL(distances(2, 1, {{2, 1, 0}}), "iftEuclideanDT.*2");
+  const imImagePtr two = blank(2, 1, 2);
+  EXPECT_FATAL(iftEuclideanDT(two.get(), two.get(), imNeighborhood8, makeRoots({}).get()),
+               "iftEuclideanDT");
 }
 
 } // namespace

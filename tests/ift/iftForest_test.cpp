@@ -171,9 +171,8 @@ TEST(Forest, EveryTransformEqualsTheLiteralLoop) {
       return ForestRule<decltype(direction), ifPathCostFn>{{{}, {}, {}, maxCost}, pathCost};
     };
     const imImagePtr forest = blankLike(problem.image, 3, imTypeWork);
-    const auto size = static_cast<std::size_t>(image->npixels);
-    const std::vector<int> infinite(size, ifInfiniteCost);
-    const std::vector<int> inverted(size, ifInfiniteCostInverted);
+    const std::vector<int> infinite(image->npixels, ifInfiniteCost);
+    const std::vector<int> inverted(image->npixels, ifInfiniteCostInverted);
     const auto expect = [&](const auto &a, const auto &r, const ifRootsPtr &s) {
       expectLiteral(forest, a, r, infinite.data(), *s);
     };

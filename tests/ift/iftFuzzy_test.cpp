@@ -1,16 +1,11 @@
 #include "ift/operators/iftFuzzy.h"
 
-#include "base/arith.h"
 #include "support.h"
 
 namespace {
 
-using seedforest::detail::maxInt;
-using seedforest::detail::minInt;
-
 struct Fuzzy {
-  Matrix labels;
-  Matrix costs;
+  Matrix labels, costs;
   std::string debug[2];
 };
 
@@ -27,8 +22,8 @@ Fuzzy run(const Matrix &rows, const std::vector<Root> &seeds, const std::vector<
   iftFuzzy(image.get(), labels.get(), costs.get(), adjacency, makeRoots(seeds).get(), mean.data(),
            sigma.data(), static_cast<int>(mean.size()) - 1);
   std::filesystem::current_path(before);
-  return {bandOf(labels.get()),
-          bandOf(costs.get()),
+  return {bandOf(labels),
+          bandOf(costs),
           {contentsOf(folder.path("tmp1.pgm")), contentsOf(folder.path("tmp2.pgm"))}};
 }
 
@@ -61,21 +56,18 @@ TEST(Fuzzy, LinkCosts) {
   const struct {
     int value, mean, sigma, cost;
   } table[] = {
-      {9, 0, 100, 0}, // 81 / 100 is 0
-      {10, 0, 100, 162},
-      {-15, 0, 100, 221},
-      {23, 0, 100, 254},
-      {25, 0, 100, 255},
-      {10, 0, -100, 255 - 693},
-      {maxInt, minInt, 1, 255},
-      {minInt, maxInt, minInt, 255 - maxInt},
-      {46341, 0, maxInt, 162}, // the smallest square above an int
+      // 81 / 100 is 0; 46341 squared is the smallest square above an int
+      {9, 0, 100, 0},           {10, 0, 100, 162},
+      {-15, 0, 100, 221},       {23, 0, 100, 254},
+      {25, 0, 100, 255},        {10, 0, -100, 255 - 693},
+      {maxInt, minInt, 1, 255}, {minInt, maxInt, minInt, 255 - maxInt},
+      {46341, 0, maxInt, 162},
   };
   for (const auto &[value, mean, sigma, cost] : table) {
     const imImagePtr image = makeImage({{value, value}});
     const imImagePtr links(ifFuzzyEdgesWeight(image.get(), imNeighborhood4, mean, sigma));
-    EXPECT_EQ(bandOf(links.get(), 0), (Matrix{{cost, 0}})) << value << ' ' << mean << ' ' << sigma;
-    EXPECT_EQ(bandOf(links.get(), 3), (Matrix{{0, cost}}));
+    EXPECT_EQ(bandOf(links, 0), (Matrix{{cost, 0}})) << value << ' ' << mean << ' ' << sigma;
+    EXPECT_EQ(bandOf(links, 3), (Matrix{{0, cost}}));
   }
   const Matrix frame = {{127, 191, 127}, {191, 255, 191}, {127, 191, 127}};
   const imImagePtr image = makeImage(Matrix(3, {200, 200, 200}));
@@ -83,8 +75,8 @@ TEST(Fuzzy, LinkCosts) {
 }
 
 TEST(Fuzzy, RefusedArguments) {
-  EXPECT_EXIT(run({{1}}, {}, {0, 1}, {0, 0}), testing::ExitedWithCode(1), "iftFuzzy");
-  EXPECT_EXIT(run({{1}}, {{1, 1}}, {0, 1}, {0, 1}), testing::ExitedWithCode(1), "iftFuzzy");
+  EXPECT_FATAL(run({{1}}, {}, {0, 1}, {0, 0}), "iftFuzzy");
+  EXPECT_FATAL(run({{1}}, {{1, 1}}, {0, 1}, {0, 1}), "iftFuzzy");
 }
 
 } // namespace
