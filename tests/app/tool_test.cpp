@@ -151,53 +151,35 @@ TEST(Tool, RunsOnPictures) {
 
 // The cells of small pictures: the roots and the class image.
 TEST(Tool, Cells) {
+  const std::string blobs = "P2 7 3 9 0 0 0 0 0 0 0 0 9 0 0 0 9 0 0 0 0 0 0 0 0";
+  const std::string touching = "P5 9 5 255\n0000000000kkkckkk00kzkckzk00kkkckkk0000000000";
+  const std::string noise =
+      "P2 8 6 9 7 9 5 4 2 2 0 5 8 7 9 1 5 8 9 0 6 2 7 6 2 2 3 0 1 2 8 9 1 6 1 "
+      "4 3 3 6 1 4 3 6 4 5 0 3 0 6 0 6 7";
+  const Matrix::value_type valley = {0, 0, 0, 0, 1, 0, 0, 0, 0};
   const struct {
     const char *what;
     std::string image;
-    int steps; // of the filter
-    int nMarkers, nRoots;
-    std::string roots; // after their number
+    int steps, nMarkers, nRoots; // steps of the filter
+    std::string roots;           // after their number
     Matrix classes;
   } cases[] = {
-      {"two blobs: the first basin takes the middle column, and the line",
-       "P2 7 3 9 0 0 0 0 0 0 0 0 9 0 0 0 9 0 0 0 0 0 0 0 0",
-       0,
-       2,
-       5,
+      // clang-format off
+      {"the first basin takes the middle column, and the line", blobs, 0, 2, 5,
        "3 0 1\n1 1 2\n3 1 1\n5 1 2\n3 2 1\n",
        {{0, 0, 0, 1, 0, 0, 0}, {0, 2, 0, 1, 0, 2, 0}, {0, 0, 0, 1, 0, 0, 0}}},
-      {"one blob has no lines", std::string("P5 3 2 255\n") + "\1\1\1\1\x90\x90", -4, 2, 2,
-       "1 1 2\n2 1 2\n", Matrix{{0, 0, 0}, {0, 2, 2}}},
-      {"two cells that touch, a valley of one column between",
-       "P5 9 5 255\n000000000"
-       "0kkkckkk0"
-       "0kzkckzk0"
-       "0kkkckkk0"
-       "000000000",
-       0,
-       2,
-       7,
+      {"one blob has no lines", "P5 3 2 255\n\1\1\1\1\x90\x90", -4, 2, 2,
+       "1 1 2\n2 1 2\n", {{0, 0, 0}, {0, 2, 2}}},
+      {"two cells that touch, a valley of one column between", touching, 0, 2, 7,
        "4 0 1\n4 1 1\n2 2 2\n4 2 1\n6 2 2\n4 3 1\n4 4 1\n",
-       {{0, 0, 0, 0, 1, 0, 0, 0, 0},
-        {0, 0, 0, 0, 1, 0, 0, 0, 0},
-        {0, 0, 2, 0, 1, 0, 2, 0, 0},
-        {0, 0, 0, 0, 1, 0, 0, 0, 0},
-        {0, 0, 0, 0, 1, 0, 0, 0, 0}}},
-      {"noise, checked with an independent program",
-       "P2 8 6 9 7 9 5 4 2 2 0 5 8 7 9 1 5 8 9 0 6 2 7 6 2 2 3 0 1 2 8 9 1 6 1 4 3 3 6 1 4 3 6 4 5 "
-       "0 3 0 6 0 6 7",
-       3,
-       8,
-       17,
+       {valley, valley, {0, 0, 2, 0, 1, 0, 2, 0, 0}, valley, valley}},
+      {"noise, checked with an independent program", noise, 3, 8, 17,
        "0 0 2\n1 0 2\n0 1 2\n1 1 2\n4 1 1\n5 1 1\n6 1 1\n7 1 1\n4 2 1\n7 2 1\n4 3 1\n4 4 1\n6 4 2\n"
        "7 4 2\n4 5 1\n6 5 2\n7 5 2\n",
-       {{2, 2, 0, 0, 0, 0, 0, 0},
-        {2, 2, 0, 0, 1, 1, 1, 1},
-        {0, 0, 0, 0, 1, 0, 0, 1},
-        {0, 0, 0, 0, 1, 0, 0, 0},
-        {0, 0, 0, 0, 1, 0, 2, 2},
-        {0, 0, 0, 0, 1, 0, 2, 2}}},
+       {{2, 2, 0, 0, 0, 0, 0, 0}, {2, 2, 0, 0, 1, 1, 1, 1}, {0, 0, 0, 0, 1, 0, 0, 1},
+        {0, 0, 0, 0, 1, 0, 0, 0}, {0, 0, 0, 0, 1, 0, 2, 2}, {0, 0, 0, 0, 1, 0, 2, 2}}},
       {"an image of 0 has no markers", "P2 2 1 9 0 0", 1, 0, 0, "", Matrix{{0, 0}}},
+      // clang-format on
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.what);

@@ -199,7 +199,7 @@ TEST(Cuts, OfATreeInPredecessors) {
 }
 
 TEST(Cuts, OfAForestOfPixels) {
-  const imImagePtr forest = makeBands({{{0, 5, 10, 3, 2, 10}}, {{0, 0, 1, 2, 3, 5}}}, imTypeWork);
+  const imImagePtr forest = makeBands({{{0, 5, 10, 4, 2, 10}}, {{0, 0, 1, 2, 3, 5}}}, imTypeWork);
   const std::pair<double, std::vector<int>> cases[] = {
       {0.0, {0, 1, 2, 3, 4, 5}},  {0.25, {0, 1, 2, 3, 3, 5}}, // 2.5 goes to 2
       {0.35, {0, 1, 2, 2, 2, 5}},                             // 3.5 goes to 4

@@ -101,6 +101,8 @@ TEST(SaveImage, Bytes) {
     image->maxValue = 0;
     EXPECT_EQ(saved(image).substr(0, 8), "P2\n2 1\n" + std::to_string(std::max(maximum, 0)));
     EXPECT_EQ(image->maxValue, std::max(maximum, 0));
+    image->maxValue = -9; // another stays
+    EXPECT_EQ(saved(image).substr(0, 9), "P2\n2 1\n-9");
   }
   const imImagePtr work = blank(1, 1, 1, imTypeWork); // of no file form
   EXPECT_EQ(errorsOf([&] { EXPECT_EQ(saved(work), ""); }), "Could not write image. Unknown type.");
