@@ -30,6 +30,14 @@ inline int *allocateInts(std::size_t count) {
   return static_cast<int *>(allocateZeroed(count, sizeof(int)));
 }
 
+/// Asks for the memory at an address that will soon be read or written. Inlined by force: a
+/// compiler drops calls to what has no effect.
+[[gnu::always_inline]] inline void prefetchAt([[maybe_unused]] const void *address) {
+#if defined(__GNUC__)
+  __builtin_prefetch(address);
+#endif
+}
+
 struct Free {
   void operator()(void *block) const { std::free(block); }
 };

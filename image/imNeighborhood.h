@@ -77,14 +77,12 @@ public:
   }
 
   /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
-  /// that will soon be read. Inlined by force: a compiler drops calls to what has no effect.
+  /// that will soon be read.
   template <class T>
   [[gnu::always_inline]] void prefetch(const T *band, int p) const {
-#if defined(__GNUC__)
-    __builtin_prefetch(band + p);
-    __builtin_prefetch(band + (p >= ncols_ ? p - ncols_ : p));
-    __builtin_prefetch(band + (p < lastRow_ ? p + ncols_ : p));
-#endif
+    prefetchAt(band + p);
+    prefetchAt(band + (p >= ncols_ ? p - ncols_ : p));
+    prefetchAt(band + (p < lastRow_ ? p + ncols_ : p));
   }
 
 private:

@@ -52,7 +52,7 @@ public:
   template <class Arcs>
   [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
     arcs.prefetch(cost_, p);
-    __builtin_prefetch(pred_ + p, 1);
+    prefetchAt(pred_ + p);
   }
 
   // The path is final.
