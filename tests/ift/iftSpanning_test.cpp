@@ -108,9 +108,11 @@ TEST(Trees, OfRegionsThatAreApart) {
 // The parts of the label row 0 .. n, and the new graph's lists, without weights, which are 0.
 struct Parts {
   explicit Parts(const ifGraphPtr &graph) : of(bandOf(graph->labelImage)[0]) {
-    for (const auto &list : listsOf(graph.get()))
-      for (lists.emplace_back(); const Arc &arc : list)
+    for (const auto &list : listsOf(graph.get())) {
+      lists.emplace_back();
+      for (const Arc &arc : list)
         lists.back().push_back(arc.target);
+    }
     EXPECT_EQ(graph->labelImage->type, imTypeAscii);
     EXPECT_EQ(graph->labelImage->maxValue, graph->nVertices - 1);
   }

@@ -50,9 +50,11 @@ TEST(Image, PrintsAWindow) {
   const imImagePtr image = makeImage({{1, 2, 3}, {4, 5, 6}});
   EXPECT_EQ(printedBy([&] {
               imPrintWindow(stdout, image.get(), 2, 1);
+              imPrintWindow(stdout, image.get(), 0, 1);
               imPrintWindow(stdout, image.get(), 0, -1);
             }),
-            "\n     2      3 \n     5      6 \n");
+            "\n     2      3 \n     5      6 \n"
+            "\n     1      2 \n     4      5 \n");
 }
 
 TEST(Image, GreyToColour) {

@@ -96,6 +96,8 @@ TEST(Pixelwise, FalseExtremaLookNoFurtherThanTheirNeighbours) {
               {{{1, 1, 1, 0, 1}, {1, 1, 1, 0, 0}, {0, 1, 1, 1, 1}}});
   expectImage("maxima", imFalseRegionalMaximum(image.get()), 2, 1,
               {{{1, 1, 1, 1, 0}, {0, 0, 1, 1, 1}, {1, 0, 1, 1, 1}}});
+  expectImage("alone", imFalseRegionalMinimum(makeImage({{-3}}).get()), 2, 1, {{{1}}});
+  expectImage("column", imFalseRegionalMaximum(makeImage({{8}, {8}}).get()), 2, 1, {{{1}, {1}}});
 }
 
 TEST(Pixelwise, WhatDoesNotFitIsRefused) {
