@@ -25,6 +25,26 @@ Forest run(Transform transform, const imImagePtr &input, const std::vector<Root>
   return {bandOf(output, 0), bandOf(output, 1), bandOf(output, 2)};
 }
 
+// Variants in the place of iftNonNormalized, with the watershed weight.
+void throughWeightImage(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
+                        ifArcWeightFn, int maxCost, ifPathCostFn pathCost, const ifRoots *seeds) {
+  const imImagePtr weights(watershedWF(input, adjacency));
+  iftNonNormalizedWF(input, output, weights.get(), maxCost, pathCost, seeds);
+}
+void throughScaledMask(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
+                       ifArcWeightFn weight, int, ifPathCostFn pathCost, const ifRoots *seeds) {
+  std::vector<Root> scaled = listOf(seeds);
+  for (std::size_t i = 0; i < scaled.size(); ++i)
+    scaled[i].value = 49 * seeds->value[i];
+  const imImagePtr mask = blank(input->ncols, input->nrows);
+  std::fill_n(mask->band[0], mask->npixels, 1);
+  iftMask(input, output, mask.get(), adjacency, weight, pathCost, makeRoots(scaled).get());
+  for (int p = 0; p < output->npixels; ++p)
+    if (int &cost = output->band[1][p]; cost != ifInfiniteCost)
+      cost /= 49;
+}
+constexpr Transform variants[] = {throughWeightImage, throughScaledMask};
+
 TEST(Forest, TiesOnPlateaus) {
   const Matrix odd = {{0, 0, 0, 0, 0, 0, 0, 0, 0}};
   const Matrix even = {Matrix::value_type(8, 0), Matrix::value_type(8, 0)};
@@ -52,6 +72,10 @@ TEST(Forest, TiesOnPlateaus) {
     SCOPED_TRACE(c.what);
     const imImagePtr image = makeImage(c.image);
     EXPECT_EQ(run(iftNonNormalized, image, c.seeds, c.bound, ifPathCostMax).label, c.label);
+    if (c.bound == 9) { // those of fixed size have their own
+      for (const Transform variant : variants)
+        EXPECT_EQ(run(variant, image, c.seeds, c.bound, ifPathCostMax).label, c.label);
+    }
     // Mirrored: the negative image and costs, maximised.
     for (int p = 0; p < image->npixels; ++p)
       image->band[0][p] = c.bound - image->band[0][p];
@@ -80,6 +104,12 @@ TEST(Forest, OfSmallImages) {
                    ifPathCostSum, makeRoots({{0, 5, 1}}).get());
   EXPECT_EQ(bandOf(output, 0), (Matrix{{0, 77}}));
   EXPECT_EQ(bandOf(output, 3), (Matrix{{1, 13}}));
+
+  // A mask below 0 keeps a seed away but not a path.
+  const imImagePtr masked = blank(4, 1, 3);
+  iftMask(blank(4, 1).get(), masked.get(), makeImage({{1, -1, 0, 1}}).get(), imNeighborhood4,
+          ifWatershedMetric, ifPathCostMax, makeRoots({{1, 2}, {0, 1}, {2, 3}}).get());
+  EXPECT_EQ(bandOf(masked, 0), (Matrix{{1, 1, 0, 0}}));
 
   const imImagePtr four = blank(4, 1);
   const imImagePtr sums = blank(4, 1, 3); // beyond the 50000 buckets
@@ -237,6 +267,10 @@ TEST(Forest, Certificate) {
     };
     const Forest forest = with(20000);
     EXPECT_EQ(forest, with(maxInt));
+    if (weight == ifWatershedMetric && pathCost == ifPathCostMax) {
+      for (const Transform variant : variants)
+        EXPECT_EQ(forest, run(variant, problem.image, problem.seeds, 20000, pathCost));
+    }
     std::vector<Root> seedAt(image->npixels, {-1, 0, 0});
     for (const Root &seed : problem.seeds)
       seedAt[seed.pixel] = seed;

@@ -25,9 +25,7 @@ void literalTransform(const Arcs &arcs, Rule rule, int nbuckets, int npixels,
   }
   while (isEmpty(&queue) == 0) {
     const int p = removeQueue(&queue, &nodes, queue.current);
-    const struct {
-      int pixel;
-    } entry = {p};
+    const struct { int pixel; } entry = {p};
     rule.finish(entry);
     arcs.visit(entry, [&](int q, int k) {
       if (nodes.bucket[q] == -2)
