@@ -5,6 +5,7 @@
 #include "ift/core/ifWeightImage.h"
 
 #include <algorithm>
+#include <set>
 
 using namespace seedforest::detail;
 
@@ -212,6 +213,55 @@ TEST(Cuts, OfAForestOfPixels) {
     ifMstThreshold(forest.get(), parts.get(), fraction);
     EXPECT_EQ(bandOf(parts)[0], expected);
     EXPECT_EQ(parts->maxValue, 5);
+  }
+}
+
+// The pairs of vertices that have an edge.
+std::set<std::pair<int, int>> pairsOf(const ifGraph *graph) {
+  std::set<std::pair<int, int>> pairs;
+  const Lists lists = listsOf(graph);
+  for (int v = 0; v < graph->nVertices; ++v)
+    for (const Arc &arc : lists[v])
+      pairs.insert({v, arc.target});
+  return pairs;
+}
+
+// Whatever is made of a mosaic, its graph joins what touches in its label image: all of that after
+// a collapse, the edges that were cut after a cut.
+TEST(Cuts, GraphsAgreeWithTheirLabelImages) {
+  std::mt19937 random(33);
+  for (int round = 0; round < 200; ++round) {
+    const imImagePtr labels = blank(pick(random, 1, 12), pick(random, 1, 12));
+    for (int p = 0; p < labels->npixels; ++p)
+      labels->band[0][p] = 1 + p % labels->ncols / 3 + 4 * (p / labels->ncols / 2);
+    labels->maxValue = largestValue(labels.get(), 0);
+    const ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
+    for (int v = 0; v < graph->nVertices; ++v)
+      graph->vertices[v].data[0] = pick(random, 1, 6);
+    const auto touching = [](const ifGraphPtr &made) {
+      return pairsOf(ifGraphPtr(ifMosaicToGraph(made->labelImage)).get());
+    };
+    const ifGraphPtr collapsed(ifColapseGraph(graph.get()));
+    EXPECT_EQ(pairsOf(collapsed.get()), touching(collapsed));
+
+    const ifGraphPtr tree(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
+    const int n = std::min(3, labels->maxValue);
+    const ifGraphPtr regions(ifThresholdMST_nRegions(tree.get(), n));
+    testing::internal::CaptureStdout();
+    const ifGraphPtr parts(ifThresholdMST(tree.get(), 2));
+    const ifGraphPtr merged(ifThresholdGraph(tree.get(), 0.002));
+    testing::internal::GetCapturedStdout();
+    for (const ifGraphPtr *cut : {&regions, &parts}) {
+      const auto edges = pairsOf(cut->get());
+      const auto all = touching(*cut);
+      EXPECT_TRUE(std::includes(all.begin(), all.end(), edges.begin(), edges.end()));
+    }
+    const int *part = merged->labelImage->band[0];
+    std::vector<int> partOf(graph->nVertices);
+    for (int p = 0; p < labels->npixels; ++p)
+      partOf[labels->band[0][p]] = part[p];
+    for (const auto &[u, v] : pairsOf(merged.get()))
+      EXPECT_EQ(partOf[u], partOf[v]); // the edges that stay are those inside
   }
 }
 
