@@ -64,16 +64,14 @@ public:
     const auto cost = static_cast<unsigned>(entry.cost());
     if (cost - turn_ >= nbuckets_)
       turn_ = cost - cost % nbuckets_;
-    outran_ |= longest_.x * (2 * entry.x + longest_.x) + longest_.y * (2 * entry.y + longest_.y) >=
-               nbuckets_;
+    outran_ |= longest_.x * entry.x + longest_.y * entry.y >= longestSafe_;
   }
 
-  // As long as no step is longer than the circle of buckets, pixels are taken in the order of their
-  // costs and none that was taken can be improved. Then there is no need to ask. Roots never can.
-  bool isDone(int q) const { return outran_ && pred_[q] != q; }
-
   int extend(int, int k) const { return steps_[stepOf_[k]].cost; }
-  bool improves(int cost, int q) const { return cost < cost_[q]; }
+
+  // As long as no step is longer than the circle of buckets, pixels are taken in the order of their
+  // costs and none that was taken can be improved: there is no need to ask. Roots never can.
+  bool improves(int cost, int q) const { return cost < cost_[q] && (!outran_ || pred_[q] == q); }
   void conquer(int, int q, int, int cost) { cost_[q] = cost; }
   EuclideanEntry entry(int q, int k) const {
     const Step &step = steps_[stepOf_[k]];
@@ -129,6 +127,9 @@ private:
     for (std::size_t i = 0; i < nsteps_; ++i)
       longest_ = {std::max<std::uint64_t>(longest_.x, steps_[i].dx),
                   std::max<std::uint64_t>(longest_.y, steps_[i].dy)};
+    // The longest step from offsets x and y adds 2 * (longest_.x * x + longest_.y * y) + squares.
+    const std::uint64_t squares = longest_.x * longest_.x + longest_.y * longest_.y;
+    longestSafe_ = squares < nbuckets_ ? (nbuckets_ - squares + 1) / 2 : 0;
     stepOf_ = makeArray<int>(n);
     for (std::size_t k = 0; k < n; ++k)
       stepOf_[k] =
@@ -145,21 +146,19 @@ private:
     std::uint64_t x;
     std::uint64_t y;
   } longest_ = {0, 0};
+  std::uint64_t longestSafe_ = 0; // for longest_.x * x + longest_.y * y
   std::size_t nsteps_ = 0;
   Array<Step> steps_;
   Array<int> stepOf_; // by displacement
 };
 
-template <class Rule>
 struct EuclideanEntries {
-  const Rule &rule;
-
   using Entry = EuclideanEntry;
-  Entry make(const Rule &, int q, int k, int) const { return rule.entry(q, k); }
-  bool isDone(int q) const { return rule.isDone(q); }
+  Entry make(const EuclideanRule &rule, int q, int k, int) const { return rule.entry(q, k); }
+  bool isDone(int) const { return false; }
   void finish(Entry) {}
   // Costs improve strictly, so no pixel waits twice with one.
-  bool isValid(const Rule &, Entry entry, int) const {
+  bool isValid(const EuclideanRule &rule, Entry entry, int) const {
     return rule.costOf(entry.pixel) == entry.cost();
   }
   template <class Arcs>
@@ -171,7 +170,7 @@ struct EuclideanEntries {
 void propagateEuclidean(const EuclideanProblem &problem) {
   const int npixels = problem.image->npixels;
   EuclideanRule rule(problem);
-  EuclideanEntries<EuclideanRule> entries = {rule};
+  EuclideanEntries entries;
   BucketQueue<EuclideanEntry> queue(problem.nbuckets, npixels);
   std::fill_n(problem.cost, npixels, ifInfiniteCost);
   forEachSeed(problem.rootPixel, problem.nroots, problem.pred, [&](int, int p) {
