@@ -116,6 +116,9 @@ TEST(Forest, OfSmallImages) {
   const auto thousand = [](const imImage *, int, int) { return 1000; };
   ift(four.get(), sums.get(), imNeighborhood4, thousand, ifPathCostSum, makeRoots({{0, 1}}).get());
   EXPECT_EQ(bandOf(sums, 1), (Matrix{{0, 49000, 98000, 147000}}));
+  const auto huge = [](const imImage *, int, int) { return 50000000; }; // 49 times that saturates
+  ift(four.get(), sums.get(), imNeighborhood4, huge, ifPathCostMax, makeRoots({{0, 1}}).get());
+  EXPECT_EQ(bandOf(sums, 1), (Matrix{{0, high, high, high}}));
 }
 
 TEST(Forest, RefusesWhatItCannotDo) {
