@@ -25,8 +25,15 @@ void iftEuclideanDT(const imImage *image, imImage *result, imNeighborhoodFn adja
 
 namespace seedforest::detail {
 
+/// A band that is handed down from each root to the pixels that it wins; 0 where no path arrives.
+struct Heirloom {
+  int *band;
+  const int *atRoots; ///< the value of each root, in the order of the roots
+};
+
 /// The propagation behind it.
 struct EuclideanProblem {
+  const char *operation; ///< named where a root is outside the image
   const imImage *image;
   const NeighborWalk &neighbors;
   std::int64_t nbuckets;
@@ -34,9 +41,7 @@ struct EuclideanProblem {
   int nroots;
   int *cost; ///< written: the squared distances
   int *pred; ///< written: the predecessors
-  /// Bands that are handed down from each root to the pixels that it wins. They are given filled
-  /// for the roots and for pixels that no path reaches.
-  std::initializer_list<int *> heirlooms;
+  std::initializer_list<Heirloom> heirlooms;
 };
 void propagateEuclidean(const EuclideanProblem &problem);
 

@@ -66,8 +66,7 @@ struct PackedRule {
 };
 
 template <class Word>
-struct PackedArcs {
-  const NeighborWalk *neighbors;
+struct PackedArcs : WalkedArcs {
   const Word *words;
   OnwardWalk onward = OnwardWalk(*neighbors);
 
@@ -77,10 +76,6 @@ struct PackedArcs {
     onward.each(entry.pixel, k == Packing<Word>::noArc ? OnwardWalk::start : k, offer);
   }
   int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
-  template <class T>
-  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
-    neighbors->prefetch(band, p);
-  }
 };
 
 template <class Word, bool local>
@@ -105,7 +100,7 @@ void run(const PackedProblem &problem, Word *words) {
     problem.label[p] = seeds.label[i];
     queue.append(cost, {p});
   });
-  propagate(PackedArcs<Word>{&neighbors, words}, rule, entries, queue);
+  propagate(PackedArcs<Word>{{&neighbors}, words}, rule, entries, queue);
 
   const int unreached = problem.maximise ? ifInfiniteCostInverted : ifInfiniteCost;
   for (int p = 0; p < npixels; ++p) {

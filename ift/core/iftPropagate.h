@@ -26,7 +26,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <initializer_list>
 #include <map>
 #include <new>
 
@@ -314,6 +313,16 @@ void forEachSeed(const int *pixel, int n, int *scratch, Plant plant) {
       plant(i, pixel[i]);
 }
 
+/// What arcs over an adjacency have in common.
+struct WalkedArcs {
+  const NeighborWalk *neighbors;
+
+  template <class T>
+  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+    neighbors->prefetch(band, p);
+  }
+};
+
 /// Runs a transform whose seeds are waiting in the queue.
 template <class Arcs, class Rule, class Entries, class Queue>
 void propagate(const Arcs &arcs, Rule &rule, Entries &entries, Queue &queue) {
@@ -338,35 +347,6 @@ void propagate(const Arcs &arcs, Rule &rule, Entries &entries, Queue &queue) {
           rule.conquer(p, q, k, cost);
           queue.append(rule.bucket(cost, q), entries.make(rule, q, k, cost));
         });
-  }
-}
-
-/// Gives every pixel of a finished forest what its root has in each of some bands. predOf(p) is a
-/// pixel's predecessor, p itself at roots. In memory order, and each pixel once: far cheaper than
-/// handing it down while the forest grows, which goes all over the image.
-template <class PredOf>
-void inheritFromRoots(int npixels, PredOf predOf, std::initializer_list<int *> bands) {
-  constexpr unsigned wordBits = 64;
-  const auto size = static_cast<std::size_t>(npixels);
-  const Array<std::uint64_t> settled = makeZeroedArray<std::uint64_t>(size / wordBits + 1);
-  const auto wordOf = [&](int p) -> std::uint64_t & {
-    return settled[static_cast<unsigned>(p) / wordBits];
-  };
-  const auto bitOf = [](int p) { return std::uint64_t{1} << static_cast<unsigned>(p) % wordBits; };
-  for (int p = 0; p < npixels; ++p) {
-    int source = p;
-    while ((wordOf(source) & bitOf(source)) == 0) {
-      const int pred = predOf(source);
-      if (pred == source)
-        break;
-      source = pred;
-    }
-    for (int q = p; q != source; q = predOf(q)) {
-      for (int *band : bands)
-        band[q] = band[source];
-      wordOf(q) |= bitOf(q);
-    }
-    wordOf(source) |= bitOf(source);
   }
 }
 

@@ -50,22 +50,15 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots) {
   requireBands(operation, work, 4);
   requireSameSize(operation, image, work);
   int **bands = work->band + work->nbands - 4;
-  std::fill_n(bands[0], image->npixels, 0);
-  std::fill_n(bands[3], image->npixels, 0);
-  for (int i = 0; i < roots->n; ++i) {
-    const int p = roots->pixel[i];
-    requirePixel(operation, image, p);
-    bands[0][p] = roots->label[i];
-    bands[3][p] = roots->value[i];
-  }
-  propagateEuclidean({image,
+  propagateEuclidean({operation,
+                      image,
                       NeighborWalk(image, nearDisc),
                       2 * (std::int64_t{image->ncols} + image->nrows),
                       roots->pixel,
                       roots->n,
                       bands[1],
                       bands[2],
-                      {bands[0], bands[3]}});
+                      {{bands[0], roots->label}, {bands[3], roots->value}}});
 }
 
 int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) {

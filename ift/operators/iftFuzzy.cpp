@@ -48,8 +48,7 @@ private:
 
 // The links of a pixel that can be of use: a path never gets better as it grows, so those to
 // neighbours that have been reached as well cannot.
-struct Links {
-  const NeighborWalk *neighbors;
+struct Links : WalkedArcs {
   const LinkCost *linkCost;
   const int *cost;
 
@@ -62,10 +61,6 @@ struct Links {
     });
   }
   int weight(int p, int q, int) const { return (*linkCost)(p, q); }
-  template <class T>
-  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
-    neighbors->prefetch(band, p);
-  }
 };
 
 struct ConnectednessRule {
@@ -123,7 +118,7 @@ void connect(const imImage *image, const NeighborWalk &neighbors, const ifRoots 
       queue.append(0, {p});
     }
   ConnectednessRule rule = {image->band[0], cost};
-  propagate(Links{&neighbors, &linkCost, cost}, rule, entries, queue);
+  propagate(Links{{&neighbors}, &linkCost, cost}, rule, entries, queue);
 }
 
 } // namespace
