@@ -29,15 +29,6 @@ struct Problem {
   }
 };
 
-void copyImage(benchmark::State &state) {
-  const Problem problem(state);
-  for (auto _ : state) {
-    std::copy_n(problem.binary->band[0], problem.binary->npixels, problem.result->band[0]);
-    benchmark::ClobberMemory();
-  }
-  reportPerItem(state, "ns/pixel", problem.binary->npixels);
-}
-
 void distance(benchmark::State &state) {
   const Problem problem(state);
   for (auto _ : state)
@@ -61,8 +52,7 @@ void vigraDistance(benchmark::State &state) {
 #endif
 
 void sizesAndImages(benchmark::internal::Benchmark *b) {
-  b->ArgNames({"side", "image"})->ArgsProduct({{1024, 4096}, benchImageNumbers()});
-  b->Unit(benchmark::kMillisecond);
+  sidesAndImages(b);
 }
 BENCHMARK(copyImage)->Apply(sizesAndImages);
 BENCHMARK(distance)->Apply(sizesAndImages);

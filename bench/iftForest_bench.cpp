@@ -45,15 +45,6 @@ struct Problem {
         forest(imCreateImage(3, imTypeWork, image->ncols, image->nrows)) {}
 };
 
-void copyImage(benchmark::State &state) {
-  const Problem problem(state);
-  for (auto _ : state) {
-    std::copy_n(problem.image->band[0], problem.image->npixels, problem.forest->band[0]);
-    benchmark::ClobberMemory();
-  }
-  reportPerItem(state, "ns/pixel", problem.image->npixels);
-}
-
 void watershed(benchmark::State &state) {
   const Problem problem(state);
   for (auto _ : state)
@@ -106,8 +97,7 @@ void vigraWatershed(benchmark::State &state) {
 #endif
 
 void sizesAndImages(benchmark::internal::Benchmark *b) {
-  b->ArgNames({"side", "image"})->ArgsProduct({{1024, 2048, 4096}, benchImageNumbers()});
-  b->Unit(benchmark::kMillisecond);
+  sidesAndImages(b, {1024, 2048, benchSide});
 }
 BENCHMARK(copyImage)->Apply(sizesAndImages);
 BENCHMARK(watershed)->Apply(sizesAndImages);

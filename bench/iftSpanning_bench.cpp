@@ -19,15 +19,6 @@ struct Problem {
         forest(imCreateImage(2, imTypeWork, image->ncols, image->nrows)) {}
 };
 
-void copyImage(benchmark::State &state) {
-  const Problem problem(state);
-  for (auto _ : state) {
-    std::copy_n(problem.image->band[0], problem.image->npixels, problem.forest->band[0]);
-    benchmark::ClobberMemory();
-  }
-  reportPerItem(state, "ns/pixel", problem.image->npixels);
-}
-
 void pixelTree(benchmark::State &state) {
   const Problem problem(state);
   for (auto _ : state)
@@ -37,8 +28,7 @@ void pixelTree(benchmark::State &state) {
 }
 
 void sizesAndImages(benchmark::internal::Benchmark *b) {
-  b->ArgNames({"side", "image"})->ArgsProduct({{1024, benchSide}, benchImageNumbers()});
-  b->Unit(benchmark::kMillisecond);
+  sidesAndImages(b);
 }
 BENCHMARK(copyImage)->Apply(sizesAndImages);
 BENCHMARK(pixelTree)->Apply(sizesAndImages);

@@ -1,7 +1,10 @@
 // The pictures that the benchmarks run on, square, 8-bit values: a natural one and the worst cases.
 #pragma once
 
+#include "bench.h"
 #include "examples/micrograph.h"
+
+#include <algorithm>
 
 #include <cstdint>
 #include <random>
@@ -57,4 +60,23 @@ inline imImagePtr benchBinary(std::int64_t number, int side) {
   for (int p = 0; p < image->npixels; ++p)
     image->band[0][p] = image->band[0][p] > threshold ? 255 : 0;
   return image;
+}
+
+/// For benchmarks of range(0) = side, range(1) = image: the bare copying of the image, which the
+/// others are compared with.
+inline void copyImage(benchmark::State &state) {
+  const imImagePtr image = benchImage(state.range(1), static_cast<int>(state.range(0)));
+  const imImagePtr copy(imCopyImage(image.get()));
+  for (auto _ : state) {
+    std::copy_n(image->band[0], image->npixels, copy->band[0]);
+    benchmark::ClobberMemory();
+  }
+  reportPerItem(state, "ns/pixel", image->npixels);
+}
+
+/// All images, in these sizes.
+inline void sidesAndImages(benchmark::internal::Benchmark *b,
+                           const std::vector<std::int64_t> &sides = {1024, benchSide}) {
+  b->ArgNames({"side", "image"})->ArgsProduct({sides, benchImageNumbers()});
+  b->Unit(benchmark::kMillisecond);
 }

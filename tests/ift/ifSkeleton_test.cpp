@@ -59,7 +59,9 @@ TEST(Skeleton, InsideAndOutsideMakeTheWhole) {
   const auto disc = [](int x, int y, int cx, int cy, int r) {
     return (x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r;
   };
+  const auto beam = [](int u, int v) { return u > 20 && u < 30 && v > 4 && v < 46; };
   const Inside shapes[] = {
+      [=](int x, int y) { return beam(x, y) || beam(y, x); },                          // a cross
       [=](int x, int y) { return disc(x, y, 25, 25, 20) && !disc(x, y, 25, 25, 10); }, // a ring
       [=](int x, int y) { return disc(x, y, 12, 25, 8) || disc(x, y, 36, 25, 9); },
   };
@@ -70,6 +72,10 @@ TEST(Skeleton, InsideAndOutsideMakeTheWhole) {
     const Skeleton outer = skeleton(image, 2, 8);
     EXPECT_GT(inner.size(), 0);
     EXPECT_GT(outer.size(), 0);
+    // What lies between two contours belongs to the skeleton at every scale; a cross has one.
+    const Skeleton last = skeleton(image, 0, maxInt);
+    EXPECT_EQ(last.size() > 0, &inside != shapes);
+    EXPECT_EQ(bandOf(last.image), bandOf(skeleton(image, 0, whole.largest).image));
     for (int p = 0; p < image->npixels; ++p) {
       EXPECT_EQ(inner.image->band[0][p], image->band[0][p] > 0 ? whole.image->band[0][p] : 0);
       EXPECT_EQ(outer.image->band[0][p], image->band[0][p] > 0 ? 0 : whole.image->band[0][p]);
@@ -79,8 +85,10 @@ TEST(Skeleton, InsideAndOutsideMakeTheWhole) {
 
 TEST(Skeleton, EmptyShapesInvalidTypesAndImages) {
   const Skeleton none = skeleton(blank(9, 7), 0, 1);
+  const Skeleton filled = skeleton(shape(9, 7, [](int, int) { return true; }), 0, 1);
   EXPECT_EQ(none.largest, -99999);
-  EXPECT_EQ(none.size(), 0);
+  EXPECT_EQ(filled.largest, -99999);
+  EXPECT_EQ(none.size() + filled.size(), 0);
   for (const int type : {3, -1}) {
     const std::string line = "invalid skelType: " + std::to_string(type) + "\n";
     const auto fail = [&] {

@@ -100,6 +100,11 @@ TEST(Trees, OfRegionsThatAreApart) {
   EXPECT_EQ(listsOf(tree.get()), (Lists{{}, {{2, 0}}, {{1, 0}}, {}, {}}));
   EXPECT_EQ(bandOf(tree->labelImage), (Matrix{{0, 1, 2, 3, 4}}));
 
+  // A weight of 1000 has a bucket of its own: vertex 3 is taken first.
+  const ifGraphPtr heavy = withData({{0}, {0}, {1000}, {5}}, {{1, 3, 0}, {1, 2, 0}});
+  const ifGraphPtr light(iftPrimGraph(heavy.get(), ifGraphWatershedDistance));
+  EXPECT_EQ(listsOf(light.get())[1], (std::vector<Arc>{{2, 1000}, {3, 5}}));
+
   const ifGraphPtr bare = makeGraph(2, {{1, 2, 3}});
   EXPECT_FATAL(iftPrimGraph(bare.get(), ifGraphMinDistance), "iftPrimGraph");
   const ifGraphPtr alone = makeGraph(0, {}, 1);
