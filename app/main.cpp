@@ -5,6 +5,7 @@
 
 #include "base/report.h"
 #include "base/scan.h"
+#include "ift/core/detail/rootsTools.h"
 #include "ift/ift.h"
 #include "image/image.h"
 

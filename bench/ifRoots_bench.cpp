@@ -3,6 +3,7 @@
 
 #include "bench.h"
 
+#include "ift/core/detail/rootsTools.h"
 #include "ift/core/ifRoots.h"
 
 namespace {

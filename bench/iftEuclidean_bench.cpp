@@ -5,6 +5,7 @@
 #include "bench.h"
 #include "images.h"
 
+#include "ift/core/detail/rootsTools.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/seeds/ifContourSeeds.h"
 

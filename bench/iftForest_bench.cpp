@@ -5,8 +5,10 @@
 #include "bench.h"
 #include "images.h"
 
+#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/rootsTools.h"
 #include "ift/core/iftForest.h"
-#include "ift/core/iftRules.h"
+#include "image/detail/neighborWalk.h"
 #include "tests/reference/literalTransform.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include "bench.h"
 #include "images.h"
 
+#include "ift/core/detail/rootsTools.h"
 #include "ift/operators/iftFuzzy.h"
 
 #include <algorithm>

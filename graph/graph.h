@@ -12,7 +12,6 @@
 
 #include "image/imImage.h"
 
-#include <cstdint>
 #include <memory>
 
 struct ifEdge {
@@ -40,17 +39,17 @@ struct ifGraph {
 /// A new graph with the vertices 0 .. maxValue of the label image, of which it keeps a copy, and
 /// without edges. The caller releases it. Where it cannot be allocated: "in createGraph: could not
 /// allocate memory\n" on standard error, or the image's message, and no graph.
-ifGraph *createGraph(const imImage *labelImage, int dataSize);
+[[nodiscard]] ifGraph *createGraph(const imImage *labelImage, int dataSize);
 
 /// A new graph with the vertices 0 .. n, without a label image. The caller releases it. Where it
 /// cannot be allocated: "in allocateGraph: could not allocate memory\n" on standard error, and no
 /// graph.
-ifGraph *allocateGraph(int n, int dataSize);
+[[nodiscard]] ifGraph *allocateGraph(int n, int dataSize);
 
 /// A new graph with a copy of the label image, if there is one, and all edges; each list in reverse
 /// order, the data 0. It has the vertices that createGraph() would make, and no fewer than the old
 /// one. Leaves the old graph's cursors at the ends of the lists. Fails as createGraph() does.
-ifGraph *copyBaseGraph(ifGraph *graph, int dataSize);
+[[nodiscard]] ifGraph *copyBaseGraph(ifGraph *graph, int dataSize);
 
 /// Releases the graph with all that it owns, and clears the caller's pointer.
 void destroyGraph(ifGraph **graph);
@@ -72,7 +71,7 @@ void insertDirectedEdge(ifGraph *graph, int a, int b, int weight);
 void removeDirectedEdge(ifGraph *graph, int a, int b);
 
 /// A new empty list with dataSize integers. The caller releases it: listDestroy(), then free().
-ifVertex *createList(int dataSize);
+[[nodiscard]] ifVertex *createList(int dataSize);
 
 /// Inserts an edge and returns it; where the target is there already, changes nothing and returns
 /// the edge behind the one found, or none. The target may be any number.
@@ -99,32 +98,3 @@ struct ifGraphDeleter {
 
 /// Owns a graph, with its label image.
 using ifGraphPtr = std::unique_ptr<ifGraph, ifGraphDeleter>;
-
-namespace seedforest::detail {
-
-/// A graph of nVertices vertices without a label image or, after the line of `operation`, none.
-ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataSize);
-
-/// What copyBaseGraph() makes before it copies the edges.
-ifGraphPtr tryMakeAlike(const ifGraph *graph, int dataSize);
-
-/// Takes over a graph that an operation cannot go on without: ends the process with status 1 where
-/// it could not be made, which has been said.
-ifGraphPtr requireMade(ifGraph *graph);
-
-/// Puts an edge at the head of a list, whatever the list holds.
-ifEdge *prependEdge(ifVertex *list, int target, int weight);
-
-/// Gives a graph without edges, of no fewer vertices, the edges of another, as copyBaseGraph()
-/// does.
-void copyEdges(const char *operation, ifGraph *from, ifGraph *to);
-
-/// End the process with status 1 after a line that names the operation, unless the graph is there,
-/// v is one of its vertices, every vertex has at least `count` integers of data, or the label image
-/// is there and all its labels are vertices.
-void requireGraph(const char *operation, const ifGraph *graph);
-void requireVertex(const char *operation, const ifGraph *graph, int v);
-void requireData(const char *operation, const ifGraph *graph, int count);
-void requireRegions(const char *operation, const ifGraph *graph);
-
-} // namespace seedforest::detail

@@ -8,6 +8,7 @@
 #include "base/buffer.h"
 #include "base/multiversion.h"
 #include "base/report.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,8 @@
 #include "base/file.h"
 #include "base/report.h"
 #include "base/scan.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/parseImage.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -7,9 +7,6 @@
 
 #include "image/imImage.h"
 
-#include <string>
-#include <string_view>
-
 /// Reads an image file into a new image, which the caller releases.
 /// Returns the kind, which is also the image's type: 1 for P5, 2 for P2, 3 for P6. The image's
 /// maxValue is the file's declared maximum, and its pixels may exceed it.
@@ -31,11 +28,3 @@ int imReadImage(const char *path, imImage **image);
 /// Errors, on standard error, then status 1: "could not open file %s for writing\n"; "error writing
 /// image %s\n" when the bytes do not all reach the file; a line for a colour image without 3 bands.
 void imSaveImage(const char *path, imImage *image);
-
-namespace seedforest::detail {
-
-/// The image in a file's bytes, or none with the line to print in `error` (empty where
-/// imCreateImage has printed one). `path` only names the file in that line.
-imImagePtr parseImage(std::string_view bytes, const char *path, std::string &error);
-
-} // namespace seedforest::detail

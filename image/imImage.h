@@ -37,18 +37,18 @@ struct imImage {
 
 /// A new image: bands of zeros, maxValue and nAdj 0, no adj. The caller releases it.
 /// Sizes without a pixel, or with more than 2^31 - 1, are refused like an allocation that fails.
-imImage *imCreateImage(int nbands, char type, int ncols, int nrows);
+[[nodiscard]] imImage *imCreateImage(int nbands, char type, int ncols, int nrows);
 
 /// Frees the bands, the row table and the record, but not `adj`: whoever made an arc-weight image
 /// frees its list first (imImagePtr does). Does not clear the caller's pointer.
 void imReleaseImage(imImage **image);
 
 /// A new image with the same size, type, bands and maxValue (not the adjacency); none for none.
-imImage *imCopyImage(const imImage *image);
+[[nodiscard]] imImage *imCopyImage(const imImage *image);
 
 /// A new image of one band, a copy of band b, with the type given; maxValue is the band's largest
 /// value, 0 where all are negative. No such band: ends the process with status 1 after a line.
-imImage *imCopyBand(const imImage *image, char type, int b);
+[[nodiscard]] imImage *imCopyBand(const imImage *image, char type, int b);
 
 /// Histogram of band 0 over the pixels where band 0 of the mask is > 0.
 ///   histogram  out: new, entry v counts the pixels of value v; the caller frees it with free()
@@ -72,23 +72,3 @@ struct imImageDeleter {
 
 /// Owns an image, its adjacency list included.
 using imImagePtr = std::unique_ptr<imImage, imImageDeleter>;
-
-namespace seedforest::detail {
-
-/// End the process with status 1 after a line that names the operation, unless the image is there
-/// with at least `nbands` bands, the two images have the same size, or p is a pixel of the image.
-void requireBands(const char *operation, const imImage *image, int nbands);
-void requireSameSize(const char *operation, const imImage *a, const imImage *b);
-void requirePixel(const char *operation, const imImage *image, int p);
-
-/// Takes over an image that an operation cannot go on without: ends the process with status 1 where
-/// it could not be made, which has been said.
-imImagePtr requireMade(imImage *image);
-
-/// imCreateImage, in the same way.
-imImagePtr createImage(int nbands, char type, int ncols, int nrows);
-
-/// The largest of band b's values and 0.
-int largestValue(const imImage *image, int b);
-
-} // namespace seedforest::detail

@@ -4,8 +4,9 @@
 #include "base/buffer.h"
 #include "base/multiversion.h"
 #include "base/report.h"
-#include "image/imMorphRuns.h"
-#include "image/rowWindow.h"
+#include "image/detail/imMorphRuns.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/rowWindow.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -2,7 +2,8 @@
 
 #include "base/arith.h"
 #include "base/report.h"
-#include "image/rowWindow.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/rowWindow.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -12,19 +13,11 @@ using namespace seedforest::detail;
 
 namespace {
 
-// A new image of the size of a; none when it cannot be allocated.
-imImagePtr createLike(const imImage *a, int nbands, char type, int maxValue) {
-  imImagePtr result(imCreateImage(nbands, type, a->ncols, a->nrows));
-  if (result != nullptr)
-    result->maxValue = maxValue;
-  return result;
-}
-
 // One band, rule(v) of band 0.
 template <class Rule>
 imImage *mapBand0(const char *operation, const imImage *a, char type, int maxValue, Rule rule) {
   requireBands(operation, a, 1);
-  imImagePtr result = createLike(a, 1, type, maxValue);
+  imImagePtr result = tryCreateLike(a, 1, type, maxValue);
   if (result != nullptr)
     std::transform(a->band[0], a->band[0] + a->npixels, result->band[0], rule);
   return result.release();
@@ -43,7 +36,7 @@ imImage *combineSets(const char *operation, const imImage *a, const imImage *b, 
   requireBands(operation, a, 1);
   requireBands(operation, b, 1);
   requireSameSize(operation, a, b);
-  imImagePtr result = createLike(a, a->nbands, type, 255);
+  imImagePtr result = tryCreateLike(a, a->nbands, type, 255);
   if (result != nullptr)
     combineBand(a, 0, b, 0, result.get(), [=](int v, int u) { return isInside(v, u) ? 255 : 0; });
   return result.release();
@@ -55,7 +48,7 @@ imImagePtr combineBands(const char *operation, const imImage *a, const imImage *
   requireBands(operation, a, 0);
   requireBands(operation, b, a->nbands);
   requireSameSize(operation, a, b);
-  imImagePtr result = createLike(a, a->nbands, a->type, 0);
+  imImagePtr result = tryCreateLike(a, a->nbands, a->type, 0);
   for (int i = 0; result != nullptr && i < a->nbands; ++i)
     combineBand(a, i, b, i, result.get(), rule);
   return result;
@@ -90,7 +83,7 @@ imImage *reframe(const imImage *a, std::int64_t w) {
 template <class Beats>
 imImage *markUnbeaten(const char *operation, const imImage *a, Beats beats) {
   requireBands(operation, a, 1);
-  imImagePtr result = createLike(a, 1, imTypeAscii, 1);
+  imImagePtr result = tryCreateLike(a, 1, imTypeAscii, 1);
   if (result == nullptr)
     return nullptr;
   for (int y = 0; y < a->nrows; ++y) {
@@ -136,7 +129,7 @@ imImage *imMask(const imImage *a, const imImage *mask, int fill) {
   requireBands("imMask", a, 0);
   requireBands("imMask", mask, 1);
   requireSameSize("imMask", a, mask);
-  imImagePtr result = createLike(a, a->nbands, a->type, 0);
+  imImagePtr result = tryCreateLike(a, a->nbands, a->type, 0);
   if (result != nullptr)
     combineWithBand0(a, mask, result.get(), [fill](int v, int m) { return m > 0 ? v : fill; });
   return result.release();
@@ -178,7 +171,7 @@ imImage *imLowerEnvelope(const imImage *a, const imImage *b) {
 imImage *imAddToPixelValues(const imImage *a, int k) {
   requireBands("imAddToPixelValues", a, 0);
   const int most = a->type == imTypeGrey ? 255 : maxInt;
-  imImagePtr result = createLike(a, a->nbands, a->type, clampedSum(a->maxValue, k, maxInt));
+  imImagePtr result = tryCreateLike(a, a->nbands, a->type, clampedSum(a->maxValue, k, maxInt));
   for (int b = 0; result != nullptr && b < a->nbands; ++b)
     std::transform(a->band[b], a->band[b] + a->npixels, result->band[b],
                    [=](int v) { return clampedSum(v, k, most); });

@@ -14,50 +14,50 @@
 #include "image/imImage.h"
 
 /// 255 where lo <= v <= hi, else 0 (everywhere when lo > hi); maxValue 255.
-imImage *imThreshold(const imImage *a, char type, int lo, int hi);
+[[nodiscard]] imImage *imThreshold(const imImage *a, char type, int lo, int hi);
 
 /// v where lo <= v <= hi, else 0.
-imImage *imBandPass(const imImage *a, char type, int lo, int hi);
+[[nodiscard]] imImage *imBandPass(const imImage *a, char type, int lo, int hi);
 
 /// Of an image of type grey: 255 - v, maxValue 255. Of any other: M - v, where M is the image's
 /// maxValue, which is first raised, lastingly, to the largest value of band 0 if that is larger;
 /// the result's own maxValue stays 0.
-imImage *imNegative(imImage *a, char type);
+[[nodiscard]] imImage *imNegative(imImage *a, char type);
 
 /// The negative of a mask: 0 where v > 0, else 255; maxValue 255.
-imImage *imNegative2(const imImage *a, char type);
+[[nodiscard]] imImage *imNegative2(const imImage *a, char type);
 
 /// v where band 0 of the mask is > 0, else `fill`.
-imImage *imMask(const imImage *a, const imImage *mask, int fill);
+[[nodiscard]] imImage *imMask(const imImage *a, const imImage *mask, int fill);
 
 /// Sets of pixels, 255 inside and 0 outside: where a > 0 and b is exactly 0; where a > 0 or b > 0.
 /// The result has the first input's band count, but only its band 0 is written; maxValue 255.
-imImage *imBinaryDifference(const imImage *a, const imImage *b, char type);
-imImage *imBinaryUnion(const imImage *a, const imImage *b, char type);
+[[nodiscard]] imImage *imBinaryDifference(const imImage *a, const imImage *b, char type);
+[[nodiscard]] imImage *imBinaryUnion(const imImage *a, const imImage *b, char type);
 
 /// The image with w columns and rows of 0 put on each side, or w taken from each side: inverses of
 /// each other. A negative w, or one that would leave no pixel, ends the process with status 1 after
 /// a line; a size beyond 2^31 - 1 pixels is refused as by imCreateImage.
-imImage *imAddBorder(const imImage *a, int w);
-imImage *imRemoveBorder(const imImage *a, int w);
+[[nodiscard]] imImage *imAddBorder(const imImage *a, int w);
+[[nodiscard]] imImage *imRemoveBorder(const imImage *a, int w);
 
 /// The larger, or the smaller, of a and b, band by band.
-imImage *imUpperEnvelope(const imImage *a, const imImage *b);
-imImage *imLowerEnvelope(const imImage *a, const imImage *b);
+[[nodiscard]] imImage *imUpperEnvelope(const imImage *a, const imImage *b);
+[[nodiscard]] imImage *imLowerEnvelope(const imImage *a, const imImage *b);
 
 /// v + k, but at least 0 and, in an image of type grey, at most 255. maxValue is the input's plus k
 /// (at least 0), whatever the pixels hold.
-imImage *imAddToPixelValues(const imImage *a, int k);
+[[nodiscard]] imImage *imAddToPixelValues(const imImage *a, int k);
 
 /// v minus b, band by band, but at least 0; maxValue is the largest value of all bands.
-imImage *imSubtractImage(const imImage *a, const imImage *b);
+[[nodiscard]] imImage *imSubtractImage(const imImage *a, const imImage *b);
 
 /// Non-strict local extrema of band 0: 1 where no 8-neighbour is strictly smaller (larger), else 0;
 /// one band of type ASCII, maxValue 1. "False", because a pixel looks no further: inside a plateau
 /// it is marked even where the plateau goes on to something lower (higher). A constant image is
 /// marked all over.
-imImage *imFalseRegionalMinimum(const imImage *a);
-imImage *imFalseRegionalMaximum(const imImage *a);
+[[nodiscard]] imImage *imFalseRegionalMinimum(const imImage *a);
+[[nodiscard]] imImage *imFalseRegionalMaximum(const imImage *a);
 
 /// In place: raises every band of a to band 0 of g where that is larger. Returns the pixel count.
 int imCombineImageWithGrad(imImage *a, const imImage *g);

@@ -3,6 +3,8 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>
@@ -36,7 +38,7 @@ imImage *imHighlightElements(const imImage *image, const imImage *mask, int r, i
   }
   requireBands("imHighlightElements", mask, 1);
   requireSameSize("imHighlightElements", image, mask);
-  imImagePtr picture(imCreateImage(3, imTypeColor, image->ncols, image->nrows));
+  imImagePtr picture = tryCreateLike(image, 3, imTypeColor);
   for (int p = 0; picture != nullptr && p < image->npixels; ++p)
     if (mask->band[0][p] > 0)
       setPixel(picture.get(), p, {r, g, b});
@@ -52,7 +54,7 @@ imImage *imShowSegm(const imImage *image, const imImage *labels, int r, int g, i
   requireBands("imShowSegm", image, grey ? 1 : colour ? 3 : 0);
   requireBands("imShowSegm", labels, 1);
   requireSameSize("imShowSegm", image, labels);
-  imImagePtr picture(imCreateImage(3, imTypeColor, image->ncols, image->nrows));
+  imImagePtr picture = tryCreateLike(image, 3, imTypeColor);
   if (picture == nullptr || image->npixels == 1) // a pixel without neighbours stays black
     return picture.release();
   const NeighborWalk neighbors(image, imNeighborhood8);
@@ -69,7 +71,7 @@ imImage *imShowSegm(const imImage *image, const imImage *labels, int r, int g, i
 
 imImage *imPaintCircles(const imImage *radii) {
   requireBands("imPaintCircles", radii, 1);
-  imImagePtr picture(imCreateImage(1, imTypeGrey, radii->ncols, radii->nrows));
+  imImagePtr picture = tryCreateLike(radii, 1, imTypeGrey);
   if (picture == nullptr)
     return nullptr;
   const int ncols = radii->ncols;

@@ -10,14 +10,15 @@
 /// The image in colour, with the pixels where band 0 of the mask is > 0 in the colour (r, g, b).
 /// An image of neither 1 nor 3 bands: "invalid number of bands (expected 1 or 3)\n" on standard
 /// error, and no picture.
-imImage *imHighlightElements(const imImage *image, const imImage *mask, int r, int g, int b);
+[[nodiscard]] imImage *imHighlightElements(const imImage *image, const imImage *mask, int r, int g,
+                                           int b);
 
 /// The image in colour, with the borders between labels (band 0) drawn over it in (r, g, b).
 /// Borders are one pixel wide: a pixel is on one when an 8-neighbour has a strictly greater label.
 /// Elsewhere an image of type grey or ASCII gives its grey value, one of type colour its bands, one
 /// of any other type black. A 1 x 1 image gives black.
-imImage *imShowSegm(const imImage *image, const imImage *labels, int r, int g, int b);
+[[nodiscard]] imImage *imShowSegm(const imImage *image, const imImage *labels, int r, int g, int b);
 
 /// White discs on black (type grey): around each pixel of value v > 0 in band 0, the pixels at a
 /// squared distance of at most v. Costs the sum of the discs' heights, not of their areas.
-imImage *imPaintCircles(const imImage *radii);
+[[nodiscard]] imImage *imPaintCircles(const imImage *radii);

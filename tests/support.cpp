@@ -1,4 +1,6 @@
 #include "support.h"
+#include "ift/core/detail/rootsTools.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -50,8 +50,9 @@ struct Root {
 ifRootsPtr makeRoots(const std::vector<Root> &roots);
 std::vector<Root> listOf(const ifRoots *roots);
 
-/// The statement ends the process with status 1 and a message that matches.
-#define EXPECT_FATAL(statement, message) EXPECT_EXIT(statement, testing::ExitedWithCode(1), message)
+/// The call ends the process with status 1 and a message that matches.
+#define EXPECT_FATAL(call, message)                                                                \
+  EXPECT_EXIT(static_cast<void>(call), testing::ExitedWithCode(1), message)
 
 /// What some work prints on standard output and on standard error.
 template <class Work>

@@ -2,6 +2,8 @@
 
 #include "base/arith.h"
 #include "base/report.h"
+#include "ift/core/detail/costs.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,6 +41,11 @@ namespace seedforest::detail {
 int rootOfMean(std::uint64_t sum, int count) {
   const std::uint64_t mean = sum / static_cast<std::uint64_t>(count);
   return truncate(std::sqrt(static_cast<double>(mean)));
+}
+
+int costBound(const imImage *image) {
+  return std::max(image->maxValue,
+                  *std::max_element(image->band[0], image->band[0] + image->npixels));
 }
 
 } // namespace seedforest::detail

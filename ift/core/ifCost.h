@@ -4,7 +4,6 @@
 
 #include "image/imImage.h"
 
-#include <cstdint>
 #include <limits>
 
 /// The cost of what no path reaches, in minimising and in maximising transforms.
@@ -57,11 +56,3 @@ int ifMaxDistance(const imImage *image, int p, int q);
 /// The chamfer metric of 12 for pixels in one row or column and 17 for others; reads only the
 /// width.
 int ifChanferDistance(const imImage *image, int p, int q);
-
-namespace seedforest::detail {
-
-/// The integer part of the square root of sum / count, an integer division; saturating. A distance
-/// over `count` >= 1 features whose squared differences have this sum.
-int rootOfMean(std::uint64_t sum, int count);
-
-} // namespace seedforest::detail

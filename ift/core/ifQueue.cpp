@@ -2,6 +2,7 @@
 
 #include "base/buffer.h"
 #include "base/report.h"
+#include "ift/core/detail/queueErrors.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -5,6 +5,8 @@
 #include "base/file.h"
 #include "base/report.h"
 #include "base/scan.h"
+#include "ift/core/detail/rootsTools.h"
+#include "image/detail/imageTools.h"
 
 #include <cstdint>
 #include <cstdlib>

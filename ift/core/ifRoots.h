@@ -47,12 +47,12 @@ void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots)
 /// pixel indices outside it, which operations on the set reject. Errors, on standard error: "Could
 /// not open file %s for reading\n", then status 1; "invalid number of roots in file %s\n" and no
 /// record when the count is missing, below 1, or larger than 65536 plus the file's size in bytes.
-ifRoots *ifReadRoots(const char *path, const imImage *image);
+[[nodiscard]] ifRoots *ifReadRoots(const char *path, const imImage *image);
 
 /// A new image of type ASCII: each seed's label at its pixel, the later seed's where a pixel
 /// repeats, and 0 elsewhere; maxValue 0. A seed outside the image ends the process with status 1
 /// after a line.
-imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots);
+[[nodiscard]] imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots);
 
 struct ifRootsDeleter {
   void operator()(ifRoots *roots) const;
@@ -60,10 +60,3 @@ struct ifRootsDeleter {
 
 /// Owns a roots record and its arrays.
 using ifRootsPtr = std::unique_ptr<ifRoots, ifRootsDeleter>;
-
-namespace seedforest::detail {
-
-/// A new record with n entries of zeros.
-ifRootsPtr createRoots(int n);
-
-} // namespace seedforest::detail

@@ -3,6 +3,8 @@
 #include "base/arith.h"
 #include "base/report.h"
 #include "ift/core/ifCost.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +21,7 @@ imImage *weightImage(const char *operation, const imImage *image, imNeighborhood
                      bool announced, Weigh weigh) {
   requireBands(operation, image, 1);
   const NeighborWalk neighbors(image, adjacency);
-  imImagePtr weights(imCreateImage(neighbors.size(), imTypeWeights, image->ncols, image->nrows));
+  imImagePtr weights = tryCreateLike(image, neighbors.size(), imTypeWeights);
   if (weights == nullptr)
     return nullptr;
   if (announced)

@@ -10,20 +10,21 @@
 // none is returned.
 #pragma once
 
+#include "image/imImage.h"
 #include "image/imNeighborhood.h"
 
 using ifWeightImageFn = imImage *(*)(const imImage *image, imNeighborhoodFn adjacency);
 
 /// d of ifEuclideanDistance, at most 1000. Prints "out: %d %d %d \n" (bands and width of the
 /// result, height of the image) on standard output.
-imImage *euclideanWF(const imImage *image, imNeighborhoodFn adjacency);
+[[nodiscard]] imImage *euclideanWF(const imImage *image, imNeighborhoodFn adjacency);
 
 /// (1 - exp(-d * d / 10000)) * 1000, d of ifEuclideanDistance.
-imImage *gaussianWF(const imImage *image, imNeighborhoodFn adjacency);
+[[nodiscard]] imImage *gaussianWF(const imImage *image, imNeighborhoodFn adjacency);
 
 /// 0 where the values of band 0 differ by at most 3, else (1 - exp(-2 (d - 3)^2)) * 1000 of their
 /// difference d: close to a step. Prints as euclideanWF.
-imImage *gaussian2WF(const imImage *image, imNeighborhoodFn adjacency);
+[[nodiscard]] imImage *gaussian2WF(const imImage *image, imNeighborhoodFn adjacency);
 
 /// The destination's value in band 0, as it is; transforms read a negative one as "no arc".
-imImage *watershedWF(const imImage *image, imNeighborhoodFn adjacency);
+[[nodiscard]] imImage *watershedWF(const imImage *image, imNeighborhoodFn adjacency);

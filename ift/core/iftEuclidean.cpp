@@ -1,7 +1,10 @@
 #include "ift/core/iftEuclidean.h"
 
 #include "base/arith.h"
-#include "ift/core/iftPropagate.h"
+#include "ift/core/detail/iftEuclideanLoop.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -4,8 +4,6 @@
 #include "ift/core/ifRoots.h"
 #include "image/imNeighborhood.h"
 
-#include <initializer_list>
-
 /// Gives each pixel the squared Euclidean distance to its nearest root, along the propagation: the
 /// squared length of (sum of |dx|, sum of |dy|) over the steps of the path that won. That is the
 /// distance to the path's root where the path is monotone in x and in y; with the 8-adjacency a
@@ -22,27 +20,3 @@
 /// bands, a root outside the image, memory that cannot be had.
 void iftEuclideanDT(const imImage *image, imImage *result, imNeighborhoodFn adjacency,
                     const ifRoots *roots);
-
-namespace seedforest::detail {
-
-/// A band that is handed down from each root to the pixels that it wins; 0 where no path arrives.
-struct Heirloom {
-  int *band;
-  const int *atRoots; ///< the value of each root, in the order of the roots
-};
-
-/// The propagation behind it.
-struct EuclideanProblem {
-  const char *operation; ///< named where a root is outside the image
-  const imImage *image;
-  const NeighborWalk &neighbors;
-  std::int64_t nbuckets;
-  const int *rootPixel;
-  int nroots;
-  int *cost; ///< written: the squared distances
-  int *pred; ///< written: the predecessors
-  std::initializer_list<Heirloom> heirlooms;
-};
-void propagateEuclidean(const EuclideanProblem &problem);
-
-} // namespace seedforest::detail

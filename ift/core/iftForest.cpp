@@ -1,8 +1,11 @@
 #include "ift/core/iftForest.h"
 
 #include "base/report.h"
-#include "ift/core/iftPacked.h"
-#include "ift/core/iftRules.h"
+#include "ift/core/detail/costs.h"
+#include "ift/core/detail/iftPacked.h"
+#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/rootsTools.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <numeric>
@@ -169,12 +172,3 @@ void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage 
   grow(functionArcs(operation, input, adjacency, ifWatershedMetric), LevelRule{task.forest()},
        input->npixels, *seeds);
 }
-
-namespace seedforest::detail {
-
-int costBound(const imImage *image) {
-  return std::max(image->maxValue,
-                  *std::max_element(image->band[0], image->band[0] + image->npixels));
-}
-
-} // namespace seedforest::detail

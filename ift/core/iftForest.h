@@ -80,11 +80,3 @@ void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const
 /// label (%d)!\n" on standard error and leads nowhere.
 void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
                            imNeighborhoodFn adjacency, const ifRoots *seeds);
-
-namespace seedforest::detail {
-
-/// The bound that an operation passes on for paths through band 0 of an image: the image's
-/// maxValue, or the largest value where a file's pixels exceed that.
-int costBound(const imImage *image);
-
-} // namespace seedforest::detail

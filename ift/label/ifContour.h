@@ -8,7 +8,6 @@
 #pragma once
 
 #include "ift/core/ifRoots.h"
-#include "image/imNeighborhood.h"
 
 /// Inner border: writes 255 on every pixel of label > 0 that has a pixel of label 0 among its
 /// neighbours in imNeighborhood4. What lies outside the image is no background, and regions that
@@ -53,19 +52,3 @@ void ifContourFollow(ifRoots2 *record, int *count, int contour, imImage *mask, c
 /// between -1 and 100000: the ranges of others are those of the values and these bounds.
 void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *output,
                         int absolute);
-
-namespace seedforest::detail {
-
-/// Calls mark(p) for each pixel of label > 0 that has a pixel of label 0 among its neighbours.
-template <class Mark>
-void forEachBorderPixel(const imImage *labels, imNeighborhoodFn adjacency, Mark mark) {
-  const NeighborWalk neighbors(labels, adjacency);
-  const int *label = labels->band[0];
-  int p = 0;
-  for (int y = 0; y < labels->nrows; ++y)
-    for (int x = 0; x < labels->ncols; ++x, ++p)
-      if (label[p] > 0 && neighbors.any(x, y, [label](int q, int) { return label[q] == 0; }))
-        mark(p);
-}
-
-} // namespace seedforest::detail

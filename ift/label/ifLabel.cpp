@@ -2,7 +2,10 @@
 
 #include "base/buffer.h"
 #include "base/report.h"
-#include "ift/label/labelIndex.h"
+#include "ift/label/detail/announceLabelling.h"
+#include "ift/label/detail/labelIndex.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>

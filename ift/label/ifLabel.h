@@ -28,10 +28,3 @@ void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *
 /// Renumbers the values of an image 1 .. k, in place, in the order of their first pixels in raster
 /// order; 0 and negative values are numbered like any other. maxValue becomes k.
 void ifCorrectLabels(imImage *labels);
-
-namespace seedforest::detail {
-
-/// Prints the progress line of ifLabelImage().
-void announceLabelling();
-
-} // namespace seedforest::detail

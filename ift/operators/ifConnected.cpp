@@ -2,9 +2,11 @@
 
 #include "base/arith.h"
 #include "base/report.h"
+#include "ift/core/detail/costs.h"
 #include "ift/core/iftForest.h"
-#include "ift/operators/areaLevels.h"
+#include "ift/operators/detail/areaLevels.h"
 #include "ift/seeds/ifExtrema.h"
+#include "image/detail/imageTools.h"
 #include "image/imMorph.h"
 #include "image/imPixelwise.h"
 
@@ -36,10 +38,6 @@ struct Result {
     *labelsOut = labels.release();
   }
 };
-
-imImagePtr createLike(const imImage *image, int nbands, char type) {
-  return createImage(nbands, type, image->ncols, image->nrows);
-}
 
 // Moves a band out of a forest.
 imImagePtr takeBand(imImage *forest, int b, char type) {

@@ -1,10 +1,13 @@
 #include "ift/operators/ifSkeleton.h"
 
 #include "base/report.h"
+#include "ift/core/detail/iftEuclideanLoop.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/label/ifContour.h"
 #include "ift/seeds/ifContourSeeds.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imPixelwise.h"
 
 #include <algorithm>
@@ -27,12 +30,12 @@ struct Distances {
 Distances distances(const imImage *image) {
   ifRoots2 roots = {};
   const imImagePtr shape(ifSkel2Roots(image, &roots));
-  const imImagePtr work = createImage(5, imTypeWork, image->ncols, image->nrows);
+  const imImagePtr work = createLike(image, 5, imTypeWork);
   iftSkelNova(image, work.get(), &roots);
   ifReleaseRoots2(&roots);
   const imImagePtr label = requireMade(imCopyBand(work.get(), imTypeAscii, 1));
   const imImagePtr contour = requireMade(imCopyBand(work.get(), imTypeAscii, 4));
-  Distances distances = {createImage(1, imTypeAscii, image->ncols, image->nrows),
+  Distances distances = {createLike(image, 1, imTypeAscii),
                          requireMade(imCopyBand(work.get(), imTypeAscii, 2))};
   ifLabelDifferences(label.get(), contour.get(), distances.alongContour.get(), 0);
   return distances;

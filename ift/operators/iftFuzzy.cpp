@@ -2,7 +2,9 @@
 
 #include "base/arith.h"
 #include "base/report.h"
-#include "ift/core/iftPropagate.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imIO.h"
 
 #include <algorithm>
@@ -127,7 +129,7 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
               const ifRoots *seeds, const int *mean, const int *sigma, int nObjects) {
   check(image, labelOut, costOut, seeds, sigma, nObjects);
   const NeighborWalk neighbors(image, adjacency);
-  const imImagePtr costs = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  const imImagePtr costs = createLike(image, 1, imTypeAscii);
   const int *cost = costs->band[0]; // of one object after the other
   int *best = costOut->band[0];
   Queue queue(nPathCosts, image->npixels);

@@ -36,8 +36,9 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
 /// The costs of all links for the mean m and the spread s: a new work image with a band for each
 /// displacement of the adjacency, whose value at p is the cost of the link from p by that
 /// displacement, 0 where it leads out of the image. nAdj and adj are not set.
-imImage *ifFuzzyEdgesWeight(const imImage *image, imNeighborhoodFn adjacency, int m, int s);
+[[nodiscard]] imImage *ifFuzzyEdgesWeight(const imImage *image, imNeighborhoodFn adjacency, int m,
+                                          int s);
 
 /// The average cost of the links to the neighbours in imNeighborhood4: a new image of type ASCII.
 /// Always their sum divided by 4, rounded down, so that pixels of the frame come out lower.
-imImage *ifTestFuzzy(const imImage *image, int m, int s);
+[[nodiscard]] imImage *ifTestFuzzy(const imImage *image, int m, int s);

@@ -3,7 +3,9 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
-#include "ift/label/labelIndex.h"
+#include "graph/detail/graphTools.h"
+#include "ift/label/detail/labelIndex.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -75,7 +77,7 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
 
 imImage *ifCreateFeaturesVector(const imImage *image) {
   requireBands("ifCreateFeaturesVector", image, 1);
-  imImagePtr result = createImage(image->nbands, imTypeFeatures, image->ncols, image->nrows);
+  imImagePtr result = createLike(image, image->nbands, imTypeFeatures);
   for (int b = 0; b < image->nbands; ++b) {
     const int *value = image->band[b];
     const auto [smallest, largest] = std::minmax_element(value, value + image->npixels);
@@ -109,7 +111,7 @@ imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type) {
   requireRegions("ifAverageColorsGraphToImage", graph);
   requireData("ifAverageColorsGraphToImage", graph, 1);
   const imImage *labels = graph->labelImage;
-  imImagePtr result = createImage(graph->dataSize, type, labels->ncols, labels->nrows);
+  imImagePtr result = createLike(labels, graph->dataSize, type);
   for (int b = 0; b < graph->dataSize; ++b)
     for (int p = 0; p < labels->npixels; ++p)
       result->band[b][p] = graph->vertices[labels->band[0][p]].data[b];

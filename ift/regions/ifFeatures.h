@@ -18,16 +18,16 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
 /// A new image of type features, maxValue 1000: in each band (v - min) * 1000 / (max - min), with
 /// min and max of the band; in 32 bits, so differences beyond 2147483 wrap around. A constant band
 /// becomes 0. Prints "MAX = %d, MIN = %d\n" on standard output for each band.
-imImage *ifCreateFeaturesVector(const imImage *image);
+[[nodiscard]] imImage *ifCreateFeaturesVector(const imImage *image);
 
 /// A copy of the graph (see copyBaseGraph) with the averages of the image's bands on each vertex,
 /// over the pixels that have its label; 0 where there are none.
-ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image);
+[[nodiscard]] ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image);
 
 /// A new image of the type given, of the size of the graph's label image, with a band for each
 /// integer on a vertex: that of the vertex that the pixel's label names. maxValue 0.
-imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type);
+[[nodiscard]] imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type);
 
 /// A copy of the graph with its data rescaled, each integer over all vertices, as by
 /// ifCreateFeaturesVector(), which prints its line for each.
-ifGraph *ifCreateFeaturesGraph(ifGraph *graph);
+[[nodiscard]] ifGraph *ifCreateFeaturesGraph(ifGraph *graph);

@@ -46,5 +46,5 @@ int ifEdgeWeightColor(const imImage *image, ufUnionFind *uf, int p, int q);
 /// caller releases it.
 /// Print "will copy base graph %d\n" (the number of vertices) and "done!!!!\n" on standard output.
 /// Errors, too: no graph or no label image, labels that are no vertices, images of different size.
-ifGraph *ifComputeArea(ifGraph *graph);
-ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image);
+[[nodiscard]] ifGraph *ifComputeArea(ifGraph *graph);
+[[nodiscard]] ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image);

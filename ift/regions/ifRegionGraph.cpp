@@ -4,10 +4,15 @@
 #include "base/buffer.h"
 #include "base/multiversion.h"
 #include "base/report.h"
-#include "graph/edgeInserter.h"
+#include "graph/detail/edgeInserter.h"
+#include "graph/detail/graphTools.h"
+#include "ift/core/detail/costs.h"
 #include "ift/core/ifCost.h"
+#include "ift/regions/detail/regionWalks.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
+#include "image/detail/rowWindow.h"
 #include "image/imNeighborhood.h"
-#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstddef>

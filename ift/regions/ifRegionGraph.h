@@ -27,39 +27,15 @@ int ifGraphWatershedDistance(const ifGraph *graph, int u, int v);
 /// createGraph(), without data, and an undirected edge of weight 0 between any two labels that meet
 /// at 8-neighbours. Edges are inserted in the raster order of the pixels from which they are first
 /// met with imNeighborhood8forward.
-ifGraph *ifMosaicToGraph(const imImage *labels);
+[[nodiscard]] ifGraph *ifMosaicToGraph(const imImage *labels);
 
 /// The morphological gradient: a copy of the graph by copyBaseGraph(), whose one integer on each
 /// vertex is how far a feature varies over the region and its neighbours at most, the largest value
 /// less the smallest; saturating. Vertex 0 has 0, as has a vertex without features.
-ifGraph *ifMorphoGradGraph(ifGraph *graph);
+[[nodiscard]] ifGraph *ifMorphoGradGraph(ifGraph *graph);
 
 /// The graph of merged regions: the first integer on each vertex is the number of the region that
 /// it becomes part of. The label image holds the new numbers, type ASCII, maxValue the largest of
 /// them; there are vertices up to the largest number that occurs on a vertex, without data. Edges
 /// get weight 0 and keep their direction; those inside a region vanish.
-ifGraph *ifColapseGraph(ifGraph *graph);
-
-namespace seedforest::detail {
-
-/// Writes map[label] for each pixel of a label image into band 0 of an image of its size, which may
-/// be the label image itself.
-void mapLabels(const imImage *labels, const int *map, imImage *output);
-
-/// Calls visit(edge) for each edge of vertex v, from the head of its list.
-template <class Visit>
-void forEachEdgeOf(const char *operation, const ifGraph *graph, int v, Visit visit) {
-  for (const ifEdge *edge = graph->vertices[v].edges; edge != nullptr; edge = edge->next) {
-    requireVertex(operation, graph, edge->target);
-    visit(*edge);
-  }
-}
-
-/// Calls visit(v, edge) for each edge of each vertex v from 1.
-template <class Visit>
-void forEachEdge(const char *operation, const ifGraph *graph, Visit visit) {
-  for (int v = 1; v < graph->nVertices; ++v)
-    forEachEdgeOf(operation, graph, v, [&](const ifEdge &edge) { visit(v, edge); });
-}
-
-} // namespace seedforest::detail
+[[nodiscard]] ifGraph *ifColapseGraph(ifGraph *graph);

@@ -3,10 +3,14 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
-#include "graph/edgeInserter.h"
+#include "graph/detail/disjointSets.h"
+#include "graph/detail/edgeInserter.h"
+#include "graph/detail/graphTools.h"
 #include "graph/unionfind.h"
-#include "ift/core/iftRules.h"
+#include "ift/core/detail/iftRules.h"
 #include "ift/label/ifLabel.h"
+#include "ift/regions/detail/regionWalks.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cmath>

@@ -40,7 +40,7 @@ void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights);
 ///           (ifInfiniteCost; at vertex 1 the first integer of the graph's), and the predecessor
 ///           (else the vertex itself). An edge goes in, with its weight, when its vertex is taken
 /// A graph of fewer than two vertices gives a tree without edges.
-ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight);
+[[nodiscard]] ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight);
 
 /// Cuts a spanning forest of pixels at the weights above a fraction of the largest one.
 ///   forest    the last two bands: each pixel's weight to its predecessor, and the predecessor, the
@@ -59,7 +59,7 @@ void ifMstThreshold(const imImage *forest, imImage *output, double fraction);
 ///   result    the vertices of createGraph() on that image, without data, and the edges that stay;
 ///             its label image holds the parts, renumbered by ifCorrectLabels(), label 0 included
 /// Prints "threshold is %d\n" on standard output.
-ifGraph *ifThresholdGraph(ifGraph *tree, double fraction);
+[[nodiscard]] ifGraph *ifThresholdGraph(ifGraph *tree, double fraction);
 
 /// Cuts a tree of regions at the weights above the threshold.
 ///   tree      edge lists with weights, and a label image
@@ -68,10 +68,10 @@ ifGraph *ifThresholdGraph(ifGraph *tree, double fraction);
 ///             parts, type ASCII, maxValue their number; label 0 stays 0
 /// Prints "there will be %d regions\n" on standard output: the number of edges cut, plus 1. A
 /// forest of several trees has more parts than that.
-ifGraph *ifThresholdMST(ifGraph *tree, int threshold);
+[[nodiscard]] ifGraph *ifThresholdMST(ifGraph *tree, int threshold);
 
 /// The same with n parts: cuts the n - 1 heaviest edges, or all; of equal ones those that a walk
 /// from vertex 1 meets first, each at its smaller end. The graph has the vertices 0 .. n, and
 /// maxValue is n, or the number of parts where there are more. Leaves the tree's cursors at the
 /// ends of the lists. Prints nothing.
-ifGraph *ifThresholdMST_nRegions(ifGraph *tree, int n);
+[[nodiscard]] ifGraph *ifThresholdMST_nRegions(ifGraph *tree, int n);

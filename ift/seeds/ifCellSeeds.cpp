@@ -4,8 +4,9 @@
 #include "ift/core/iftForest.h"
 #include "ift/seeds/ifExtrema.h"
 #include "ift/seeds/ifFrameSeeds.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/rowWindow.h"
 #include "image/image.h"
-#include "image/rowWindow.h"
 
 #include <algorithm>
 
@@ -16,10 +17,6 @@ namespace {
 constexpr int mostSteps = 1000000;
 constexpr int lineClass = 1;
 constexpr int markerClass = 2;
-
-imImagePtr createLike(const imImage *image, int nbands, char type) {
-  return createImage(nbands, type, image->ncols, image->nrows);
-}
 
 // The pixels of the regional maxima of the filtered image, with the labels of their maxima.
 ifRootsPtr findMarkers(const imImage *image, int steps) {

@@ -19,4 +19,4 @@
 /// Errors: an image of another number of bands, or more than 1000000 steps, end the process with
 /// status 1 after a line, before anything is printed; so do, later, what imSaveImage() reports and
 /// memory that cannot be had.
-ifRoots *ifCellsRoots(imImage *image, int steps);
+[[nodiscard]] ifRoots *ifCellsRoots(imImage *image, int steps);

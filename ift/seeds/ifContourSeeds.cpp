@@ -1,9 +1,12 @@
 #include "ift/seeds/ifContourSeeds.h"
 
 #include "base/buffer.h"
+#include "ift/label/detail/borderPixels.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/ifFrameSeeds.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 #include "image/imPixelwise.h"
 
@@ -25,8 +28,8 @@ void fillRoots(ifRoots *roots, const imImage *labels) {
 
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
   requireBands("ifDistTransfRoots", binary, 1);
-  const imImagePtr labels = createImage(1, imTypeAscii, binary->ncols, binary->nrows);
-  const imImagePtr border = createImage(1, imTypeGrey, binary->ncols, binary->nrows);
+  const imImagePtr labels = createLike(binary, 1, imTypeAscii);
+  const imImagePtr border = createLike(binary, 1, imTypeGrey);
   const imImage *marked = nullptr;
   if (contour != 0) {
     ifRegionsToContours(binary, border.get());
@@ -73,7 +76,7 @@ void followContours(imImage *border, const imImage *shape, ifRoots2 *roots) {
 
 imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots) {
   requireBands("ifSkel2Roots", image, 1);
-  const imImagePtr border = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  const imImagePtr border = createLike(image, 1, imTypeAscii);
   ifRegionsToContours(image, border.get());
   const imImagePtr interior = requireMade(imBinaryDifference(image, border.get(), imTypeGrey));
   thin(border.get(), interior.get());
@@ -107,7 +110,7 @@ void forEachCurvePixel(const imImage *labels, Curve *curves, Visit visit) {
 
 // The 8-connected curves of a border image. All are found in two passes, however many share a row.
 Array<Curve> findCurves(const imImage *border, int &count) {
-  const imImagePtr labels = createImage(1, imTypeAscii, border->ncols, border->nrows);
+  const imImagePtr labels = createLike(border, 1, imTypeAscii);
   ifLabelImage(border, labels.get());
   count = labels->maxValue;
   Array<Curve> curves = makeArray<Curve>(static_cast<std::size_t>(count));
@@ -127,12 +130,12 @@ Array<Curve> findCurves(const imImage *border, int &count) {
 
 void ifSkel2RootsSplit(const imImage *image, ifRoots *roots) {
   requireBands("ifSkel2RootsSplit", image, 1);
-  const imImagePtr border = createImage(1, imTypeGrey, image->ncols, image->nrows);
+  const imImagePtr border = createLike(image, 1, imTypeGrey);
   ifRegionsToContours(image, border.get());
   int ncurves = 0;
   const Array<Curve> curves = findCurves(border.get(), ncurves);
   const NeighborWalk neighbors(image, imNeighborhood8Clockwise);
-  const imImagePtr order = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  const imImagePtr order = createLike(image, 1, imTypeAscii);
   const Array<int> fifo = makeArray<int>(static_cast<std::size_t>(image->npixels));
   int count = 0;
   const auto visit = [&](int p) {

@@ -32,7 +32,7 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
 /// the caller to release. Prints nothing.
 /// Errors: no image or no band ends the process with status 1 after a line, as does memory that
 /// cannot be had.
-imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots);
+[[nodiscard]] imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots);
 
 /// Roots for skeletons: all border pixels of the objects, as above, numbered curve by curve. The
 /// curves are the border's 8-connected components, in raster order of their first pixels. A walk

@@ -2,12 +2,16 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "ift/core/detail/costs.h"
 #include "ift/core/iftForest.h"
+#include "ift/label/detail/announceLabelling.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/ifFrameSeeds.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
+#include "image/detail/rowWindow.h"
 #include "image/imNeighborhood.h"
 #include "image/imPixelwise.h"
-#include "image/rowWindow.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -26,7 +30,7 @@ imImagePtr falseExtrema(const imImage *image, Extremum kind) {
 
 // The components of a mask as roots, with the values of an image.
 ifRootsPtr rootsOfComponents(const imImage *mask, const imImage *values) {
-  const imImagePtr labels = createImage(1, imTypeAscii, mask->ncols, mask->nrows);
+  const imImagePtr labels = createLike(mask, 1, imTypeAscii);
   ifLabelImage(mask, labels.get());
   ifRootsPtr roots(ifLabelsToRoots(labels.get()));
   for (int i = 0; i < roots->n; ++i)
@@ -46,7 +50,7 @@ bool staysInScale(const imImage *image, Extremum kind) {
 template <class Beats>
 imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
   constexpr int extremum = -1; // for the time being; what is none holds its value
-  imImagePtr result = createImage(1, imTypeAscii, image->ncols, image->nrows);
+  imImagePtr result = createLike(image, 1, imTypeAscii);
   const int *value = image->band[0];
   int *state = result->band[0];
   for (int y = 0; y < image->nrows; ++y) {
@@ -102,7 +106,7 @@ imImagePtr reconstruct(const imImage *image, Extremum kind) {
   const imImage *bounded = minima ? shifted.get() : image;
   imImagePtr result = falseExtrema(bounded, kind);
   const ifRootsPtr seeds = rootsOfComponents(result.get(), shifted.get());
-  const imImagePtr forest = createImage(3, imTypeWork, image->ncols, image->nrows);
+  const imImagePtr forest = createLike(image, 3, imTypeWork);
   const auto transform = minima ? iftNonNormalized : iftNonNormalizedInverted;
   transform(image, forest.get(), imNeighborhood8, ifWatershedMetric, costBound(bounded),
             minima ? ifPathCostMax : ifPathCostMin, seeds.get());

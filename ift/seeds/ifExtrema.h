@@ -19,10 +19,10 @@
 #include "ift/core/ifRoots.h"
 
 /// A new image of type ASCII, maxValue 1: 1 on the extrema, else 0. The caller releases it.
-imImage *ifRegionalMinima(const imImage *image);
-imImage *ifRegionalMaxima(const imImage *image);
+[[nodiscard]] imImage *ifRegionalMinima(const imImage *image);
+[[nodiscard]] imImage *ifRegionalMaxima(const imImage *image);
 
 /// A new set with a root for each pixel of an extremum, in raster order: label k for the k-th
 /// extremum in raster order of first pixels, value the pixel's own. The caller owns it.
-ifRoots *ifRegionalMinimaAsRoots(const imImage *image);
-ifRoots *ifRegionalMaximaAsRoots(const imImage *image);
+[[nodiscard]] ifRoots *ifRegionalMinimaAsRoots(const imImage *image);
+[[nodiscard]] ifRoots *ifRegionalMaximaAsRoots(const imImage *image);

@@ -2,6 +2,8 @@
 
 #include "base/arith.h"
 #include "base/report.h"
+#include "ift/core/detail/rootsTools.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -10,7 +10,7 @@
 /// between top and bottom are listed twice.
 /// An image of one row, which would list its pixels twice against a count that does not allow for
 /// it, ends the process with status 1 after a line.
-ifRoots *ifFrameAsRoots(const imImage *image, int uniform, int label);
+[[nodiscard]] ifRoots *ifFrameAsRoots(const imImage *image, int uniform, int label);
 
 /// Every pixel whose band 0 is > 0, in raster order, with that value as its label.
-ifRoots *ifLabelsToRoots(const imImage *image);
+[[nodiscard]] ifRoots *ifLabelsToRoots(const imImage *image);

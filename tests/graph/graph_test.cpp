@@ -1,6 +1,7 @@
 #include "graph/graph.h"
 
-#include "graph/edgeInserter.h"
+#include "graph/detail/edgeInserter.h"
+#include "graph/detail/graphTools.h"
 #include "graphs.h"
 
 #include <utility>

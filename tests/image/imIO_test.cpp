@@ -1,5 +1,6 @@
 #include "image/imIO.h"
 
+#include "image/detail/parseImage.h"
 #include "support.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "image/imNeighborhood.h"
 
+#include "image/detail/neighborWalk.h"
 #include "support.h"
 
 #include <utility>

@@ -5,6 +5,7 @@
 #include "ift/core/ifCost.h"
 #include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>

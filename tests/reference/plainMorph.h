@@ -1,6 +1,7 @@
 // Dilation and erosion in their literal form: one pass over the whole disc for each pixel.
 #pragma once
 
+#include "base/buffer.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 #include "ift/core/iftForest.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/ifFrameSeeds.h"
+#include "image/detail/imageTools.h"
 #include "image/imNeighborhood.h"
 #include "image/imPixelwise.h"
 #include "support.h"

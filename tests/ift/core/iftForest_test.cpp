@@ -1,7 +1,8 @@
 #include "ift/core/iftForest.h"
 
+#include "ift/core/detail/iftRules.h"
 #include "ift/core/ifWeightImage.h"
-#include "ift/core/iftRules.h"
+#include "image/detail/neighborWalk.h"
 #include "reference/literalTransform.h"
 #include "support.h"
 

@@ -1,5 +1,6 @@
 #include "ift/label/ifLabel.h"
 
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 #include "support.h"
 

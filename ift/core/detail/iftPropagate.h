@@ -18,9 +18,11 @@
 #pragma once
 
 #include "base/buffer.h"
+#include "ift/core/detail/queueErrors.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>

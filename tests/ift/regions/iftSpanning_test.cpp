@@ -1,8 +1,11 @@
 #include "ift/regions/iftSpanning.h"
 
+#include "graph/detail/disjointSets.h"
 #include "graph/unionfind.h"
 #include "graphs.h"
 #include "ift/core/ifWeightImage.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 
 #include <algorithm>
 #include <set>

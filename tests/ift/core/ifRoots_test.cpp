@@ -1,5 +1,6 @@
 #include "ift/core/ifRoots.h"
 
+#include "ift/core/detail/rootsTools.h"
 #include "support.h"
 
 namespace {

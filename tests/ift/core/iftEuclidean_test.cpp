@@ -1,6 +1,7 @@
 #include "ift/core/iftEuclidean.h"
 
-#include "ift/core/iftRules.h"
+#include "ift/core/detail/iftRules.h"
+#include "image/detail/neighborWalk.h"
 #include "reference/literalTransform.h"
 #include "support.h"
 

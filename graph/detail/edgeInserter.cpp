@@ -1,4 +1,5 @@
-#include "graph/edgeInserter.h"
+#include "graph/detail/edgeInserter.h"
+#include "graph/detail/graphTools.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "image/imMorphRuns.h"
+#include "image/detail/imMorphRuns.h"
 
 #include "base/arith.h"
 #include "base/buffer.h"

@@ -4,7 +4,9 @@
 
 #include "base/arith.h"
 #include "base/report.h"
-#include "ift/core/iftPropagate.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "ift/regions/ifRegionGraph.h"
 
 #include "graphs.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 using namespace seedforest::detail;

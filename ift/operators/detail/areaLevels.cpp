@@ -1,7 +1,9 @@
-#include "ift/operators/areaLevels.h"
+#include "ift/operators/detail/areaLevels.h"
 
 #include "base/arith.h"
-#include "ift/core/iftRules.h"
+#include "ift/core/detail/iftRules.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 #include <algorithm>

@@ -1,7 +1,8 @@
-#include "ift/core/iftPacked.h"
+#include "ift/core/detail/iftPacked.h"
 
 #include "base/arith.h"
-#include "ift/core/iftPropagate.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "image/detail/neighborWalk.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "ift/core/ifRoots.h"
+#include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
 namespace seedforest::detail {

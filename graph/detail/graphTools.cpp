@@ -1,0 +1,114 @@
+#include "graph/detail/graphTools.h"
+
+#include "base/arith.h"
+#include "base/buffer.h"
+#include "base/report.h"
+#include "image/detail/imageTools.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace seedforest::detail {
+
+bool tryMakeData(ifVertex &vertex, int dataSize) {
+  if (dataSize > 0)
+    vertex.data =
+        static_cast<int *>(tryAllocateZeroed(static_cast<std::size_t>(dataSize), sizeof(int)));
+  return dataSize == 0 || vertex.data != nullptr;
+}
+
+ifGraphPtr tryMakeRegionGraph(const imImage *labelImage, int least, int dataSize) {
+  ifGraphPtr graph =
+      tryMakeGraph("createGraph",
+                   std::max<std::int64_t>(std::int64_t{labelImage->maxValue} + 1, least), dataSize);
+  if (graph == nullptr)
+    return nullptr;
+  graph->labelImage = imCopyImage(labelImage);
+  return graph->labelImage == nullptr ? nullptr : std::move(graph);
+}
+
+ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataSize) {
+  ifGraphPtr graph(static_cast<ifGraph *>(tryAllocateZeroed(1, sizeof(ifGraph))));
+  bool made = graph != nullptr && nVertices >= 0 && nVertices <= maxInt;
+  if (made) {
+    graph->vertices = static_cast<ifVertex *>(
+        tryAllocateZeroed(static_cast<std::size_t>(nVertices), sizeof(ifVertex)));
+    made = graph->vertices != nullptr;
+    graph->nVertices = static_cast<int>(nVertices);
+    graph->dataSize = dataSize;
+  }
+  for (int v = 0; made && dataSize != 0 && v < nVertices; ++v)
+    made = tryMakeData(graph->vertices[v], dataSize);
+  if (made)
+    return graph;
+  complain("in %s: could not allocate memory\n", operation);
+  return nullptr;
+}
+
+ifGraphPtr tryMakeAlike(const ifGraph *graph, int dataSize) {
+  const int n = graph->nVertices;
+  return graph->labelImage == nullptr ? tryMakeGraph("createGraph", n, dataSize)
+                                      : tryMakeRegionGraph(graph->labelImage, n, dataSize);
+}
+
+ifGraphPtr requireMade(ifGraph *graph) {
+  if (graph == nullptr)
+    std::exit(EXIT_FAILURE);
+  return ifGraphPtr(graph);
+}
+
+ifEdge *prependEdge(ifVertex *list, int target, int weight) {
+  auto *edge = static_cast<ifEdge *>(std::malloc(sizeof(ifEdge)));
+  if (edge == nullptr)
+    outOfMemory();
+  *edge = {target, weight, list->edges};
+  list->edges = edge;
+  ++list->nEdges;
+  return edge;
+}
+
+void copyEdges(const char *operation, ifGraph *from, ifGraph *to) {
+  // The last vertex, plus 1, that was found to have an edge to each target.
+  const Array<int> seen = makeZeroedArray<int>(static_cast<std::size_t>(from->nVertices));
+  for (int v = 0; v < from->nVertices; ++v) {
+    ifVertex &list = from->vertices[v];
+    list.cursor = list.edges;
+    while (const ifEdge *edge = listGetAndWalk(&list)) {
+      requireVertex(operation, from, edge->target);
+      if (seen[edge->target] == v + 1)
+        continue;
+      seen[edge->target] = v + 1;
+      prependEdge(&to->vertices[v], edge->target, edge->weight);
+    }
+  }
+}
+
+void requireGraph(const char *operation, const ifGraph *graph) {
+  if (graph == nullptr)
+    fatal("%s: there is no graph\n", operation);
+}
+
+void requireVertex(const char *operation, const ifGraph *graph, int v) {
+  requireGraph(operation, graph);
+  if (v < 0 || v >= graph->nVertices)
+    fatal("%s: vertex %d is outside the graph\n", operation, v);
+}
+
+void requireData(const char *operation, const ifGraph *graph, int count) {
+  requireGraph(operation, graph);
+  bool present = graph->dataSize >= count;
+  for (int v = 0; present && count > 0 && v < graph->nVertices; ++v)
+    present = graph->vertices[v].data != nullptr;
+  if (!present)
+    fatal("%s: vertices without data, where %d integers are needed\n", operation, count);
+}
+
+void requireRegions(const char *operation, const ifGraph *graph) {
+  requireGraph(operation, graph);
+  requireBands(operation, graph->labelImage, 1);
+  const imImage *labels = graph->labelImage;
+  if (!allWithin(labels->band[0], labels->npixels, 0, graph->nVertices - 1))
+    fatal("%s: labels outside the graph's vertices\n", operation);
+}
+
+} // namespace seedforest::detail

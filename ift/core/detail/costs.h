@@ -1,0 +1,18 @@
+// Costs and weights, for code that inlines them.
+#pragma once
+
+#include "ift/core/ifCost.h"
+
+#include <cstdint>
+
+namespace seedforest::detail {
+
+/// The integer part of the square root of sum / count, an integer division; saturating. A distance
+/// over `count` >= 1 features whose squared differences have this sum.
+int rootOfMean(std::uint64_t sum, int count);
+
+/// The bound that an operation passes on for paths through band 0 of an image: the image's
+/// maxValue, or the largest value where a file's pixels exceed that.
+int costBound(const imImage *image);
+
+} // namespace seedforest::detail

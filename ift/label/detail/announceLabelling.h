@@ -1,0 +1,9 @@
+// The progress line of labelling.
+#pragma once
+
+namespace seedforest::detail {
+
+/// Prints the progress line of ifLabelImage().
+void announceLabelling();
+
+} // namespace seedforest::detail

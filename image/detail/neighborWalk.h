@@ -1,0 +1,127 @@
+// The neighbours of the pixels of an image.
+#pragma once
+
+#include "base/buffer.h"
+#include "image/imImage.h"
+#include "image/imNeighborhood.h"
+
+namespace seedforest::detail {
+
+/// The neighbours that the pixels of an image have under an adjacency, in list order. This is the
+/// one place where it is decided whether a neighbour exists.
+class NeighborWalk {
+public:
+  NeighborWalk(const imImage *image, imNeighborhoodFn adjacency);
+
+  /// The neighbours by n displacements, which are copied.
+  NeighborWalk(const imImage *image, int n, const int *displacements);
+
+  int size() const { return n_; }
+  int dx(int k) const { return displacement_[2 * k]; }
+  int dy(int k) const { return displacement_[2 * k + 1]; }
+
+  /// q - p for the neighbour q of p by displacement k.
+  int offset(int k) const { return offset_[k]; }
+
+  /// Calls visit(q, k) for each neighbour q, by displacement k, of the pixel p = (x, y), until a
+  /// call returns true; returns whether one did.
+  template <class Visit>
+  bool any(int x, int y, Visit visit) const {
+    return anyOf(
+        x, y, n_, [](int i) { return i; }, visit);
+  }
+
+  /// Calls visit(q, k) for every neighbour of p.
+  template <class Visit>
+  void each(int p, Visit visit) const {
+    eachOf(
+        p, n_, [](int i) { return i; }, visit);
+  }
+
+  /// The same, by the n displacements k = list[0], list[1], ... only.
+  template <class Visit>
+  void each(int p, const int *list, int n, Visit visit) const {
+    eachOf(
+        p, n, [list](int i) { return list[i]; }, visit);
+  }
+
+  /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
+  /// that will soon be read.
+  template <class T>
+  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+    prefetchAt(band + p);
+    prefetchAt(band + (p >= ncols_ ? p - ncols_ : p));
+    prefetchAt(band + (p < lastRow_ ? p + ncols_ : p));
+  }
+
+private:
+  void measure();
+
+  template <class Displacement, class Visit>
+  bool anyOf(int x, int y, int n, Displacement displacement, Visit visit) const {
+    const int p = x + y * ncols_;
+    if (x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_) {
+      for (int i = 0; i < n; ++i)
+        if (const int k = displacement(i); visit(p + offset_[k], k))
+          return true;
+      return false;
+    }
+    for (int i = 0; i < n; ++i)
+      if (const int k = displacement(i); isInside(x, y, k) && visit(p + offset_[k], k))
+        return true;
+    return false;
+  }
+
+  template <class Displacement, class Visit>
+  void eachOf(int p, int n, Displacement displacement, Visit visit) const {
+    const int y = static_cast<int>(static_cast<unsigned>(p) / static_cast<unsigned>(ncols_));
+    anyOf(p - y * ncols_, y, n, displacement, [&visit](int q, int k) {
+      visit(q, k);
+      return false;
+    });
+  }
+
+  bool isInside(int x, int y, int k) const {
+    // Unsigned, a coordinate left of or above the image is larger than any inside.
+    return static_cast<unsigned>(x) + static_cast<unsigned>(dx(k)) <
+               static_cast<unsigned>(ncols_) &&
+           static_cast<unsigned>(y) + static_cast<unsigned>(dy(k)) < static_cast<unsigned>(nrows_);
+  }
+
+  int n_;
+  int ncols_;
+  int nrows_;
+  int lastRow_;  // its first pixel
+  int left_ = 0; // how far the relation reaches to each side
+  int right_ = 0;
+  int up_ = 0;
+  int down_ = 0;
+  Array<int> displacement_;
+  Array<int> offset_;
+};
+
+/// The neighbours of a pixel that are news: those that its predecessor on a path does not have
+/// itself. Where a longer path is never better, the others have had an offer as good already, and
+/// with the 8-adjacency three or five of eight are left.
+class OnwardWalk {
+public:
+  explicit OnwardWalk(const NeighborWalk &neighbors);
+
+  static constexpr int start = -1;
+
+  /// Calls visit(q, k) for the neighbours q of p, by displacement k, that its predecessor does not
+  /// have, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
+  template <class Visit>
+  void each(int p, int arrival, Visit visit) const {
+    const int i = isSmall_ ? arrival + 1 : 0;
+    neighbors_.each(p, &list_[begin_[i]], begin_[i + 1] - begin_[i], visit);
+  }
+
+private:
+  const NeighborWalk &neighbors_;
+  bool isSmall_;     // few enough displacements for lists for all pairs of them
+  Array<int> list_;  // displacements: all, then for each arrival
+  Array<int> begin_; // where those of arrival k begin, at k + 1
+};
+
+} // namespace seedforest::detail

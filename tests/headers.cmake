@@ -1,0 +1,21 @@
+# Every public header (outside base/ and detail/) compiles alone, as C++17 and as C++20, and includes
+# public ones only.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+  ${PROJECT_SOURCE_DIR}/image/*.h ${PROJECT_SOURCE_DIR}/graph/*.h ${PROJECT_SOURCE_DIR}/ift/*.h)
+list(FILTER headers EXCLUDE REGEX "/detail/")
+set(sources)
+foreach(header ${headers})
+  file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "#include \"(base/|.*/detail/)")
+  if(internal)
+    message(SEND_ERROR "${header} is public, but has ${internal}")
+  endif()
+  string(REPLACE "/" "-" name ${header})
+  file(CONFIGURE OUTPUT headers/${name}.cpp CONTENT "#include \"${header}\"\n")
+  list(APPEND sources ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
+endforeach()
+foreach(standard 17 20)
+  add_library(public-headers-${standard} OBJECT ${sources})
+  set_target_properties(public-headers-${standard} PROPERTIES CXX_STANDARD ${standard})
+  target_include_directories(public-headers-${standard} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(public-headers-${standard} PRIVATE seedforest-options)
+endforeach()
