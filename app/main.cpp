@@ -80,7 +80,7 @@ void copyRoot(const ifRoots &from, int i, ifRoots &to, int k) {
 ifRootsPtr readRoots(const char *path, const imImage *image) {
   ifRootsPtr roots(ifReadRoots(path, image));
   if (roots == nullptr)
-    complain("error reading seeds file %s\n", path);
+    warn("error reading seeds file %s\n", path);
   else
     progress("read file %s\n", path);
   return roots;
@@ -105,7 +105,7 @@ ifRootsPtr joinRoots(const CommandLine &line, imImage *image) {
 ifRootsPtr frameRoots(const CommandLine &line, imImage *image) {
   const int uniform = line.number(firstParameter);
   if (uniform != 0 && line.count != 6) {
-    complain("value not suplied for <label>\n");
+    warn("value not suplied for <label>\n");
     return nullptr;
   }
   const int label = uniform != 0 ? line.number(firstParameter + 1) : 0;

@@ -1,16 +1,113 @@
 #include "base/report.h"
 
+#include "base/error.h"
+
+#include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+#include <utility>
 
-namespace seedforest::detail {
+namespace seedforest {
 
 namespace {
 
-void vcomplain(const char *format, std::va_list arguments) {
+thread_local const ThrowingErrors *scope = nullptr;
+
+} // namespace
+
+OutOfMemory::OutOfMemory(const char *line) : Error(""), text_{} {
+  std::strncpy(text_, line, sizeof text_ - 1);
+}
+
+ThrowingErrors::ThrowingErrors(NoticeFn notify, StepFn step)
+    : notify_(std::move(notify)), step_(std::move(step)), outer_(scope) {
+  scope = this;
+}
+
+ThrowingErrors::~ThrowingErrors() {
+  scope = outer_;
+}
+
+namespace detail {
+
+/// What the scope that counts in this thread makes of notices and steps.
+struct Scope {
+  static void notify(Notice kind, std::string_view text) {
+    if (scope->notify_ != nullptr)
+      scope->notify_(kind, text);
+  }
+  static bool wantsSteps() { return scope != nullptr && scope->step_ != nullptr; }
+  static bool step(std::int64_t done, std::int64_t total) { return scope->step_(done, total); }
+};
+
+namespace {
+
+// A text from printf's arguments. A short one takes no memory, so that the want of it can be told.
+class Line {
+public:
+  Line(const char *format, std::va_list arguments) {
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(short_.data(), short_.size(), format, arguments);
+    length_ = static_cast<std::size_t>(std::max(length, 0));
+    if (length_ >= short_.size()) {
+      long_.resize(length_ + 1);
+      std::vsnprintf(long_.data(), long_.size(), format, again);
+    }
+    va_end(again);
+  }
+
+  std::string_view text() const { return {start(), length_}; }
+
+  /// Without the newlines that end it.
+  const char *withoutEnd() {
+    char *text = const_cast<char *>(start());
+    while (length_ > 0 && text[length_ - 1] == '\n')
+      text[--length_] = '\0';
+    return text;
+  }
+
+private:
+  const char *start() const { return long_.empty() ? short_.data() : long_.data(); }
+
+  std::array<char, 512> short_;
+  std::string long_;
+  std::size_t length_ = 0;
+};
+
+void printOnStandardError(const Line &line) {
   std::fflush(stdout); // on a terminal the error then follows the progress that led to it
-  std::vfprintf(stderr, format, arguments);
+  std::fwrite(line.text().data(), 1, line.text().size(), stderr);
+}
+
+[[noreturn]] void raise(About about, Line &line) {
+  switch (about) {
+  case About::file:
+    throw FileError(line.withoutEnd());
+  case About::memory:
+    throw OutOfMemory(line.withoutEnd());
+  case About::call:
+    break;
+  }
+  throw Error(line.withoutEnd());
+}
+
+// What all lines after which an operation has no result go through.
+void vfail(About about, const char *format, std::va_list arguments) {
+  if (scope == nullptr)
+    return printOnStandardError(Line(format, arguments));
+  try {
+    Line line(format, arguments);
+    raise(about, line);
+  } catch (const std::bad_alloc &) {
+    throw OutOfMemory("could not allocate memory!");
+  }
 }
 
 } // namespace
@@ -18,27 +115,80 @@ void vcomplain(const char *format, std::va_list arguments) {
 void progress(const char *format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  std::vprintf(format, arguments);
+  if (scope == nullptr)
+    std::vprintf(format, arguments);
+  else
+    Scope::notify(Notice::progress, Line(format, arguments).text());
   va_end(arguments);
 }
 
-void complain(const char *format, ...) {
+void progressText(std::string_view text) {
+  if (scope == nullptr)
+    std::fwrite(text.data(), 1, text.size(), stdout);
+  else
+    Scope::notify(Notice::progress, text);
+}
+
+void warn(const char *format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  vcomplain(format, arguments);
+  const Line line(format, arguments);
+  va_end(arguments);
+  if (scope == nullptr)
+    printOnStandardError(line);
+  else
+    Scope::notify(Notice::warning, line.text());
+}
+
+void fail(About about, const char *format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  vfail(about, format, arguments);
   va_end(arguments);
 }
 
 void fatal(const char *format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  vcomplain(format, arguments);
+  vfail(About::call, format, arguments);
   va_end(arguments);
+  endAfterFailure();
+}
+
+void fatal(About about, const char *format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  vfail(about, format, arguments);
+  va_end(arguments);
+  endAfterFailure();
+}
+
+void endAfterFailure() {
+  if (scope != nullptr)
+    throw Error("an operation made no result");
   std::exit(EXIT_FAILURE);
 }
 
 void outOfMemory() {
-  fatal("could not allocate memory!\n");
+  fatal(About::memory, "could not allocate memory!\n");
 }
 
-} // namespace seedforest::detail
+namespace {
+
+constexpr std::int64_t unitsPerStep = 1 << 16;
+
+} // namespace
+
+Meter::Meter(std::int64_t total)
+    : total_(total),
+      next_(Scope::wantsSteps() ? unitsPerStep : std::numeric_limits<std::int64_t>::max()) {}
+
+void Meter::tell() {
+  next_ = done_ + unitsPerStep;
+  if (!Scope::step(done_, total_))
+    throw Cancelled("cancelled");
+}
+
+} // namespace detail
+
+} // namespace seedforest

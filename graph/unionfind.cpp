@@ -28,7 +28,7 @@ void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize) {
                       : tryAllocateZeroed(static_cast<std::size_t>(n),
                                           sizeof(ufElement) + ints * sizeof(int));
   if (block == nullptr)
-    fatal("Could not allocate structure for union/find [%d elements]\n\n", n);
+    fatal(About::memory, "Could not allocate structure for union/find [%d elements]\n\n", n);
   *uf = {static_cast<ufElement *>(block), n, dataSize, nullptr};
   int *data = reinterpret_cast<int *>(uf->elems + n);
   for (int i = 0; i < n; ++i)

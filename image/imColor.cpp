@@ -457,7 +457,7 @@ void imHsv2rgb(const imImage *hsv, imImage *rgb) {
     hsvToRgb(from, to, good);
     storeWithHue(to, from, good, rgb, start);
     if (good < n)
-      return complain("in hsv2rgb: saturation is 0 and hue is defined!\n");
+      return warn("in hsv2rgb: saturation is 0 and hue is defined!\n");
   }
 }
 

@@ -187,11 +187,11 @@ imImagePtr parseImage(std::string_view bytes, const char *path, std::string &err
 int imReadImage(const char *path, imImage **image) {
   Bytes bytes;
   if (!loadFile(path, wantedBytes, bytes))
-    fatal("could not open file %s\n", path);
+    fatal(About::file, "could not open file %s\n", path);
   std::string error;
   imImagePtr parsed = parseImage(bytes.view(), path, error);
   if (parsed == nullptr)
-    fatal("%s", error.c_str());
+    fatal(About::file, "%s", error.c_str());
   *image = parsed.release();
   return (*image)->type;
 }
@@ -201,11 +201,11 @@ void imSaveImage(const char *path, imImage *image) {
   requireBands("imSaveImage", image, !writable ? 0 : image->type == imTypeColor ? 3 : 1);
   OutputFile file(path);
   if (!file.isOpen())
-    fatal("could not open file %s for writing\n", path);
+    fatal(About::file, "could not open file %s for writing\n", path);
   if (writable)
     writeImage(file.writer(), image);
   else
-    complain("Could not write image. Unknown type.");
+    warn("Could not write image. Unknown type.");
   if (!file.close())
-    fatal("error writing image %s\n", path);
+    fatal(About::file, "error writing image %s\n", path);
 }

@@ -21,8 +21,8 @@ imImage *imCreateImage(int nbands, char type, int ncols, int nrows) {
     image->row = static_cast<int *>(tryAllocateZeroed(nrows, sizeof(int)));
   }
   if (image == nullptr || image->band == nullptr || image->row == nullptr) {
-    complain("Could not allocate image!\n");
     imReleaseImage(&image);
+    fail(About::memory, "Could not allocate image!\n");
     return nullptr;
   }
   image->nbands = nbands;
@@ -35,8 +35,8 @@ imImage *imCreateImage(int nbands, char type, int ncols, int nrows) {
   for (int b = 0; b < nbands; ++b) {
     image->band[b] = static_cast<int *>(tryAllocateZeroed(npixels, sizeof(int)));
     if (image->band[b] == nullptr) {
-      complain("Could not allocate memory for image band %d!\n", b);
       imReleaseImage(&image);
+      fail(About::memory, "Could not allocate memory for image band %d!\n", b);
       return nullptr;
     }
   }

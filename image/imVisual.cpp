@@ -33,7 +33,7 @@ void copyPixel(imImage *picture, const imImage *image, int p, bool grey) {
 imImage *imHighlightElements(const imImage *image, const imImage *mask, int r, int g, int b) {
   requireBands("imHighlightElements", image, 0);
   if (image->nbands != 1 && image->nbands != 3) {
-    complain("invalid number of bands (expected 1 or 3)\n");
+    fail(About::call, "invalid number of bands (expected 1 or 3)\n");
     return nullptr;
   }
   requireBands("imHighlightElements", mask, 1);

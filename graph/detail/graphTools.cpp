@@ -41,7 +41,7 @@ ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataS
     made = tryMakeData(graph->vertices[v], dataSize);
   if (made)
     return graph;
-  complain("in %s: could not allocate memory\n", operation);
+  fail(About::memory, "in %s: could not allocate memory\n", operation);
   return nullptr;
 }
 
@@ -53,7 +53,7 @@ ifGraphPtr tryMakeAlike(const ifGraph *graph, int dataSize) {
 
 ifGraphPtr requireMade(ifGraph *graph) {
   if (graph == nullptr)
-    std::exit(EXIT_FAILURE);
+    endAfterFailure();
   return ifGraphPtr(graph);
 }
 

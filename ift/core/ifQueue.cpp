@@ -148,12 +148,12 @@ void releaseQueue(ifQueue *q, ifQueueNodes *a) {
 namespace seedforest::detail {
 
 void complainOfQueue(char what) {
-  complain("Could not allocate queue (%c) in initQueue\n", what);
+  fail(About::memory, "Could not allocate queue (%c) in initQueue\n", what);
 }
 
 void queueUnavailable(char what) {
   complainOfQueue(what);
-  std::exit(EXIT_FAILURE);
+  endAfterFailure();
 }
 
 } // namespace seedforest::detail

@@ -18,7 +18,7 @@ namespace {
 void saveRoots(const char *path, const imImage *image, int n, const int *pixel, const int *label) {
   OutputFile file(path);
   if (!file.isOpen())
-    fatal("Could not open file %s for writing\n", path);
+    fatal(About::file, "Could not open file %s for writing\n", path);
   Writer &writer = file.writer();
   writer.number(n);
   writer.text("\n");
@@ -32,7 +32,7 @@ void saveRoots(const char *path, const imImage *image, int n, const int *pixel, 
     writer.text("\n");
   }
   if (!file.close())
-    fatal("ifSaveRoots: could not write all of %s\n", path);
+    fatal(About::file, "ifSaveRoots: could not write all of %s\n", path);
 }
 
 // Nothing behind a count that cannot be scanned is of use.
@@ -94,13 +94,13 @@ void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots)
 ifRoots *ifReadRoots(const char *path, const imImage *image) {
   Bytes bytes;
   if (!loadFile(path, wantedBytes, bytes))
-    fatal("Could not open file %s for reading\n", path);
+    fatal(About::file, "Could not open file %s for reading\n", path);
   Text text(bytes.view());
   int n = 0;
   scanInt(text, n);
   constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
   if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + bytes.size) {
-    complain("invalid number of roots in file %s\n", path);
+    fail(About::file, "invalid number of roots in file %s\n", path);
     return nullptr;
   }
   ifRootsPtr roots = createRoots(n);

@@ -80,7 +80,7 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) 
   else if (skelType == 2)
     side = masked(side, requireMade(imNegative2(image, imTypeGrey)).get());
   else if (skelType != 0)
-    complain("invalid skelType: %d\n", skelType);
+    warn("invalid skelType: %d\n", skelType);
   if (skelType >= 0 && skelType <= 2)
     *result = masked(side, selected.get()).release();
   return largest;

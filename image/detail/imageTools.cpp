@@ -27,7 +27,7 @@ void requirePixel(const char *operation, const imImage *image, int p) {
 
 imImagePtr requireMade(imImage *image) {
   if (image == nullptr)
-    std::exit(EXIT_FAILURE);
+    endAfterFailure();
   return imImagePtr(image);
 }
 

@@ -167,7 +167,7 @@ struct LevelRule : ForestBands {
   }
   int extend(int p, int weight) const {
     if (side != fromBelow && side != fromAbove)
-      complain("pixel %d has invalid label (%d)!\n", p, side);
+      warn("pixel %d has invalid label (%d)!\n", p, side);
     return side == fromAbove ? ifPathCostMin(cost[p], weight) : ifPathCostMax(cost[p], weight);
   }
   bool improves(int offered, int q) const {
