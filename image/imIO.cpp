@@ -6,6 +6,7 @@
 #include "base/scan.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/parseImage.h"
+#include "image/detail/writeImage.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -128,6 +129,10 @@ void writeAscii(Writer &writer, const imImage *image) {
   }
 }
 
+} // namespace
+
+namespace seedforest::detail {
+
 void writeImage(Writer &writer, imImage *image) {
   const bool ascii = image->type == imTypeAscii;
   if (ascii && image->maxValue == 0)
@@ -144,10 +149,6 @@ void writeImage(Writer &writer, imImage *image) {
   else
     writeBinary(writer, image);
 }
-
-} // namespace
-
-namespace seedforest::detail {
 
 imImagePtr parseImage(std::string_view bytes, const char *path, std::string &error) {
   const Header header = parseHeader(bytes);

@@ -19,18 +19,7 @@ void saveRoots(const char *path, const imImage *image, int n, const int *pixel, 
   OutputFile file(path);
   if (!file.isOpen())
     fatal(About::file, "Could not open file %s for writing\n", path);
-  Writer &writer = file.writer();
-  writer.number(n);
-  writer.text("\n");
-  for (int i = 0; i < n; ++i) {
-    const int y = pixel[i] / image->ncols;
-    writer.number(pixel[i] - y * image->ncols);
-    writer.text(" ");
-    writer.number(y);
-    writer.text(" ");
-    writer.number(label[i]);
-    writer.text("\n");
-  }
+  putRoots(file.writer(), image, n, pixel, label);
   if (!file.close())
     fatal(About::file, "ifSaveRoots: could not write all of %s\n", path);
 }
@@ -95,17 +84,7 @@ ifRoots *ifReadRoots(const char *path, const imImage *image) {
   Bytes bytes;
   if (!loadFile(path, wantedBytes, bytes))
     fatal(About::file, "Could not open file %s for reading\n", path);
-  Text text(bytes.view());
-  int n = 0;
-  scanInt(text, n);
-  constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
-  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + bytes.size) {
-    fail(About::file, "invalid number of roots in file %s\n", path);
-    return nullptr;
-  }
-  ifRootsPtr roots = createRoots(n);
-  scanSeeds(text, image, *roots);
-  return roots.release();
+  return parseRoots(bytes.view(), path, image).release();
 }
 
 imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots) {
@@ -127,6 +106,34 @@ namespace seedforest::detail {
 ifRootsPtr createRoots(int n) {
   ifRootsPtr roots(static_cast<ifRoots *>(allocateZeroed(1, sizeof(ifRoots))));
   ifAllocateRoots(roots.get(), n);
+  return roots;
+}
+
+void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, const int *label) {
+  writer.number(n);
+  writer.text("\n");
+  for (int i = 0; i < n; ++i) {
+    const int y = pixel[i] / image->ncols;
+    writer.number(pixel[i] - y * image->ncols);
+    writer.text(" ");
+    writer.number(y);
+    writer.text(" ");
+    writer.number(label[i]);
+    writer.text("\n");
+  }
+}
+
+ifRootsPtr parseRoots(std::string_view bytes, const char *path, const imImage *image) {
+  Text text(bytes);
+  int n = 0;
+  scanInt(text, n);
+  constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
+  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + bytes.size()) {
+    fail(About::file, "invalid number of roots in file %s\n", path);
+    return nullptr;
+  }
+  ifRootsPtr roots = createRoots(n);
+  scanSeeds(text, image, *roots);
   return roots;
 }
 

@@ -1,11 +1,20 @@
-// Roots that an operation cannot go on without.
+// Roots that an operation cannot go on without, and the text form of roots.
 #pragma once
 
+#include "base/file.h"
 #include "ift/core/ifRoots.h"
+
+#include <string_view>
 
 namespace seedforest::detail {
 
 /// A new record with n entries of zeros.
 ifRootsPtr createRoots(int n);
+
+/// Writes roots as ifSaveRoots() does.
+void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, const int *label);
+
+/// The roots in a file's bytes, as ifReadRoots() reads them; `path` only names the file in a line.
+ifRootsPtr parseRoots(std::string_view bytes, const char *path, const imImage *image);
 
 } // namespace seedforest::detail
