@@ -116,7 +116,7 @@ Image highlight(const Image &image, const Image &mask, const Color &color) {
 
 Image averageColors(const Image &image, const Image &labels) {
   return quietly([&] {
-    Image result = like(image, recordOf(image)->nbands, image.type());
+    Image result = alike(image);
     ifAverageColor(image.get(), result.get(), recordOf(labels));
     result.setMaxValue(image.maxValue());
     return result;

@@ -18,7 +18,7 @@ namespace {
 Image morphed(void (*operation)(const imImage *in, imImage *out, int parameter), const Image &image,
               int parameter) {
   return quietly([&] {
-    Image result = like(image, recordOf(image)->nbands, image.type());
+    Image result = alike(image);
     operation(image.get(), result.get(), parameter);
     return result;
   });

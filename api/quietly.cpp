@@ -52,6 +52,10 @@ Image like(const Image &image, int nbands, ImageType type) {
   return Image(createLike(recordOf(image), nbands, static_cast<char>(type)));
 }
 
+Image alike(const Image &image) {
+  return like(image, image.nbands(), image.type());
+}
+
 void takeValues(const Image &image, const Roots &roots, int *values) {
   const imImage *record = recordOf(image);
   requireBands("the roots' values", record, 1);

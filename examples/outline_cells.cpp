@@ -15,10 +15,10 @@ int main(int argc, char **argv) try {
   if (argc != 3)
     throw seedforest::Error("usage: outline_cells IMAGE PICTURE.ppm");
   const auto image = seedforest::read(argv[1]);
-  const auto smooth = seedforest::alternatingFilter(image, 6);
+  const auto smooth = seedforest::alternatingFilter(image, 4);
   const auto bright = seedforest::threshold(smooth, 70, 255);
   const auto dark = seedforest::negative(smooth);
-  const auto roots = seedforest::markers(smooth, 10);
+  const auto roots = seedforest::markers(smooth, 5);
   const auto cells = seedforest::watershed(dark, roots, {.mask = &bright});
   if (const auto fault = seedforest::verify(cells, dark, roots, {.mask = &bright}))
     throw seedforest::Error(fault->sentence);

@@ -43,8 +43,9 @@ inline Image made(imImage *image) {
   return Image(requireMade(image));
 }
 
-/// A new image of another's size.
+/// A new image of another's size; of its bands and type, too.
 Image like(const Image &image, int nbands = 1, ImageType type = ImageType::ascii);
+Image alike(const Image &image);
 
 /// Stores the values of band 0 at the roots. Throws Error where one lies outside the image.
 void takeValues(const Image &image, const Roots &roots, int *values);

@@ -32,7 +32,7 @@ struct ReleaseImage {
 } // namespace detail
 
 /// An image. It moves, and is copied by copy() alone. One that was moved from, or made without
-/// arguments, holds no image; functions refuse it, and it has no pixels to ask for.
+/// arguments, holds no image: it has no size, and functions refuse it.
 class Image {
 public:
   Image() = default;
@@ -56,15 +56,18 @@ public:
                       ImageType type = ImageType::ascii);
 
   explicit operator bool() const { return image_ != nullptr; }
-  int ncols() const { return get()->ncols; }
-  int nrows() const { return get()->nrows; }
-  int nbands() const { return get()->nbands; }
-  int npixels() const { return get()->npixels; }
-  ImageType type() const { return static_cast<ImageType>(get()->type); }
+  int ncols() const { return image_ == nullptr ? 0 : image_->ncols; }
+  int nrows() const { return image_ == nullptr ? 0 : image_->nrows; }
+  int nbands() const { return image_ == nullptr ? 0 : image_->nbands; }
+  int npixels() const { return image_ == nullptr ? 0 : image_->npixels; }
+  ImageType type() const { return ImageType{image_ == nullptr ? imTypeAscii : image_->type}; }
 
   /// The largest grey value that is declared. Pixels may exceed it.
-  int maxValue() const { return get()->maxValue; }
-  void setMaxValue(int value) { get()->maxValue = value; }
+  int maxValue() const { return image_ == nullptr ? 0 : image_->maxValue; }
+  void setMaxValue(int value) {
+    if (image_ != nullptr)
+      image_->maxValue = value;
+  }
 
   /// The pixels of a band, pixel (x, y) at x + y * ncols(). Debug builds check the ranges.
   std::span<int> pixels(int band = 0) { return {bandAt(band), count()}; }
