@@ -40,8 +40,9 @@ Roots::Roots(Roots &&other) noexcept
     : record_(std::exchange(other.record_, {})), capacity_(std::exchange(other.capacity_, 0)) {}
 
 Roots &Roots::operator=(Roots &&other) noexcept {
-  std::swap(record_, other.record_);
-  std::swap(capacity_, other.capacity_);
+  Roots taken(std::move(other));
+  std::swap(record_, taken.record_);
+  std::swap(capacity_, taken.capacity_);
   return *this;
 }
 

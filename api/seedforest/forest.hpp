@@ -111,7 +111,8 @@ Forest scaledForest(const Image &image, const Roots &roots, Cost &&cost, Weight 
 
 /// The watershed of an image (band 0) from roots: each pixel goes to the root that reaches it over
 /// the lowest crest. Costs are the crests' heights. Roots start at the image's value where they
-/// stand, whatever their own values are, so that each keeps its pixel. options.best is not read.
+/// stand, whatever their own values are, so that each keeps its pixel. Values are expected to be at
+/// least 0. options.best is not read.
 /// Throws Error: a root outside the image.
 Forest watershed(const Image &image, const Roots &roots, const ForestOptions &options = {});
 

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace seedforest {
 
@@ -44,7 +45,7 @@ public:
   /// Takes over a record of the library's.
   explicit Image(imImagePtr image) noexcept : image_(image.release()) {}
 
-  /// A copy of values in memory, row by row from the top and band after band; as many bands as there
+  /// A copy of integers in memory, row by row from the top and band after band; as many bands as there
   /// are values for. maxValue becomes the largest.
   /// Throws Error: a number of values that does not fill bands of that size.
   template <class Value>
@@ -120,6 +121,9 @@ std::string encode(const Image &image);
 
 template <class Value>
 Image Image::copyOf(std::span<const Value> values, int ncols, int nrows, ImageType type) {
+  static_assert(std::is_integral_v<Value> &&
+                    (sizeof(Value) < sizeof(int) || std::is_same_v<Value, int>),
+                "a pixel holds any value of the type");
   Image image = ofSize(values.size(), ncols, nrows, type);
   for (int b = 0; b < image.nbands(); ++b) {
     const std::span<int> band = image.pixels(b);

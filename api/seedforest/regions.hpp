@@ -25,7 +25,8 @@ struct Region {
 std::vector<Region> measure(const Image &labels, const Image &image);
 
 /// A graph: vertices 0 .. size() - 1 with integers on each, and edges with weights; see graph.h. It
-/// moves, and is copied by copy() alone. One that was moved from has no vertices.
+/// moves, and is copied by copy() alone. One that was moved from has no vertices. Threads do not share
+/// one: copies are made by walking the lists with the cursors that the vertices have.
 class Graph {
 public:
   /// The edge to a neighbour.
@@ -94,6 +95,7 @@ public:
   RegionGraph(const Image &labels, const Image &image);
 
   using Graph::Graph;
+  RegionGraph copy() const { return RegionGraph(Graph::copy().release()); }
 
   /// A copy of the labels.
   Image labels() const;
@@ -115,9 +117,9 @@ public:
         weight, [this](ifGraphWeightFn function) { return treeBy(function); });
   }
 
-  /// Labels of merged regions, from 1, 0 staying 0: the spanning tree by the distance of features
-  /// (or this graph itself, where it is a tree: the ones with "cut") cut at its n - 1 heaviest edges,
-  /// or at those above a weight.
+  /// Labels of merged regions, from 1, 0 staying 0. A spanning tree is cut at its n - 1 heaviest
+  /// edges, or at those heavier than a weight: that by the distance of features in the first two, the
+  /// graph itself, which is one, in the others. See ifThresholdMST_nRegions and ifThresholdMST.
   Image mergeTo(int n) const { return spanningTree(regionWeight::euclidean).cutInto(n); }
   Image mergeBelow(int weight) const {
     return spanningTree(regionWeight::euclidean).cutAbove(weight);

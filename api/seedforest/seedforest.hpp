@@ -19,7 +19,7 @@
 //
 // Coordinates are x, y: columns to the right, rows downwards. Labels are from 1, and 0 is none.
 // Distances are squared, and areas count pixels. Threads may call any of this at the same time, on
-// different objects or on the same ones where none is changed.
+// different objects or, graphs excepted, on the same ones where none is changed.
 #pragma once
 
 #include "seedforest/adjacency.hpp"
