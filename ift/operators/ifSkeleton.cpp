@@ -1,7 +1,7 @@
 #include "ift/operators/ifSkeleton.h"
 
 #include "base/report.h"
-#include "ift/core/detail/iftEuclideanLoop.h"
+#include "ift/core/detail/euclideanPropagation.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/label/ifContour.h"

@@ -100,17 +100,17 @@ private:
   Array<int> offset_;
 };
 
-/// The neighbours of a pixel that are news: those that its predecessor on a path does not have
-/// itself. Where a longer path is never better, the others have had an offer as good already, and
-/// with the 8-adjacency three or five of eight are left.
-class OnwardWalk {
+/// The neighbours of a pixel that its predecessor on a path does not share. Where a longer path is
+/// never better, the shared ones have had an offer as good already, and with the 8-adjacency three
+/// or five of eight are left.
+class UnsharedNeighborWalk {
 public:
-  explicit OnwardWalk(const NeighborWalk &neighbors);
+  explicit UnsharedNeighborWalk(const NeighborWalk &neighbors);
 
   static constexpr int start = -1;
 
   /// Calls visit(q, k) for the neighbours q of p, by displacement k, that its predecessor does not
-  /// have, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
+  /// share, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
   template <class Visit>
   void each(int p, int arrival, Visit visit) const {
     const int i = isSmall_ ? arrival + 1 : 0;
