@@ -1,6 +1,7 @@
 #include "ift/label/ifLabel.h"
 
 #include "base/buffer.h"
+#include "base/findRoot.h"
 #include "base/report.h"
 #include "ift/label/detail/announceLabelling.h"
 #include "ift/label/detail/labelIndex.h"
@@ -63,16 +64,10 @@ int *findEdges(const int *value, int p, int end, int *edge) {
   return edge;
 }
 
-// The leader of run i's component where it is more than one step away; shortens the way.
-int followLinks(int *link, int i) {
-  while (link[i] != i)
-    i = link[i] = link[link[i]];
-  return i;
-}
-
+// The leader of run i's component; shortens the way to it.
 int findLeader(int *link, int i) {
-  const int up = link[i];
-  return link[up] == up ? up : followLinks(link, i);
+  return findRoot(
+      i, [link](int k) { return link[k]; }, [link](int k, int leader) { link[k] = leader; });
 }
 
 // Joins the last row's runs, from `first` on, with those of the row above, from `above` on. A run
