@@ -3,6 +3,7 @@
 #include "base/buffer.h"
 #include "base/findRoot.h"
 #include "base/report.h"
+#include "ift/core/detail/reconstruct.h"
 #include "ift/label/detail/announceLabelling.h"
 #include "ift/label/detail/labelIndex.h"
 #include "image/detail/imageTools.h"
@@ -162,8 +163,7 @@ void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *
   requireBands("ifConnectedComponents", grey, 1);
   requireBands("ifConnectedComponents", output, 1);
   requireSameSize("ifConnectedComponents", grey, output);
-  for (int i = 0; i < roots->n; ++i)
-    requirePixel("ifConnectedComponents", grey, roots->pixel[i]);
+  requireRoots("ifConnectedComponents", roots, grey);
   const NeighborWalk neighbors(grey, imNeighborhood8);
   const int *value = grey->band[0];
   const Array<bool> reached = makeZeroedArray<bool>(static_cast<std::size_t>(grey->npixels));
