@@ -4,6 +4,7 @@
 #include "base/buffer.h"
 #include "base/file.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "base/scan.h"
 #include "ift/core/detail/rootsTools.h"
 #include "image/detail/imageTools.h"
@@ -128,6 +129,12 @@ ifRootsPtr createRoots(int n) {
   ifRootsPtr roots(static_cast<ifRoots *>(allocateZeroed(1, sizeof(ifRoots))));
   ifAllocateRoots(roots.get(), n);
   return roots;
+}
+
+void requireRoots(const char *operation, const ifRoots *roots, const imImage *image) {
+  requireGiven(operation, "roots record", roots);
+  for (int i = 0; i < roots->n; ++i)
+    requirePixel(operation, image, roots->pixel[i]);
 }
 
 } // namespace seedforest::detail

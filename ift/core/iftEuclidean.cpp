@@ -13,7 +13,7 @@ void iftEuclideanDT(const imImage *image, imImage *result, imNeighborhoodFn adja
   requireBands(operation, result, 3);
   requireSameSize(operation, image, result);
   requireGiven(operation, "adjacency", adjacency);
-  requireGiven(operation, "set of roots", roots);
+  requireGiven(operation, "roots record", roots);
   int **bands = result->band + result->nbands - 3;
   const std::int64_t nbuckets = 2 * (std::int64_t{image->ncols} + image->nrows) + 2;
   propagateEuclidean({operation,

@@ -5,6 +5,7 @@
 #include "ift/core/detail/costs.h"
 #include "ift/core/detail/forestTransforms.h"
 #include "ift/core/detail/iftPacked.h"
+#include "ift/core/detail/reconstruct.h"
 #include "ift/core/detail/rootsTools.h"
 #include "image/detail/imageTools.h"
 
@@ -33,11 +34,8 @@ void check(const Task &task) {
   requireBands(task.operation, task.input, 0);
   requireBands(task.operation, task.output, 3);
   requireSameSize(task.operation, task.input, task.output);
-  requireGiven(task.operation, "set of seeds", task.seeds);
-  if (task.maxCost < 0)
-    fatal("%s: %d is no bound for costs\n", task.operation, task.maxCost);
-  for (int i = 0; i < task.seeds->n; ++i)
-    requirePixel(task.operation, task.input, task.seeds->pixel[i]);
+  requireBound(task.operation, task.maxCost);
+  requireRoots(task.operation, task.seeds, task.input);
 }
 
 // Runs a transform whose cost band has been filled.

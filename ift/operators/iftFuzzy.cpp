@@ -102,7 +102,7 @@ void check(const char *operation, const imImage *image, const imImage *labelOut,
   requireSameSize(operation, image, labelOut);
   requireSameSize(operation, image, costOut);
   requireGiven(operation, "adjacency", adjacency);
-  requireGiven(operation, "set of seeds", seeds);
+  requireGiven(operation, "roots record", seeds);
   for (int i = 0; i < seeds->n; ++i)
     if (seeds->label[i] >= 1 && seeds->label[i] <= nObjects)
       requirePixel(operation, image, seeds->pixel[i]);

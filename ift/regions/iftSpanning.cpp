@@ -193,19 +193,24 @@ ifGraph *ifThresholdGraph(ifGraph *tree, double fraction) {
   requireData("ifThresholdGraph", tree, treeDataSize);
   requireRegions("ifThresholdGraph", tree);
   const int n = tree->nVertices;
-  ifGraphPtr graph = requireMade(createGraph(tree->labelImage, 0));
   const int threshold = truncate(fraction * 1000.0);
+  const auto isKept = [&](int v) {
+    const int *data = tree->vertices[v].data;
+    return data[treePredecessor] != v && data[treeCost] <= threshold;
+  };
+  for (int v = 1; v < n; ++v)
+    if (isKept(v))
+      requireVertex("ifThresholdGraph", tree, tree->vertices[v].data[treePredecessor]);
+  ifGraphPtr graph = requireMade(tryMakeAlike(tree, 0).release());
   progress("threshold is %d\n", threshold);
   DisjointSets sets(n);
   EdgeInserter edges("ifThresholdGraph", graph.get());
-  for (int v = 1; v < n; ++v) {
-    const int cost = tree->vertices[v].data[treeCost];
-    const int predecessor = tree->vertices[v].data[treePredecessor];
-    if (predecessor == v || cost > threshold)
-      continue;
-    edges.insert(v, predecessor, cost);
-    sets.join(v, predecessor);
-  }
+  for (int v = 1; v < n; ++v)
+    if (isKept(v)) {
+      const int *data = tree->vertices[v].data;
+      edges.insert(v, data[treePredecessor], data[treeCost]);
+      sets.join(v, data[treePredecessor]);
+    }
   const Array<int> representative = makeArray<int>(static_cast<std::size_t>(n));
   for (int v = 0; v < n; ++v)
     representative[v] = sets.find(v);

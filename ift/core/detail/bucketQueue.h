@@ -245,9 +245,9 @@ private:
   }
 
   void growPool() {
-    const std::int64_t grown =
-        nchunks_ < grantedChunks_ ? std::clamp<std::int64_t>(2 * nchunks_, 64, grantedChunks_)
-                                  : nchunks_ + nchunks_ / 4;
+    const std::int64_t grown = nchunks_ < grantedChunks_
+                                   ? std::clamp<std::int64_t>(2 * nchunks_, 64, grantedChunks_)
+                                   : nchunks_ + nchunks_ / 4;
     pool_.reset(static_cast<Entry *>(
         tryReallocate(pool_.release(), static_cast<std::size_t>(firstOf(grown)), sizeof(Entry))));
     next_.reset(static_cast<std::int64_t *>(

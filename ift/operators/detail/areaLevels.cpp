@@ -1,6 +1,7 @@
 #include "ift/operators/detail/areaLevels.h"
 
 #include "base/arith.h"
+#include "base/findRoot.h"
 #include "ift/core/detail/forestTransforms.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
@@ -129,15 +130,10 @@ private:
   static constexpr int complete = minInt;
 
   int find(int number) {
-    for (;;) {
-      const int up = link_[number];
-      if (up < 0)
-        return number;
-      const int next = link_[up];
-      if (next < 0)
-        return up;
-      number = link_[number] = next;
-    }
+    int *link = link_.get();
+    return findRoot(
+        number, [link](int i) { return link[i] < 0 ? i : link[i]; },
+        [link](int i, int leader) { link[i] = leader; });
   }
 
   NeighborWalk neighbors_;
