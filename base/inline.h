@@ -1,0 +1,10 @@
+// Inlining by force, where it decides what comes out: code that must be compiled with its caller's
+// vector instructions, and prefetches, which a compiler drops where it only calls them.
+#pragma once
+
+/// In front of `inline` or of a member function; of a lambda, behind its parameters.
+#if defined(__GNUC__)
+#define SEEDFOREST_INLINE __attribute__((always_inline))
+#else
+#define SEEDFOREST_INLINE
+#endif
