@@ -1,12 +1,19 @@
 // Checks of images, and images that an operation cannot go on without.
 #pragma once
 
+#include "base/report.h"
 #include "image/imImage.h"
 
 namespace seedforest::detail {
 
-/// End the process with status 1 after a line that names the operation, unless the image is there
-/// with at least `nbands` bands, the two images have the same size, or p is a pixel of the image.
+/// End the process with status 1 after a line that names the operation, unless the argument is not
+/// null, the image is there with at least `nbands` bands, the two images have the same size, or p
+/// is a pixel of the image.
+template <class T>
+void requireGiven(const char *operation, const T &argument, const char *what) {
+  if (argument == nullptr)
+    fatal("%s: there is no %s\n", operation, what);
+}
 void requireBands(const char *operation, const imImage *image, int nbands);
 void requireSameSize(const char *operation, const imImage *a, const imImage *b);
 void requirePixel(const char *operation, const imImage *image, int p);
