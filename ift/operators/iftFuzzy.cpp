@@ -70,7 +70,7 @@ public:
   void offers(Entry entry, Offer offer) const {
     const int p = entry.pixel;
     const int settled = cost_[p];
-    neighbors_.each(p, [&, settled](int q, int k) SEEDFOREST_INLINE_LAMBDA {
+    neighbors_.each(p, [&, settled](int q, int k) SEEDFOREST_INLINE {
       if (cost_[q] > settled)
         offer(q, k, std::max(settled, linkCost_(p, q)));
     });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/buffer.h"
+#include "base/inline.h"
 #include "image/imImage.h"
 #include "image/imNeighborhood.h"
 
@@ -48,7 +49,7 @@ public:
   /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
   /// that will soon be read.
   template <class T>
-  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+  SEEDFOREST_INLINE void prefetch(const T *band, int p) const {
     prefetchAt(band + p);
     prefetchAt(band + (p >= ncols_ ? p - ncols_ : p));
     prefetchAt(band + (p < lastRow_ ? p + ncols_ : p));

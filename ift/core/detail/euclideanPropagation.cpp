@@ -120,9 +120,8 @@ public:
 
   template <class Offer>
   void offers(Entry entry, Offer offer) const {
-    onward_.each(entry.pixel, entry.arrival, [&](int q, int k) SEEDFOREST_INLINE_LAMBDA {
-      offer(q, k, steps_[stepOf_[k]].cost);
-    });
+    onward_.each(entry.pixel, entry.arrival,
+                 [&](int q, int k) SEEDFOREST_INLINE { offer(q, k, steps_[stepOf_[k]].cost); });
   }
 
   // As long as pixels are settled in the order of their costs, none that is can be improved, and

@@ -219,7 +219,7 @@ public:
   template <class Offer>
   void offers(Entry entry, Offer offer) const {
     const int p = entry.pixel;
-    Base::arcs.each(p, [&](int q, int k) SEEDFOREST_INLINE_LAMBDA {
+    Base::arcs.each(p, [&](int q, int k) SEEDFOREST_INLINE {
       if (settled_[q] == 0)
         offer(q, k, Base::extend(p, q, k));
     });

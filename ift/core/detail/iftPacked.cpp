@@ -60,9 +60,8 @@ public:
     const int cost = costOf(entry.pixel);
     const int k = Bits::arc(words_[entry.pixel]);
     onward_.each(entry.pixel, k == Bits::noArc ? UnsharedNeighborWalk::start : k,
-                 [&](int q, int arc) SEEDFOREST_INLINE_LAMBDA {
-                   offer(q, arc, extend(cost, Bits::value(words_[q])));
-                 });
+                 [&](int q, int arc)
+                     SEEDFOREST_INLINE { offer(q, arc, extend(cost, Bits::value(words_[q]))); });
   }
   bool improves(int cost, int q) const { return cost < costOf(q); }
   void conquer(int, int q, int k, int cost) {

@@ -58,7 +58,7 @@ concept Transform = requires(T &transform, typename T::Entry entry, int q, AnyOf
 
 /// Runs a transform whose seeds are waiting in the queue.
 template <Transform T, class Queue>
-SEEDFOREST_INLINE void propagate(T &transform, Queue &queue) {
+SEEDFOREST_INLINE inline void propagate(T &transform, Queue &queue) {
   constexpr int stride = 1024;
   Meter meter(queue.nelems());
   int unmetered = stride;
@@ -76,7 +76,7 @@ SEEDFOREST_INLINE void propagate(T &transform, Queue &queue) {
       meter.advance(unmetered = stride);
     if constexpr (requires { transform.settle(entry); })
       transform.settle(entry);
-    transform.offers(entry, [&](int q, int k, int cost) SEEDFOREST_INLINE_LAMBDA {
+    transform.offers(entry, [&](int q, int k, int cost) SEEDFOREST_INLINE {
       if (!transform.improves(cost, q))
         return;
       transform.conquer(entry.pixel, q, k, cost);

@@ -13,7 +13,6 @@
 #include <cstdint>
 #include <numeric>
 #include <utility>
-#include <vector>
 
 namespace seedforest::detail {
 
@@ -23,7 +22,7 @@ namespace {
 // of equal digits keep their order.
 void sortByDigit(const int *value, const int *from, int *to, int n, int shift, int bits) {
   const int mask = (1 << bits) - 1;
-  std::vector<int> place(std::size_t{1} << bits);
+  Vector<int> place(std::size_t{1} << bits);
   for (int p = 0; p < n; ++p)
     ++place[value[p] >> shift & mask];
   int before = 0;
