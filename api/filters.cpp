@@ -4,8 +4,8 @@
 #include "base/report.h"
 #include "detail/quietly.h"
 #include "ift/core/detail/costs.h"
+#include "ift/operators/detail/fuzzyObjects.h"
 #include "ift/operators/ifConnected.h"
-#include "ift/operators/iftFuzzy.h"
 #include "seedforest/pixelwise.hpp"
 
 #include "image/imPixelwise.h"
@@ -129,8 +129,8 @@ Connectedness fuzzyConnectedness(const Image &image, const Roots &roots,
     Connectedness result = {like(image), like(image)};
     const int count = static_cast<int>(objects.size());
     withNeighborhood(adjacency, [&](imNeighborhoodFn neighbors) {
-      iftFuzzy(image.get(), result.labels.get(), result.costs.get(), neighbors, roots.get(),
-               mean.data(), sigma.data(), count);
+      connectFuzzy("fuzzyConnectedness", image.get(), result.labels.get(), result.costs.get(),
+                   neighbors, roots.get(), mean.data(), sigma.data(), count);
     });
     result.labels.setMaxValue(count);
     return result;

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/report.h"
+#include "base/scan.h"
 #include "detail/memoryFile.h"
 #include "detail/quietly.h"
 #include "image/detail/parseImage.h"
@@ -106,11 +107,8 @@ Image read(const std::string &path) {
 
 Image decode(std::string_view bytes) {
   return quietly([&] {
-    std::string error;
-    imImagePtr image = parseImage(bytes, "in memory", error);
-    if (image == nullptr)
-      fatal(About::file, "%s", error.c_str());
-    return Image(std::move(image));
+    Text text(bytes);
+    return Image(parseImage(text, "in memory"));
   });
 }
 

@@ -3,6 +3,7 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "graph/detail/graphTools.h"
 #include "image/detail/imageTools.h"
 
@@ -16,8 +17,7 @@ using namespace seedforest::detail;
 namespace {
 
 void requireList(const char *operation, const ifVertex *list) {
-  if (list == nullptr)
-    fatal("%s: there is no list\n", operation);
+  requireGiven(operation, "list", list);
 }
 
 // The link that holds the edge to a target, or the empty one at the end of the list.
@@ -42,9 +42,8 @@ ifGraph *allocateGraph(int n, int dataSize) {
 ifGraph *copyBaseGraph(ifGraph *graph, int dataSize) {
   requireGraph("copyBaseGraph", graph);
   ifGraphPtr copy = tryMakeAlike(graph, dataSize);
-  if (copy == nullptr)
-    return nullptr;
-  copyEdges("copyBaseGraph", graph, copy.get());
+  if (copy != nullptr)
+    copyEdges("copyBaseGraph", graph, copy.get());
   return copy.release();
 }
 
@@ -96,10 +95,12 @@ void removeDirectedEdge(ifGraph *graph, int a, int b) {
 }
 
 ifVertex *createList(int dataSize) {
-  auto *list = static_cast<ifVertex *>(allocateZeroed(1, sizeof(ifVertex)));
-  if (!tryMakeData(*list, dataSize))
+  if (dataSize < 0)
+    fatal("createList: %d is no number of integers\n", dataSize);
+  Array<ifVertex> list = makeZeroedArray<ifVertex>(1);
+  if (!tryMakeData(*list.get(), dataSize))
     outOfMemory();
-  return list;
+  return list.release();
 }
 
 ifEdge *listInsertEdge(ifVertex *list, int target, int weight) {

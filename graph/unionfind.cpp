@@ -1,16 +1,35 @@
 #include "graph/unionfind.h"
 
 #include "base/buffer.h"
+#include "base/findRoot.h"
 #include "base/report.h"
+#include "base/require.h"
+#include "graph/detail/linkSize.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
 using namespace seedforest::detail;
 
 namespace {
+
+thread_local int linkedDataSize = -1;
+
+// As long as one lives, a link of elements with so many integers is under way. Links within the
+// callback of another end before it does.
+class LinkScope {
+public:
+  explicit LinkScope(int dataSize) : outer_(std::exchange(linkedDataSize, dataSize)) {}
+  ~LinkScope() { linkedDataSize = outer_; }
+  LinkScope(const LinkScope &) = delete;
+  LinkScope &operator=(const LinkScope &) = delete;
+
+private:
+  int outer_;
+};
 
 void requireElement(const char *operation, const ufUnionFind *uf, int x) {
   if (static_cast<unsigned>(x) >= static_cast<unsigned>(uf->n))
@@ -28,7 +47,8 @@ void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize) {
                       : tryAllocateZeroed(static_cast<std::size_t>(n),
                                           sizeof(ufElement) + ints * sizeof(int));
   if (block == nullptr)
-    fatal(About::memory, "Could not allocate structure for union/find [%d elements]\n\n", n);
+    fatal(n < 0 ? About::call : About::memory,
+          "Could not allocate structure for union/find [%d elements]\n\n", n);
   *uf = {static_cast<ufElement *>(block), n, dataSize, nullptr};
   int *data = reinterpret_cast<int *>(uf->elems + n);
   for (int i = 0; i < n; ++i)
@@ -36,10 +56,12 @@ void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize) {
 }
 
 void ufReleaseUnionFind(ufUnionFind *uf) {
+  requireGiven("ufReleaseUnionFind", "union/find", uf);
   std::free(uf->elems);
 }
 
 void ufLink(ufUnionFind *uf, int x, int y) {
+  requireGiven("ufLink", "union/find", uf);
   requireElement("ufLink", uf, x);
   requireElement("ufLink", uf, y);
   ufElement *elems = uf->elems;
@@ -47,26 +69,31 @@ void ufLink(ufUnionFind *uf, int x, int y) {
   if (elems[x].rank > elems[y].rank)
     std::swap(x, y);
   elems[x].parent = y;
-  if (uf->merge != nullptr)
+  if (uf->merge != nullptr) {
+    const LinkScope scope(uf->dataSize);
     uf->merge(elems, y, x);
+  }
   if (equal)
     ++elems[y].rank;
 }
 
 int ufFindSet(ufUnionFind *uf, int x) {
-  requireElement("ufFindSet", uf, x);
-  ufElement *elems = uf->elems;
-  int root = x;
-  for (int steps = 0; elems[root].parent != root; ++steps) {
-    root = elems[root].parent;
-    requireElement("ufFindSet", uf, root);
-    if (steps >= uf->n) // a link of what was no representative may have closed a circle
+  requireGiven("ufFindSet", "union/find", uf);
+  const std::int64_t longest = 2 * std::int64_t{uf->n} + 2; // there and back, and the root again
+  std::int64_t steps = 0;
+  const auto parentOf = [&](int i) {
+    requireElement("ufFindSet", uf, i);
+    if (++steps > longest) // a link of what was no representative may have closed a circle
       fatal("ufFindSet: the parents of element %d lead in a circle\n", x);
-  }
-  while (x != root) {
-    const int up = elems[x].parent;
-    elems[x].parent = root;
-    x = up;
-  }
-  return root;
+    return uf->elems[i].parent;
+  };
+  return findRoot(x, parentOf, [uf](int i, int root) { uf->elems[i].parent = root; });
 }
+
+namespace seedforest::detail {
+
+int dataSizeOfLink() {
+  return linkedDataSize;
+}
+
+} // namespace seedforest::detail

@@ -1,11 +1,9 @@
-// Files in memory, for operations that write to a stream.
+// Files in memory.
 #pragma once
 
 #include "base/buffer.h"
-#include "base/file.h"
-#include "base/report.h"
+#include "base/writer.h"
 
-#include <cstdio>
 #include <string>
 
 namespace seedforest::detail {
@@ -13,19 +11,15 @@ namespace seedforest::detail {
 /// What write(writer) writes.
 template <class Write>
 std::string textOf(Write write) {
-  char *data = nullptr;
-  std::size_t size = 0;
-  std::FILE *stream = open_memstream(&data, &size);
-  if (stream == nullptr)
-    outOfMemory();
-  const auto writer = std::make_unique<Writer>(stream);
+  std::string text;
+  const auto append = [](void *target, std::string_view part) {
+    static_cast<std::string *>(target)->append(part);
+    return true;
+  };
+  const auto writer = makeUnique<Writer>(append, &text);
   write(*writer);
-  const bool good = writer->flush();
-  const bool closed = std::fclose(stream) == 0;
-  const Array<char> owner(data);
-  if (!good || !closed)
-    outOfMemory();
-  return {data, size};
+  writer->flush();
+  return text;
 }
 
 } // namespace seedforest::detail

@@ -1,6 +1,7 @@
 // Disjoint sets as a value.
 #pragma once
 
+#include "base/findRoot.h"
 #include "graph/unionfind.h"
 
 namespace seedforest::detail {
@@ -13,14 +14,12 @@ public:
   DisjointSets(const DisjointSets &) = delete;
   DisjointSets &operator=(const DisjointSets &) = delete;
 
-  /// As ufFindSet(), which is called only where there is a way to shorten.
+  /// The representative of the set of x, which is an element.
   int find(int x) {
-    if (static_cast<unsigned>(x) < static_cast<unsigned>(uf_.n)) {
-      const int up = uf_.elems[x].parent;
-      if (uf_.elems[up].parent == up)
-        return up;
-    }
-    return ufFindSet(&uf_, x);
+    ufElement *elems = uf_.elems;
+    return findRoot(
+        x, [elems](int i) { return elems[i].parent; },
+        [elems](int i, int root) { elems[i].parent = root; });
   }
 
   /// Links the set of x with the set of y, in this order, where they differ.

@@ -27,8 +27,8 @@ private:
 };
 
 /// Inserts edges into a graph that has none yet and that nobody else changes meanwhile: undirected
-/// ones or directed ones, not both. A vertex outside the graph ends the process with status 1 after
-/// a line that names the operation.
+/// ones or directed ones, not both. A vertex outside the graph ends with an error that names the
+/// operation.
 class EdgeInserter {
 public:
   EdgeInserter(const char *operation, ifGraph *graph) : operation_(operation), graph_(graph) {}

@@ -3,6 +3,7 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "image/detail/imageTools.h"
 
 #include <algorithm>
@@ -29,7 +30,8 @@ ifGraphPtr tryMakeRegionGraph(const imImage *labelImage, int least, int dataSize
 
 ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataSize) {
   ifGraphPtr graph(static_cast<ifGraph *>(tryAllocateZeroed(1, sizeof(ifGraph))));
-  bool made = graph != nullptr && nVertices >= 0 && nVertices <= maxInt;
+  const bool possible = nVertices >= 0 && nVertices <= maxInt && dataSize >= 0;
+  bool made = graph != nullptr && possible;
   if (made) {
     graph->vertices = static_cast<ifVertex *>(
         tryAllocateZeroed(static_cast<std::size_t>(nVertices), sizeof(ifVertex)));
@@ -41,7 +43,7 @@ ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataS
     made = tryMakeData(graph->vertices[v], dataSize);
   if (made)
     return graph;
-  fail(About::memory, "in %s: could not allocate memory\n", operation);
+  fail(possible ? About::memory : About::call, "in %s: could not allocate memory\n", operation);
   return nullptr;
 }
 
@@ -67,6 +69,12 @@ ifEdge *prependEdge(ifVertex *list, int target, int weight) {
   return edge;
 }
 
+ifGraphPtr copyOf(const char *operation, ifGraph *graph, int dataSize) {
+  ifGraphPtr copy = requireMade(tryMakeAlike(graph, dataSize).release());
+  copyEdges(operation, graph, copy.get());
+  return copy;
+}
+
 void copyEdges(const char *operation, ifGraph *from, ifGraph *to) {
   // The last vertex, plus 1, that was found to have an edge to each target.
   const Array<int> seen = makeZeroedArray<int>(static_cast<std::size_t>(from->nVertices));
@@ -84,14 +92,20 @@ void copyEdges(const char *operation, ifGraph *from, ifGraph *to) {
 }
 
 void requireGraph(const char *operation, const ifGraph *graph) {
-  if (graph == nullptr)
-    fatal("%s: there is no graph\n", operation);
+  requireGiven(operation, "graph", graph);
 }
 
 void requireVertex(const char *operation, const ifGraph *graph, int v) {
   requireGraph(operation, graph);
   if (v < 0 || v >= graph->nVertices)
     fatal("%s: vertex %d is outside the graph\n", operation, v);
+}
+
+void requireEdges(const char *operation, const ifGraph *graph) {
+  requireGraph(operation, graph);
+  for (int v = 0; v < graph->nVertices; ++v)
+    for (const ifEdge *edge = graph->vertices[v].edges; edge != nullptr; edge = edge->next)
+      requireVertex(operation, graph, edge->target);
 }
 
 void requireData(const char *operation, const ifGraph *graph, int count) {

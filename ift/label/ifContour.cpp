@@ -3,6 +3,7 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "ift/label/detail/borderPixels.h"
 #include "ift/label/detail/labelIndex.h"
 #include "image/detail/imageTools.h"
@@ -107,10 +108,13 @@ bool goesOn(const imImage *mask, const imImage *shape, std::int64_t x, std::int6
 
 void ifContourFollow(ifRoots2 *record, int *count, int contour, imImage *mask, const imImage *shape,
                      int p, const int *displacements) {
+  requireGiven("ifContourFollow", "roots record", record);
+  requireGiven("ifContourFollow", "count", count);
   requireBands("ifContourFollow", mask, 1);
   requireBands("ifContourFollow", shape, 1);
   requireSameSize("ifContourFollow", mask, shape);
   requirePixel("ifContourFollow", mask, p);
+  requireGiven("ifContourFollow", "list of displacements", displacements);
   struct Place {
     int pixel;
     int tried; // displacements

@@ -1,7 +1,9 @@
 #include "ift/label/ifLabel.h"
 
 #include "base/buffer.h"
+#include "base/findRoot.h"
 #include "base/report.h"
+#include "ift/core/detail/rootsTools.h"
 #include "ift/label/detail/announceLabelling.h"
 #include "ift/label/detail/labelIndex.h"
 #include "image/detail/imageTools.h"
@@ -63,16 +65,10 @@ int *findEdges(const int *value, int p, int end, int *edge) {
   return edge;
 }
 
-// The leader of run i's component where it is more than one step away; shortens the way.
-int followLinks(int *link, int i) {
-  while (link[i] != i)
-    i = link[i] = link[link[i]];
-  return i;
-}
-
+// The leader of run i's component; shortens the way to it.
 int findLeader(int *link, int i) {
-  const int up = link[i];
-  return link[up] == up ? up : followLinks(link, i);
+  return findRoot(
+      i, [link](int k) { return link[k]; }, [link](int k, int leader) { link[k] = leader; });
 }
 
 // Joins the last row's runs, from `first` on, with those of the row above, from `above` on. A run
@@ -167,8 +163,7 @@ void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *
   requireBands("ifConnectedComponents", grey, 1);
   requireBands("ifConnectedComponents", output, 1);
   requireSameSize("ifConnectedComponents", grey, output);
-  for (int i = 0; i < roots->n; ++i)
-    requirePixel("ifConnectedComponents", grey, roots->pixel[i]);
+  requireRoots("ifConnectedComponents", roots, grey);
   const NeighborWalk neighbors(grey, imNeighborhood8);
   const int *value = grey->band[0];
   const Array<bool> reached = makeZeroedArray<bool>(static_cast<std::size_t>(grey->npixels));

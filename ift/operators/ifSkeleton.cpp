@@ -1,10 +1,12 @@
 #include "ift/operators/ifSkeleton.h"
 
 #include "base/report.h"
-#include "ift/core/detail/iftEuclideanLoop.h"
+#include "base/require.h"
+#include "ift/core/detail/euclideanPropagation.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/label/ifContour.h"
+#include "ift/seeds/detail/ownedRoots.h"
 #include "ift/seeds/ifContourSeeds.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
@@ -23,19 +25,25 @@ int nearDisc(int **list) {
 // How far apart, along the contour, the border pixels nearest to neighbouring pixels lie; and each
 // pixel's squared distance to the border.
 struct Distances {
+  bool haveRoots;
   imImagePtr alongContour;
   imImagePtr squared;
 };
 
-Distances distances(const imImage *image) {
-  ifRoots2 roots = {};
+// The work image of iftSkelNova() for a shape's border.
+imImagePtr spreadBorder(const imImage *image) {
+  OwnedRoots2 roots;
   const imImagePtr shape(ifSkel2Roots(image, &roots));
-  const imImagePtr work = createLike(image, 5, imTypeWork);
+  imImagePtr work = createLike(image, 5, imTypeWork);
   iftSkelNova(image, work.get(), &roots);
-  ifReleaseRoots2(&roots);
+  return work;
+}
+
+Distances distances(const imImage *image) {
+  const imImagePtr work = spreadBorder(image);
   const imImagePtr label = requireMade(imCopyBand(work.get(), imTypeAscii, 1));
   const imImagePtr contour = requireMade(imCopyBand(work.get(), imTypeAscii, 4));
-  Distances distances = {createLike(image, 1, imTypeAscii),
+  Distances distances = {contour->maxValue > 0, createLike(image, 1, imTypeAscii),
                          requireMade(imCopyBand(work.get(), imTypeAscii, 2))};
   ifLabelDifferences(label.get(), contour.get(), distances.alongContour.get(), 0);
   return distances;
@@ -52,6 +60,7 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots) {
   requireBands(operation, image, 0);
   requireBands(operation, work, 4);
   requireSameSize(operation, image, work);
+  requireGiven(operation, "roots record", roots);
   int **bands = work->band + work->nbands - 4;
   propagateEuclidean({operation,
                       image,
@@ -65,14 +74,17 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots) {
 }
 
 int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) {
+  requireGiven("ifSkel", "place for the skeleton", result);
   *result = nullptr;
   requireBands("ifSkel", image, 1);
   if (image->nbands != 1)
     fatal("ifSkel: an image of %d bands is no shape\n", image->nbands);
   Distances found = distances(image);
   const int largest = found.alongContour->maxValue;
-  const imImagePtr selected = requireMade(imThreshold(
-      found.alongContour.get(), imTypeAscii, std::min(threshold, largest), ifInfiniteCost));
+  // Without roots nothing differs, whatever the threshold: no pixel has as much as the largest.
+  const int least = found.haveRoots ? std::min(threshold, largest) : largest;
+  const imImagePtr selected =
+      requireMade(imThreshold(found.alongContour.get(), imTypeAscii, least, ifInfiniteCost));
   found.alongContour.reset();
   imImagePtr side = std::move(found.squared);
   if (skelType == 1)

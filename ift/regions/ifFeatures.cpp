@@ -58,7 +58,7 @@ int rescale(int value, int range) {
 } // namespace
 
 void ifAverageColor(const imImage *image, imImage *output, const imImage *labels) {
-  requireBands("ifAverageColor", image, 1);
+  requireBands("ifAverageColor", image, 0);
   requireBands("ifAverageColor", output, image->nbands);
   requireSameSize("ifAverageColor", image, output);
   requireBands("ifAverageColor", labels, 1);
@@ -67,7 +67,7 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
     fatal("ifAverageColor: labels outside 0 .. %d\n", labels->maxValue);
   const LabelIndex index(labels);
   RegionAverages averages(labels, index.size(), [&index](int label) { return index(label); });
-  for (int b = 0; b < image->nbands; ++b) {
+  for (int b = image->nbands - 1; b >= 0; --b) { // band 0 last: it may be the labels'
     const std::int64_t *average = averages.of(image->band[b]);
     averages.forEachPixel([out = output->band[b], average](int p, std::size_t i) {
       out[p] = static_cast<int>(average[i]);
@@ -76,7 +76,7 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
 }
 
 imImage *ifCreateFeaturesVector(const imImage *image) {
-  requireBands("ifCreateFeaturesVector", image, 1);
+  requireBands("ifCreateFeaturesVector", image, 0);
   imImagePtr result = createLike(image, image->nbands, imTypeFeatures);
   for (int b = 0; b < image->nbands; ++b) {
     const int *value = image->band[b];
@@ -94,11 +94,11 @@ imImage *ifCreateFeaturesVector(const imImage *image) {
 
 ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image) {
   requireRegions("ifComputeAverageColors", graph);
-  requireBands("ifComputeAverageColors", image, 1);
+  requireBands("ifComputeAverageColors", image, 0);
   requireSameSize("ifComputeAverageColors", graph->labelImage, image);
   RegionAverages averages(graph->labelImage, static_cast<std::size_t>(graph->nVertices),
                           [](int label) { return static_cast<std::size_t>(label); });
-  ifGraphPtr result = requireMade(copyBaseGraph(graph, image->nbands));
+  ifGraphPtr result = copyOf("ifComputeAverageColors", graph, image->nbands);
   for (int b = 0; b < image->nbands; ++b) {
     const std::int64_t *average = averages.of(image->band[b]);
     for (int v = 0; v < graph->nVertices; ++v)
@@ -109,7 +109,7 @@ ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image) {
 
 imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type) {
   requireRegions("ifAverageColorsGraphToImage", graph);
-  requireData("ifAverageColorsGraphToImage", graph, 1);
+  requireData("ifAverageColorsGraphToImage", graph, graph->dataSize);
   const imImage *labels = graph->labelImage;
   imImagePtr result = createLike(labels, graph->dataSize, type);
   for (int b = 0; b < graph->dataSize; ++b)
@@ -119,13 +119,14 @@ imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type) {
 }
 
 ifGraph *ifCreateFeaturesGraph(ifGraph *graph) {
-  requireData("ifCreateFeaturesGraph", graph, 1);
+  requireGraph("ifCreateFeaturesGraph", graph);
+  requireData("ifCreateFeaturesGraph", graph, graph->dataSize);
+  ifGraphPtr result = copyOf("ifCreateFeaturesGraph", graph, graph->dataSize);
   const imImagePtr data = createImage(graph->dataSize, imTypeFeatures, 1, graph->nVertices);
   for (int v = 0; v < graph->nVertices; ++v)
     for (int b = 0; b < graph->dataSize; ++b)
       data->band[b][v] = graph->vertices[v].data[b];
   const imImagePtr features(ifCreateFeaturesVector(data.get()));
-  ifGraphPtr result = requireMade(copyBaseGraph(graph, graph->dataSize));
   for (int v = 0; v < graph->nVertices; ++v)
     for (int b = 0; b < graph->dataSize; ++b)
       result->vertices[v].data[b] = features->band[b][v];

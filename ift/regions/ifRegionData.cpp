@@ -2,7 +2,9 @@
 
 #include "base/arith.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "graph/detail/graphTools.h"
+#include "graph/detail/linkSize.h"
 #include "image/detail/imageTools.h"
 
 #include <algorithm>
@@ -21,9 +23,14 @@ void increase(int &sum, std::int64_t by) {
   sum = saturate(sum + by);
 }
 
+void requireDataSize(const char *operation, int dataSize, int size) {
+  if (dataSize < size)
+    fatal("%s: elements with %d integers where %d are needed\n", operation, dataSize, size);
+}
+
 void requireDataSize(const char *operation, const ufUnionFind *uf, int size) {
-  if (uf->dataSize < size)
-    fatal("%s: elements with %d integers where %d are needed\n", operation, uf->dataSize, size);
+  requireGiven(operation, "union/find", uf);
+  requireDataSize(operation, uf->dataSize, size);
 }
 
 // An area of 1 for each pixel and, behind it, the pixel's value in as many bands as there is room.
@@ -40,7 +47,9 @@ void initData(const char *operation, ufUnionFind *uf, const imImage *image, int 
   }
 }
 
-void addData(ufElement *elems, int a, int b, int size) {
+void addData(const char *operation, ufElement *elems, int a, int b, int size) {
+  if (const int dataSize = dataSizeOfLink(); dataSize >= 0)
+    requireDataSize(operation, dataSize, size);
   for (int i = 0; i < size; ++i)
     increase(elems[a].data[i], elems[b].data[i]);
 }
@@ -57,9 +66,10 @@ int smallerOf(ufUnionFind *uf, int p, int q, Measure measure) {
 
 // A copy of the graph with the sums, over the pixels of each vertex, of measure(pixel).
 template <class Measure>
-ifGraphPtr sumOverRegions(ifGraph *graph, Measure measure) {
+ifGraphPtr sumOverRegions(const char *operation, ifGraph *graph, Measure measure) {
+  requireEdges(operation, graph);
   progress("will copy base graph %d\n", graph->nVertices);
-  ifGraphPtr result = requireMade(copyBaseGraph(graph, 1));
+  ifGraphPtr result = copyOf(operation, graph, 1);
   progress("done!!!!\n");
   const imImage *labels = graph->labelImage;
   for (int p = 0; p < labels->npixels; ++p)
@@ -74,7 +84,7 @@ void ifInitAreaData(ufUnionFind *uf, const imImage *image) {
 }
 
 int ifUpdateAreaData(ufElement *elems, int a, int b) {
-  addData(elems, a, b, areaSize);
+  addData("ifUpdateAreaData", elems, a, b, areaSize);
   return elems[b].data[0];
 }
 
@@ -88,7 +98,7 @@ void ifInitVolumeData(ufUnionFind *uf, const imImage *image) {
 }
 
 int ifUpdateVolumeData(ufElement *elems, int a, int b) {
-  addData(elems, a, b, volumeSize);
+  addData("ifUpdateVolumeData", elems, a, b, volumeSize);
   return elems[b].data[1];
 }
 
@@ -105,7 +115,7 @@ void ifInitColorData(ufUnionFind *uf, const imImage *image) {
 }
 
 int ifUpdateColorData(ufElement *elems, int a, int b) {
-  addData(elems, a, b, colorSize);
+  addData("ifUpdateColorData", elems, a, b, colorSize);
   return elems[b].data[0];
 }
 
@@ -123,7 +133,7 @@ int ifEdgeWeightColor(const imImage *, ufUnionFind *uf, int p, int q) {
 
 ifGraph *ifComputeArea(ifGraph *graph) {
   requireRegions("ifComputeArea", graph);
-  return sumOverRegions(graph, [](int) { return 1; }).release();
+  return sumOverRegions("ifComputeArea", graph, [](int) { return 1; }).release();
 }
 
 ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image) {
@@ -132,5 +142,6 @@ ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image) {
   requireSameSize("ifComputeVolume", graph->labelImage, image);
   const std::int64_t top = image->maxValue;
   const int *value = image->band[0];
-  return sumOverRegions(graph, [top, value](int p) { return top - value[p]; }).release();
+  return sumOverRegions("ifComputeVolume", graph, [top, value](int p) { return top - value[p]; })
+      .release();
 }

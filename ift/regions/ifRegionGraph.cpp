@@ -134,7 +134,8 @@ ifGraph *ifMosaicToGraph(const imImage *labels) {
   Marks marks(labels->ncols);
   for (int y = 0; y < labels->nrows; ++y) {
     markMeetings(RowWindow(labels, 0, y), labels->ncols, marks.data());
-    // What replaces a place above the image, or left of it, has met nobody.
+    // At the upper and the left edge the window repeats pixels in place of neighbours that do not
+    // exist, which would pass for earlier meetings: there every pixel is looked at.
     std::fill_n(marks.data(), y == 0 ? labels->ncols : 1, 1);
     marks.forEach([&](int x) { meet(x, y); });
   }
@@ -142,8 +143,9 @@ ifGraph *ifMosaicToGraph(const imImage *labels) {
 }
 
 ifGraph *ifMorphoGradGraph(ifGraph *graph) {
-  requireData("ifMorphoGradGraph", graph, std::max(graph == nullptr ? 0 : graph->dataSize, 0));
-  ifGraphPtr gradient = requireMade(copyBaseGraph(graph, 1));
+  requireGraph("ifMorphoGradGraph", graph);
+  requireData("ifMorphoGradGraph", graph, graph->dataSize);
+  ifGraphPtr gradient = copyOf("ifMorphoGradGraph", graph, 1);
   for (int v = 1; v < graph->nVertices; ++v)
     for (int j = 0; j < graph->dataSize; ++j) {
       int &largest = gradient->vertices[v].data[0];

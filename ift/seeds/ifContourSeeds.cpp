@@ -1,9 +1,11 @@
 #include "ift/seeds/ifContourSeeds.h"
 
 #include "base/buffer.h"
+#include "base/require.h"
 #include "ift/label/detail/borderPixels.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
+#include "ift/seeds/detail/ownedRoots.h"
 #include "ift/seeds/ifFrameSeeds.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
@@ -11,23 +13,23 @@
 #include "image/imPixelwise.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <utility>
 
 using namespace seedforest::detail;
 
 namespace {
 
-// The labelled pixels of an image as roots in a caller's record.
+// The labelled pixels of an image as roots in a caller's record, which takes over the arrays.
 void fillRoots(ifRoots *roots, const imImage *labels) {
-  ifRoots *record = ifLabelsToRoots(labels);
-  *roots = *record; // the arrays are the caller's now
-  std::free(record);
+  const ifRootsPtr record(ifLabelsToRoots(labels));
+  *roots = std::exchange(*record, {});
 }
 
 } // namespace
 
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
   requireBands("ifDistTransfRoots", binary, 1);
+  requireGiven("ifDistTransfRoots", "roots record", roots);
   const imImagePtr labels = createLike(binary, 1, imTypeAscii);
   const imImagePtr border = createLike(binary, 1, imTypeGrey);
   const imImage *marked = nullptr;
@@ -58,24 +60,25 @@ void thin(imImage *border, const imImage *interior) {
         mark[p] = 0;
 }
 
-// Follows all contours of a border, which is cleared on the way.
+// Follows all contours of a border, which is cleared on the way, into a caller's record.
 void followContours(imImage *border, const imImage *shape, ifRoots2 *roots) {
-  const auto npixels = static_cast<std::size_t>(border->npixels);
-  *roots = {allocateInts(npixels), allocateInts(npixels), allocateInts(npixels),
-            allocateInts(npixels), 0};
+  OwnedRoots2 record;
+  record.allocate(static_cast<std::size_t>(border->npixels));
   int *list = nullptr;
   imNeighborhood8(&list);
   const Array<int> displacements(list);
   int contour = 0;
   for (int p = 0; p < border->npixels; ++p)
     if (border->band[0][p] > 0)
-      ifContourFollow(roots, &roots->n, ++contour, border, shape, p, displacements.get());
+      ifContourFollow(&record, &record.n, ++contour, border, shape, p, displacements.get());
+  *roots = record.release();
 }
 
 } // namespace
 
 imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots) {
   requireBands("ifSkel2Roots", image, 1);
+  requireGiven("ifSkel2Roots", "roots record", roots);
   const imImagePtr border = createLike(image, 1, imTypeAscii);
   ifRegionsToContours(image, border.get());
   const imImagePtr interior = requireMade(imBinaryDifference(image, border.get(), imTypeGrey));
@@ -130,6 +133,7 @@ Array<Curve> findCurves(const imImage *border, int &count) {
 
 void ifSkel2RootsSplit(const imImage *image, ifRoots *roots) {
   requireBands("ifSkel2RootsSplit", image, 1);
+  requireGiven("ifSkel2RootsSplit", "roots record", roots);
   const imImagePtr border = createLike(image, 1, imTypeGrey);
   ifRegionsToContours(image, border.get());
   int ncurves = 0;

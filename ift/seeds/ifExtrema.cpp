@@ -3,7 +3,7 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "ift/core/detail/costs.h"
-#include "ift/core/iftForest.h"
+#include "ift/core/detail/reconstruct.h"
 #include "ift/label/detail/announceLabelling.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/ifFrameSeeds.h"
@@ -21,13 +21,6 @@ using namespace seedforest::detail;
 
 namespace {
 
-enum class Extremum { minimum, maximum };
-
-imImagePtr falseExtrema(const imImage *image, Extremum kind) {
-  return requireMade(kind == Extremum::minimum ? imFalseRegionalMinimum(image)
-                                               : imFalseRegionalMaximum(image));
-}
-
 // The components of a mask as roots, with the values of an image.
 ifRootsPtr rootsOfComponents(const imImage *mask, const imImage *values) {
   const imImagePtr labels = createLike(mask, 1, imTypeAscii);
@@ -40,7 +33,7 @@ ifRootsPtr rootsOfComponents(const imImage *mask, const imImage *values) {
 
 // Whether the flood of plateaus finds what the reconstruction does.
 bool staysInScale(const imImage *image, Extremum kind) {
-  const int top = kind == Extremum::maximum ? maxInt : maxInt - 1;
+  const int top = kind == Extremum::largest ? maxInt : maxInt - 1;
   return allWithin(image->band[0], image->npixels, 0, image->type == imTypeGrey ? 255 : top);
 }
 
@@ -94,22 +87,22 @@ imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
 
 // The extrema of values inside the scale. At its end, from which no shift leads on, there are none.
 imImagePtr extremaInScale(const imImage *image, Extremum kind) {
-  if (kind == Extremum::maximum)
+  if (kind == Extremum::largest)
     return floodPlateaus(image, 0, std::greater<int>());
   return floodPlateaus(image, image->type == imTypeGrey ? 255 : maxInt, std::less<int>());
 }
 
 // Extrema as the difference between the image and its reconstruction from the shifted image.
-imImagePtr reconstruct(const imImage *image, Extremum kind) {
-  const bool minima = kind == Extremum::minimum;
+imImagePtr extremaByReconstruction(const char *operation, const imImage *image,
+                                   const Direction &direction) {
+  const bool minima = direction.best == Extremum::smallest;
   const imImagePtr shifted = requireMade(imAddToPixelValues(image, minima ? 1 : -1));
   const imImage *bounded = minima ? shifted.get() : image;
-  imImagePtr result = falseExtrema(bounded, kind);
+  const int bound = requireBound(operation, costBound(bounded));
+  imImagePtr result =
+      requireMade(minima ? imFalseRegionalMinimum(bounded) : imFalseRegionalMaximum(bounded));
   const ifRootsPtr seeds = rootsOfComponents(result.get(), shifted.get());
-  const imImagePtr forest = createLike(image, 3, imTypeWork);
-  const auto transform = minima ? iftNonNormalized : iftNonNormalizedInverted;
-  transform(image, forest.get(), imNeighborhood8, ifWatershedMetric, costBound(bounded),
-            minima ? ifPathCostMax : ifPathCostMin, seeds.get());
+  const imImagePtr forest = reconstruct(direction, image, bound, seeds.get());
   for (int p = 0; p < image->npixels; ++p) {
     const std::int64_t difference = std::int64_t{forest->band[1][p]} - image->band[0][p];
     result->band[0][p] = saturate(minima ? difference : -difference);
@@ -117,32 +110,33 @@ imImagePtr reconstruct(const imImage *image, Extremum kind) {
   return result;
 }
 
-imImagePtr regionalExtrema(const char *operation, const imImage *image, Extremum kind) {
+imImagePtr regionalExtrema(const char *operation, const imImage *image,
+                           const Direction &direction) {
   requireBands(operation, image, 1);
-  if (!staysInScale(image, kind))
-    return reconstruct(image, kind);
+  if (!staysInScale(image, direction.best))
+    return extremaByReconstruction(operation, image, direction);
   announceLabelling(); // the marks have no labels here, but progress is told alike for all images
-  return extremaInScale(image, kind);
+  return extremaInScale(image, direction.best);
 }
 
-ifRootsPtr extremaAsRoots(const char *operation, const imImage *image, Extremum kind) {
-  return rootsOfComponents(regionalExtrema(operation, image, kind).get(), image);
+ifRootsPtr extremaAsRoots(const char *operation, const imImage *image, const Direction &direction) {
+  return rootsOfComponents(regionalExtrema(operation, image, direction).get(), image);
 }
 
 } // namespace
 
 imImage *ifRegionalMinima(const imImage *image) {
-  return regionalExtrema("ifRegionalMinima", image, Extremum::minimum).release();
+  return regionalExtrema("ifRegionalMinima", image, byErosion).release();
 }
 
 imImage *ifRegionalMaxima(const imImage *image) {
-  return regionalExtrema("ifRegionalMaxima", image, Extremum::maximum).release();
+  return regionalExtrema("ifRegionalMaxima", image, byDilation).release();
 }
 
 ifRoots *ifRegionalMinimaAsRoots(const imImage *image) {
-  return extremaAsRoots("ifRegionalMinimaAsRoots", image, Extremum::minimum).release();
+  return extremaAsRoots("ifRegionalMinimaAsRoots", image, byErosion).release();
 }
 
 ifRoots *ifRegionalMaximaAsRoots(const imImage *image) {
-  return extremaAsRoots("ifRegionalMaximaAsRoots", image, Extremum::maximum).release();
+  return extremaAsRoots("ifRegionalMaximaAsRoots", image, byDilation).release();
 }

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "base/inline.h"
 #include "base/multiversion.h"
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <cstdlib>
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace seedforest::detail {
 
@@ -47,8 +47,8 @@ struct Smallest {
 };
 
 // Half-widths of a disc's runs by |dy|, from 0 on, as far as rows that many apart can be.
-std::vector<int> runsOf(int s, int nrows) {
-  std::vector<int> width(std::min(std::size_t{1} + truncatedSqrt(s), std::size_t{0} + nrows));
+Vector<int> runsOf(int s, int nrows) {
+  Vector<int> width(std::min(std::size_t{1} + truncatedSqrt(s), std::size_t{0} + nrows));
   for (int dy = 0; dy < static_cast<int>(width.size()); ++dy)
     width[dy] = truncatedSqrt(s - dy * dy);
   return width;
@@ -57,10 +57,10 @@ std::vector<int> runsOf(int s, int nrows) {
 // The runs of what two discs reach one after the other. Within an image, too, where the first must
 // not leave it: each displacement can be split so that neither part goes beyond it in any
 // direction, since a disc holds with (dx, dy) all that is nearer in dx or in dy.
-std::vector<int> sumOf(const std::vector<int> &a, const std::vector<int> &b) {
+Vector<int> sumOf(const Vector<int> &a, const Vector<int> &b) {
   const int reachA = static_cast<int>(a.size()) - 1;
   const int reachB = static_cast<int>(b.size()) - 1;
-  std::vector<int> sum(a.size() + b.size() - 1);
+  Vector<int> sum(a.size() + b.size() - 1);
   for (int dy = 0; dy <= reachA + reachB; ++dy)
     for (int part = std::max(0, dy - reachB); part <= std::min(reachA, dy); ++part)
       sum[dy] = std::max(sum[dy], a[part] + b[dy - part]);
@@ -71,11 +71,11 @@ std::vector<int> sumOf(const std::vector<int> &a, const std::vector<int> &b) {
 // is the row as it comes, of half-width 0; from one level three reads reach at most 3h + 1 in the
 // next, so some levels are only steps on the way to a wider one.
 struct Disc {
-  int reach;                        // dy goes from -reach to reach
-  std::vector<int> halfWidth = {0}; // by level, ascending
-  std::vector<int> level;           // by |dy|
+  int reach;                   // dy goes from -reach to reach
+  Vector<int> halfWidth = {0}; // by level, ascending
+  Vector<int> level;           // by |dy|
 
-  Disc(const std::vector<int> &runs, int ncols, int nrows)
+  Disc(const Vector<int> &runs, int ncols, int nrows)
       : reach(std::min(static_cast<int>(runs.size()), nrows) - 1), level(std::size_t{1} + reach) {
     for (int dy = reach; dy >= 0; --dy) {
       const int width = std::min(runs[dy], ncols - 1);
@@ -117,7 +117,7 @@ struct Window {
   Rows<T> levels; // of the rows that came in last: level j of row i of them is at j * batch + i
   Rows<T> ring;   // rows on their way out, row y at y mod ringSize
 
-  Window(const std::vector<int> &runs, int columns, int rows, T start)
+  Window(const Vector<int> &runs, int columns, int rows, T start)
       : disc(runs, columns, rows), ncols(columns), nrows(rows), ringSize(2 * disc.reach + batch),
         levels(disc.halfWidth.size() * batch, disc.widest() + lane, ncols + disc.widest() + lane,
                start),
@@ -130,8 +130,8 @@ struct Window {
 // The running extrema of half-width h + d from those of half-width h; d is at most 2h + 1. They are
 // needed beyond the image too, as far as wider runs that reach into it will read them.
 template <class Best, class T>
-[[gnu::always_inline]] inline void widen(const T *from, std::ptrdiff_t h, std::ptrdiff_t d,
-                                         std::ptrdiff_t beyond, std::ptrdiff_t ncols, T *to) {
+SEEDFOREST_INLINE inline void widen(const T *from, std::ptrdiff_t h, std::ptrdiff_t d,
+                                    std::ptrdiff_t beyond, std::ptrdiff_t ncols, T *to) {
   const std::ptrdiff_t begin = -roundUp(beyond);
   const std::ptrdiff_t n = roundUp(ncols + beyond - begin);
   T *__restrict at = to + begin;
@@ -149,8 +149,8 @@ template <class Best, class T>
 // The extremum of n rows, and of `to` itself unless it is new. The numbers k are 0 .. n - 1: each
 // count of rows has a loop of its own, with the rows' addresses in registers.
 template <class Best, class T, std::size_t... k>
-[[gnu::always_inline]] inline void joinAll(const T *const *row, std::index_sequence<k...>,
-                                           std::ptrdiff_t n, bool isNew, T *__restrict to) {
+SEEDFOREST_INLINE inline void joinAll(const T *const *row, std::index_sequence<k...>,
+                                      std::ptrdiff_t n, bool isNew, T *__restrict to) {
   const auto loop = [n, to](auto value, auto... from) {
     for (std::ptrdiff_t x = 0; x < n; ++x) {
       T best = value[x];
@@ -166,9 +166,9 @@ template <class Best, class T, std::size_t... k>
 
 // The same for a count of rows that only the run knows: the one of `counts` + 1 that is `rows`.
 template <class Best, class T, std::size_t... counts>
-[[gnu::always_inline]] inline void join(const T *const *row, std::size_t rows,
-                                        std::index_sequence<counts...>, std::ptrdiff_t n,
-                                        bool isNew, T *to) {
+SEEDFOREST_INLINE inline void join(const T *const *row, std::size_t rows,
+                                   std::index_sequence<counts...>, std::ptrdiff_t n, bool isNew,
+                                   T *to) {
   ((rows == counts + 1 ? joinAll<Best>(row, std::make_index_sequence<counts + 1>(), n, isNew, to)
                        : void()),
    ...);
@@ -176,7 +176,7 @@ template <class Best, class T, std::size_t... counts>
 
 // Works rows y0 .. y1 - 1, which are there at level 0, into the rows on their way out.
 template <class Best, class T>
-[[gnu::always_inline]] inline void takeInAs(const Window<T> &window, int y0, int y1) {
+SEEDFOREST_INLINE inline void takeInAs(const Window<T> &window, int y0, int y1) {
   const Disc &disc = window.disc;
   for (int i = 0; i < y1 - y0; ++i)
     for (std::size_t j = 1; j < disc.halfWidth.size(); ++j) {
@@ -218,7 +218,7 @@ SEEDFOREST_MULTIVERSION void takeIn(Smallest, const Window<int> &window, int y0,
 template <class T, class Best>
 class Stage : public RowSource<T> {
 public:
-  Stage(const std::vector<int> &runs, int ncols, int nrows, RowSource<T> &from)
+  Stage(const Vector<int> &runs, int ncols, int nrows, RowSource<T> &from)
       : window_(runs, ncols, nrows, Best::template start<T>), from_(from) {}
 
   void next(T *row) override {
@@ -248,7 +248,7 @@ private:
 };
 
 template <class T>
-[[gnu::always_inline]] inline bool loadAs(const int *value, int n, int base, T *__restrict row) {
+SEEDFOREST_INLINE inline bool loadAs(const int *value, int n, int base, T *__restrict row) {
   unsigned lost = 0;
   for (int x = 0; x < n; ++x) {
     const unsigned element = static_cast<unsigned>(value[x]) - static_cast<unsigned>(base);
@@ -259,8 +259,8 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline int storeAs(const T *row, int n, int base, int *__restrict value,
-                                          int largest) {
+SEEDFOREST_INLINE inline int storeAs(const T *row, int n, int base, int *__restrict value,
+                                     int largest) {
   for (int x = 0; x < n; ++x) {
     value[x] = row[x] + base;
     largest = Largest::of(largest, value[x]);
@@ -272,10 +272,10 @@ template <class T>
 
 template <class T>
 std::unique_ptr<RowSource<T>> runStep(const Step &step, int ncols, int nrows, RowSource<T> &from) {
-  const std::vector<int> runs = sumOf(runsOf(step.s, nrows), runsOf(step.t, nrows));
+  const Vector<int> runs = sumOf(runsOf(step.s, nrows), runsOf(step.t, nrows));
   if (step.extremum == Extremum::largest)
-    return std::make_unique<Stage<T, Largest>>(runs, ncols, nrows, from);
-  return std::make_unique<Stage<T, Smallest>>(runs, ncols, nrows, from);
+    return makeUnique<Stage<T, Largest>>(runs, ncols, nrows, from);
+  return makeUnique<Stage<T, Smallest>>(runs, ncols, nrows, from);
 }
 
 template std::unique_ptr<RowSource<std::uint8_t>> runStep(const Step &, int, int,

@@ -11,6 +11,8 @@
 // some rows of each stage in memory.
 #pragma once
 
+#include "base/extremum.h"
+
 #include <cstdint>
 #include <memory>
 
@@ -28,8 +30,6 @@ public:
   /// Stores the next row, of as many elements as the image has columns.
   virtual void next(T *row) = 0;
 };
-
-enum class Extremum { largest, smallest };
 
 /// Where the search for an extremum starts. Elements of 8 and 16 bits start at their type's limits
 /// instead: they stand for values within these bounds.

@@ -1,7 +1,7 @@
 // The image writer, to any stream.
 #pragma once
 
-#include "base/file.h"
+#include "base/writer.h"
 #include "image/imImage.h"
 
 namespace seedforest::detail {

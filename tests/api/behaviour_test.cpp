@@ -2,14 +2,12 @@
 // touch, proofs, callables, progress, errors, threads.
 
 #include "api/interfaceSupport.h"
-#include "base/report.h"
 
 #include <array>
 #include <atomic>
 #include <barrier>
 #include <cstdlib>
 #include <functional>
-#include <optional>
 #include <thread>
 
 TEST_F(InTemporaryFolder, ImagesAndRootsComeFromFilesAndMemory) {
@@ -31,6 +29,7 @@ TEST_F(InTemporaryFolder, NothingIsPrintedOrLeftBehind) {
   const auto work = [] {
     const sf::Image grey = random(1, 23, 17, 0, 40);
     const sf::Roots cells = sf::cellRoots(grey, 2);
+    sf::decodeRoots("1\n2 3 1", grey);
     sf::rgbToLuv(random(3, 9, 9, 0, 255, 3, imTypeColor));
     sf::measure(sf::components(grey).labels, grey);
     EXPECT_THROW(sf::read("none.pgm"), sf::FileError);
@@ -226,28 +225,27 @@ TEST(InterfaceCallables, PassWithTheirStateAndTheirExceptions) {
 }
 
 TEST(InterfaceProgress, IsToldAndCanStopTheWork) {
-  std::vector<double> told;
-  const sf::Image large(600, 500);
-  {
-    const sf::WithProgress progress([&told](double fraction) {
-      told.push_back(fraction);
-      return told.size() < 3;
-    });
-    // A weight that counts its work by the library's own means, whatever the transform does.
-    std::optional<sf::detail::Meter> meter;
-    const auto steps = [&](const imImage *, int, int) {
-      if (!meter)
-        meter.emplace(8 * std::int64_t{large.npixels()});
-      meter->advance();
-      return 1;
-    };
-    EXPECT_THROW(sf::forest(large, {{0, 1}}, sf::pathCost::max, steps), sf::Cancelled);
+  const sf::Image large = random(13, 700, 600, 0, 200);
+  const sf::Roots roots = {{0, 1}};
+  const auto ones = [](int, int) { return 1; };
+  using Work = std::function<void()>;
+  for (const Work &work :
+       {Work([&] { sf::watershed(large, roots); }),
+        Work([&] { sf::forest(large, roots, sf::pathCost::max, ones); }),
+        Work([&] { sf::distanceTransform(large, roots); }), Work([&] { sf::hMaxima(large, 9); })}) {
+    std::vector<double> told;
+    {
+      const sf::WithProgress progress([&told](double fraction) {
+        told.push_back(fraction);
+        return told.size() < 3;
+      });
+      EXPECT_THROW(work(), sf::Cancelled);
+    }
+    work();
+    EXPECT_EQ(told.size(), 3U);
+    for (const double fraction : told)
+      EXPECT_TRUE(fraction > 0 && fraction <= 1) << fraction;
   }
-  EXPECT_EQ(told.size(), 3U);
-  for (const double fraction : told)
-    EXPECT_TRUE(fraction > 0 && fraction <= 1) << fraction;
-  sf::forest(large, {{0, 1}}, sf::pathCost::max, sf::arcWeight::watershed);
-  EXPECT_EQ(told.size(), 3U);
 }
 
 TEST_F(InTemporaryFolder, RefusalsAreErrorsInASentence) {

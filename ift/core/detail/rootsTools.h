@@ -1,7 +1,7 @@
 // Roots that an operation cannot go on without, and the text form of roots.
 #pragma once
 
-#include "base/file.h"
+#include "base/writer.h"
 #include "ift/core/ifRoots.h"
 
 #include <string_view>
@@ -16,5 +16,9 @@ void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, con
 
 /// The roots in a file's bytes, as ifReadRoots() reads them; `path` only names the file in a line.
 ifRootsPtr parseRoots(std::string_view bytes, const char *path, const imImage *image);
+
+/// Ends with an error that names the operation, unless the roots are there and all are pixels of the
+/// image.
+void requireRoots(const char *operation, const ifRoots *roots, const imImage *image);
 
 } // namespace seedforest::detail

@@ -84,8 +84,8 @@ TEST(Skeleton, InsideAndOutsideMakeTheWhole) {
 }
 
 TEST(Skeleton, EmptyShapesInvalidTypesAndImages) {
-  const Skeleton none = skeleton(blank(9, 7), 0, 1);
-  const Skeleton filled = skeleton(shape(9, 7, [](int, int) { return true; }), 0, 1);
+  const Skeleton none = skeleton(blank(9, 7), 0, -99999);
+  const Skeleton filled = skeleton(shape(9, 7, [](int, int) { return true; }), 0, minInt);
   EXPECT_EQ(none.largest, -99999);
   EXPECT_EQ(filled.largest, -99999);
   EXPECT_EQ(none.size() + filled.size(), 0);

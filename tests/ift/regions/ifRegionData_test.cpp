@@ -66,11 +66,35 @@ TEST(Features, Averages) {
   ifAverageColor(far.get(), far.get(), far.get());
   EXPECT_EQ(bandOf(far), (Matrix{{5, 2000000000}}));
 
+  const imImagePtr two = makeBands({{{0, 1, 1}}, {{-9, 8, 4}}}, imTypeWork);
+  ifAverageColor(two.get(), two.get(), two.get()); // the labels are painted over last
+  EXPECT_EQ(bandOf(two, 0), (Matrix{{0, 1, 1}}));
+  EXPECT_EQ(bandOf(two, 1), (Matrix{{-9, 6, 6}}));
+  const imImagePtr own = makeBands({{{0, 2, 2}}, {{7, 7, 7}}}, imTypeWork);
+  ifAverageColor(makeBands({{{1000, 10, 20}}, {{1, 2, 4}}}, imTypeWork).get(), own.get(),
+                 own.get());
+  EXPECT_EQ(bandOf(own, 0), (Matrix{{1000, 15, 15}}));
+  EXPECT_EQ(bandOf(own, 1), (Matrix{{1, 3, 3}}));
+
   const ifGraphPtr graph(ifComputeAverageColors(regions(labels).get(), image.get()));
   EXPECT_EQ(dataOf(graph), (Matrix{{-7}, {10}, {0}, {20}}));
   const imImagePtr painted(ifAverageColorsGraphToImage(graph.get(), imTypeGrey));
   EXPECT_EQ(bandOf(painted), averages);
   EXPECT_EQ(painted->type, imTypeGrey);
+}
+
+TEST(Features, OfNothing) {
+  const imImagePtr none = blank(3, 1, 0);
+  const imImagePtr labels = makeImage({{0, 2, 2}});
+  ifAverageColor(none.get(), none.get(), labels.get());
+  const imImagePtr features(ifCreateFeaturesVector(none.get()));
+  EXPECT_EQ(features->nbands, 0);
+  EXPECT_EQ(features->maxValue, 1000);
+  const ifGraphPtr averages(ifComputeAverageColors(regions({{0, 2, 2}}).get(), none.get()));
+  EXPECT_EQ(averages->dataSize, 0);
+  const ifGraphPtr rescaled(ifCreateFeaturesGraph(averages.get()));
+  EXPECT_EQ(rescaled->nVertices, 3);
+  EXPECT_EQ(imImagePtr(ifAverageColorsGraphToImage(rescaled.get(), imTypeWork))->nbands, 0);
 }
 
 TEST(Features, Rescaled) {

@@ -206,7 +206,14 @@ TEST(Cuts, OfATreeInPredecessors) {
             "threshold is 400\n");
   EXPECT_EQ(bandOf(cut->labelImage), (Matrix{{1, 2, 3}, {3, 4, 4}}));
   EXPECT_EQ(cut->labelImage->maxValue, 4);
-  EXPECT_EQ(listsOf(cut.get()), (Lists{{}, {{2, 400}}, {{1, 400}}, {{4, 400}}, {{3, 400}}, {}}));
+  const Lists kept = {{}, {{2, 400}}, {{1, 400}}, {{4, 400}}, {{3, 400}}, {}};
+  EXPECT_EQ(listsOf(cut.get()), kept);
+
+  setLabelImage(tree.get(), makeImage({{0, 2}}).release()); // 3, 4 and 5 have no pixels
+  EXPECT_EQ(printedBy([&] { cut.reset(ifThresholdGraph(tree.get(), 0.4009)); }),
+            "threshold is 400\n");
+  EXPECT_EQ(listsOf(cut.get()), kept);
+  EXPECT_EQ(bandOf(cut->labelImage), (Matrix{{1, 2}}));
 }
 
 TEST(Cuts, OfAForestOfPixels) {
