@@ -166,7 +166,9 @@ TEST(InterfaceVerify, AcceptsEveryTransformAndFindsEachFault) {
     for (sf::Image *field : {&forest.labels, &forest.costs, &forest.predecessors})
       for (int p = 0; p < f.npixels(); p += 7)
         for (const int change : {-1, 1, 40}) {
-          const int before = std::exchange(field->pixels()[p], field->pixels()[p] + change);
+          const int before =
+              std::exchange(field->pixels()[p],
+                            seedforest::detail::wrap(std::int64_t{field->pixels()[p]} + change));
           const auto fault = sf::verify(forest, f, roots, cost, weight, options);
           // Another predecessor can give a path that is as good.
           EXPECT_TRUE(fault || field == &forest.predecessors) << p << " " << change;
