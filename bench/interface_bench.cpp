@@ -1,6 +1,7 @@
-// What the C++ interface costs on top of the operations behind it: a watershed through it beside the
-// library's own, and a transform weighed by a lambda beside one weighed by a plain function. Count
-// instructions where the machine is noisy: valgrind --tool=callgrind with a --benchmark_filter.
+// What the C++ interface costs on top of the operations behind it: a watershed through it beside
+// the library's own, and a transform weighed by a lambda beside one weighed by a plain function.
+// Count instructions where the machine is noisy: valgrind --tool=callgrind with a
+// --benchmark_filter.
 
 #include "bench.h"
 #include "images.h"

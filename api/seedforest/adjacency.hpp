@@ -21,8 +21,8 @@ public:
   static Adjacency four();
   static Adjacency eight();
 
-  /// All pixels at a squared distance of at most r2, and the square of 2r + 1 by 2r + 1 pixels, each
-  /// with the pixel itself. A negative r2 gives none.
+  /// All pixels at a squared distance of at most r2, and the square of 2r + 1 by 2r + 1 pixels,
+  /// each with the pixel itself. A negative r2 gives none.
   /// Throws Error: a negative r, or more than 2^30 - 1 displacements.
   static Adjacency disc(int r2);
   static Adjacency window(int r);

@@ -1,6 +1,6 @@
-// Conversions between colour spaces; see imColor.h for the formulas and the form in which each space
-// is stored. Bands 0, 1 and 2 are the components. Results have three bands: of type color for RGB,
-// xyz for the rest.
+// Conversions between colour spaces; see imColor.h for the formulas and the form in which each
+// space is stored. Bands 0, 1 and 2 are the components. Results have three bands: of type color for
+// RGB, xyz for the rest.
 //
 // Throws Error, in every function: fewer than three bands.
 #pragma once

@@ -17,8 +17,8 @@ struct Filtered {
 };
 
 /// Reconstruction of the image by dilation from a marker image, of which only what lies below the
-/// image counts: the largest, over all paths, of the smallest of the marker's value at the start and
-/// the image along the path. The dual, by erosion, from above. Labels are 1 everywhere.
+/// image counts: the largest, over all paths, of the smallest of the marker's value at the start
+/// and the image along the path. The dual, by erosion, from above. Labels are 1 everywhere.
 Filtered reconstruct(const Image &image, const Image &marker);
 Filtered reconstructDual(const Image &image, const Image &marker);
 

@@ -1,5 +1,5 @@
-// Image foresting transforms: every pixel gets the best path from some root. See iftForest.h for the
-// algorithm and its ties.
+// Image foresting transforms: every pixel gets the best path from some root. See iftForest.h for
+// the algorithm and its ties.
 #pragma once
 
 #include "ift/core/ifCost.h"
@@ -17,7 +17,8 @@ struct Forest {
   /// Of the root whose path won, 0 where none arrived. maxValue is the largest label of the roots.
   Image labels;
 
-  /// Of that path; infinite, which is 2^31 - 1, or -2^31 where the greatest is best, where none did.
+  /// Of that path; infinite, which is 2^31 - 1, or -2^31 where the greatest is best, where none
+  /// did.
   Image costs;
 
   /// The pixel before on that path; the pixel itself at roots, and where none did.
@@ -132,9 +133,9 @@ Forest forest(const ArcWeights &weights, const Roots &roots, ifPathCostFn cost, 
 Forest scaledForest(const ArcWeights &weights, const Roots &roots, ifPathCostFn cost,
                     const Image &mask);
 
-/// The Euclidean distance transform: costs are the squared distances to the nearest root, labels its
-/// label. With the 8-adjacency a pixel is rarely handed to a root that is a little farther than its
-/// nearest; see iftEuclideanDT. The image gives the size; the roots' values are not read.
+/// The Euclidean distance transform: costs are the squared distances to the nearest root, labels
+/// its label. With the 8-adjacency a pixel is rarely handed to a root that is a little farther than
+/// its nearest; see iftEuclideanDT. The image gives the size; the roots' values are not read.
 Forest distanceTransform(const Image &image, const Roots &roots,
                          const Adjacency &adjacency = Adjacency::eight());
 
@@ -148,8 +149,8 @@ struct SpanningTree {
   Image costs;
   Image predecessors;
 
-  /// Cuts it at the weights above a fraction of the largest: an image of labels, each the index of a
-  /// pixel of its part; see ifMstThreshold. relabel() numbers them from 1.
+  /// Cuts it at the weights above a fraction of the largest: an image of labels, each the index of
+  /// a pixel of its part; see ifMstThreshold. relabel() numbers them from 1.
   Image cut(double fraction) const;
 };
 

@@ -45,8 +45,8 @@ public:
   /// Takes over a record of the library's.
   explicit Image(imImagePtr image) noexcept : image_(image.release()) {}
 
-  /// A copy of integers in memory, row by row from the top and band after band; as many bands as there
-  /// are values for. maxValue becomes the largest.
+  /// A copy of integers in memory, row by row from the top and band after band; as many bands as
+  /// there are values for. maxValue becomes the largest.
   /// Throws Error: a number of values that does not fill bands of that size.
   template <class Value>
   static Image copyOf(std::span<const Value> values, int ncols, int nrows,
@@ -113,9 +113,9 @@ private:
 Image read(const std::string &path);
 Image decode(std::string_view bytes);
 
-/// Writes an image in the form of its type, or returns the bytes; see imSaveImage. The maximum of an
-/// image of type ascii is its maxValue, or the largest value where that is 0.
-/// Throws FileError: the file cannot be written. Error: a type without a file form.
+/// Writes an image in the form of its type, or returns the bytes; see imSaveImage. The maximum of
+/// an image of type ascii is its maxValue, or the largest value where that is 0.
+/// Throws FileError: the file cannot be written. Throws Error: a type without a file form.
 void write(const Image &image, const std::string &path);
 std::string encode(const Image &image);
 

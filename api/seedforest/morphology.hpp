@@ -1,5 +1,6 @@
 // Grey-scale morphology with discs, band by band. A disc is named by its squared radius: 1 is the
-// cross of 5 pixels, 2 the 3 x 3 square; see imMorph.h. Results have the type and bands of the image.
+// cross of 5 pixels, 2 the 3 x 3 square; see imMorph.h. Results have the type and bands of the
+// image.
 #pragma once
 
 #include "seedforest/image.hpp"

@@ -16,8 +16,8 @@ Image bandPass(const Image &image, int lo, int hi);
 /// it. One band, which declares its largest value.
 Image negative(const Image &image);
 
-/// Shapes, 255 inside and 0 outside, from band 0: the complement of one; where a is above 0 and b is
-/// 0; where one of them is above 0. One band.
+/// Shapes, 255 inside and 0 outside, from band 0: the complement of one; where a is above 0 and b
+/// is 0; where one of them is above 0. One band.
 Image complement(const Image &shape);
 Image shapeDifference(const Image &a, const Image &b);
 Image shapeUnion(const Image &a, const Image &b);

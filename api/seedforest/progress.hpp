@@ -5,13 +5,15 @@
 
 namespace seedforest {
 
-/// As long as one lives, the functions of its thread that can take long tell how far they have come:
+/// As long as one lives, the functions of its thread that can take long tell how far they have
+/// come:
 ///
 ///   const seedforest::WithProgress progress([&](double done) { return !window.isClosed(); });
 ///
-/// `report` is called now and then, after every 2^16 pixels or so, with the fraction that is done of
-/// the present pass; an operation has one pass or several. Where it returns false the operation
-/// stops and throws Cancelled. Of several that live the last one made counts, and it must end first.
+/// `report` is called now and then, after every 2^16 pixels or so, with the fraction that is done
+/// of the present pass; an operation has one pass or several. Where it returns false the operation
+/// stops and throws Cancelled. Of several that live the last one made counts, and it must end
+/// first.
 class WithProgress {
 public:
   using Report = std::function<bool(double fraction)>;

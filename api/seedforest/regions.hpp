@@ -11,8 +11,8 @@
 
 namespace seedforest {
 
-/// What is known of a region: its label, how many pixels have it, and the average of each band of an
-/// image over them (integers, truncated).
+/// What is known of a region: its label, how many pixels have it, and the average of each band of
+/// an image over them (integers, truncated).
 struct Region {
   int label;
   int area;
@@ -25,8 +25,8 @@ struct Region {
 std::vector<Region> measure(const Image &labels, const Image &image);
 
 /// A graph: vertices 0 .. size() - 1 with integers on each, and edges with weights; see graph.h. It
-/// moves, and is copied by copy() alone. One that was moved from has no vertices. Threads do not share
-/// one: copies are made by walking the lists with the cursors that the vertices have.
+/// moves, and is copied by copy() alone. One that was moved from has no vertices. Threads do not
+/// share one: copies are made by walking the lists with the cursors that the vertices have.
 class Graph {
 public:
   /// The edge to a neighbour.
@@ -76,17 +76,17 @@ private:
   ifGraphPtr graph_;
 };
 
-/// Weights of a region graph's edges, by name; see ifRegionGraph.h. Any function of (u, v) may stand
-/// for one, or of (const ifGraph *, u, v).
+/// Weights of a region graph's edges, by name; see ifRegionGraph.h. Any function of (u, v) may
+/// stand for one, or of (const ifGraph *, u, v).
 namespace regionWeight {
 inline constexpr ifGraphWeightFn euclidean = ifGraphEuclideanDistance;
 inline constexpr ifGraphWeightFn smaller = ifGraphMinDistance;
 inline constexpr ifGraphWeightFn watershed = ifGraphWatershedDistance;
 } // namespace regionWeight
 
-/// The graph of the regions of a label image with labels 0 .. maxValue: an edge between any two that
-/// meet at 8-neighbours, and features as the integers on each vertex. Label 0 is no region, and
-/// merging walks from region 1 as far as regions are connected with it.
+/// The graph of the regions of a label image with labels 0 .. maxValue: an edge between any two
+/// that meet at 8-neighbours, and features as the integers on each vertex. Label 0 is no region,
+/// and merging walks from region 1 as far as regions are connected with it.
 class RegionGraph : public Graph {
 public:
   /// Without features; and with the averages of an image's bands, rescaled to 0 .. 1000 over all
@@ -118,8 +118,8 @@ public:
   }
 
   /// Labels of merged regions, from 1, 0 staying 0. A spanning tree is cut at its n - 1 heaviest
-  /// edges, or at those heavier than a weight: that by the distance of features in the first two, the
-  /// graph itself, which is one, in the others. See ifThresholdMST_nRegions and ifThresholdMST.
+  /// edges, or at those heavier than a weight: that by the distance of features in the first two,
+  /// the graph itself, which is one, in the others. See ifThresholdMST_nRegions and ifThresholdMST.
   Image mergeTo(int n) const { return spanningTree(regionWeight::euclidean).cutInto(n); }
   Image mergeBelow(int weight) const {
     return spanningTree(regionWeight::euclidean).cutAbove(weight);

@@ -11,7 +11,8 @@
 
 namespace seedforest {
 
-/// A seed: the index of its pixel, the label that it hands on, and the cost at which its paths start.
+/// A seed: the index of its pixel, the label that it hands on, and the cost at which its paths
+/// start.
 struct Root {
   int pixel;
   int label;
@@ -22,9 +23,9 @@ struct Root {
 /// A sequence of roots. Its order counts: roots of equal cost are served in it. It moves, and is
 /// copied by copy() alone; one that was moved from is empty.
 ///
-/// A root's value is the cost at which its paths start, whatever made the root: 0 for most roots, the
-/// image's value for those of regional extrema. watershed() does not read it; forest() and what else
-/// takes costs does, so say there what it shall be by startAt().
+/// A root's value is the cost at which its paths start, whatever made the root: 0 for most roots,
+/// the image's value for those of regional extrema. watershed() does not read it; forest() and what
+/// else takes costs does, so say there what it shall be by startAt().
 class Roots {
 public:
   Roots() = default;
@@ -95,8 +96,8 @@ private:
 Roots readRoots(const std::string &path, const Image &image);
 Roots decodeRoots(std::string_view text, const Image &image);
 
-/// Writes a roots file, or returns its text: the count, then x, y and label of each root. Values are
-/// not stored.
+/// Writes a roots file, or returns its text: the count, then x, y and label of each root. Values
+/// are not stored.
 /// Throws FileError: the file cannot be written.
 void writeRoots(const Roots &roots, const Image &image, const std::string &path);
 std::string encodeRoots(const Roots &roots, const Image &image);

@@ -1,10 +1,11 @@
 // Seedforest for C++ programs: everything that the libraries do, as values that own, with
 // exceptions and in silence.
 //
-//   const seedforest::Image image = seedforest::read("cells.pgm");
-//   const seedforest::Image crests = seedforest::gradient(image);
-//   const seedforest::Forest basins = seedforest::watershed(crests, seedforest::markers(image, 20));
-//   seedforest::write(seedforest::overlay(image, basins.labels), "cells.ppm");
+//   namespace sf = seedforest;
+//   const sf::Image image = sf::read("cells.pgm");
+//   const sf::Image crests = sf::gradient(image);
+//   const sf::Forest basins = sf::watershed(crests, sf::markers(image, 20));
+//   sf::write(sf::overlay(image, basins.labels), "cells.ppm");
 //
 // Each function is a thin front of an operation of the libraries, whose header says in full what it
 // computes; ties, orders and every value are those of the operation.

@@ -29,8 +29,8 @@ Image hMaxima(const Image &image, int h);
 Image hMinima(const Image &image, int h);
 
 /// Markers for a watershed: the maxima that stand out by more than h grey levels, after the
-/// alternating filter of so many steps, which takes away what is smaller. Each is a connected set of
-/// roots with the number of its maximum, from 1 in raster order; values 0.
+/// alternating filter of so many steps, which takes away what is smaller. Each is a connected set
+/// of roots with the number of its maximum, from 1 in raster order; values 0.
 Roots markers(const Image &image, int h, int steps = 0);
 
 /// The cells of a micrograph: label 2 for markers on bright objects, 1 for the lines between them;

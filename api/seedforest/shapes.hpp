@@ -1,5 +1,5 @@
-// Shapes: connected components, contours, skeletons, and shapes that touch. Pixels above 0 in band 0
-// belong to a shape.
+// Shapes: connected components, contours, skeletons, and shapes that touch. Pixels above 0 in band
+// 0 belong to a shape.
 #pragma once
 
 #include "seedforest/roots.hpp"
@@ -26,9 +26,9 @@ Image flatZones(const Image &image, const Roots &roots);
 /// that touch are not separated, and the image's own border is none.
 Image innerBorder(const Image &labels);
 
-/// Numbers the pixels of thin curves along their course; see labelContours. The last pixel of a curve
-/// takes a number two above the one before, so the largest is labels.maxValue(); count is that of
-/// pixels.
+/// Numbers the pixels of thin curves along their course; see labelContours. The last pixel of a
+/// curve takes a number two above the one before, so the largest is labels.maxValue(); count is
+/// that of pixels.
 Components contours(const Image &curves);
 
 /// How far apart along their contour the values of neighbouring pixels lie; see ifLabelDifferences.
@@ -37,25 +37,25 @@ Image contourDifferences(const Image &values, const Image &labels, bool absolute
 /// Which skeleton of a shape.
 enum class Side { inside = 1, outside = 2, both = 0 };
 
-/// A skeleton: each pixel of it with its squared distance to the border, 0 elsewhere; and the largest
-/// scale that leaves one, -99999 for a shape without interior.
+/// A skeleton: each pixel of it with its squared distance to the border, 0 elsewhere; and the
+/// largest scale that leaves one, -99999 for a shape without interior.
 struct Skeleton {
   Image squaredDistances;
   int largestScale;
 };
 
-/// Multiscale skeleton: the pixels whose neighbours' nearest border pixels lie at least `scale` apart
-/// along the contour; the larger the scale, the fewer branches. See ifSkel.
+/// Multiscale skeleton: the pixels whose neighbours' nearest border pixels lie at least `scale`
+/// apart along the contour; the larger the scale, the fewer branches. See ifSkel.
 /// Throws Error: an image of several bands.
 Skeleton skeleton(const Image &shape, int scale, Side side = Side::inside);
 
 /// Separates shapes that touch: labels from 1, a different one for each part, 0 outside. A part is
 /// what grows around a maximum, by more than h pixels, of the (not squared) distance to the nearest
-/// pixel outside the shape: the watershed of the distance's negative within the shape. Necks that are
-/// narrower than what they join by h pixels or less, counted from the middle, do not separate. Every
-/// component has a part of its own at least. Pixels beyond the image are not outside; a shape that
-/// fills the image is one part.
-/// Throws Error: a negative h, or one beyond 2^31 - 1 less the largest distance, in steps of it.
+/// pixel outside the shape: the watershed of the distance's negative within the shape. Necks that
+/// are narrower than what they join by h pixels or less, counted from the middle, do not separate.
+/// Every component has a part of its own at least. Pixels beyond the image are not outside; a shape
+/// that fills the image is one part.
+/// Throws Error: a negative h, or one of about 2^30 or more.
 Components splitTouching(const Image &shape, int h = 0);
 
 } // namespace seedforest

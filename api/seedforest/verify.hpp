@@ -21,12 +21,13 @@ std::optional<Violation> verifyForest(const Forest &forest, const Image &image, 
 }
 
 /// Whether a forest is one of best paths: each path leads from a root, with the root's label and a
-/// cost that starts at its value and grows as `cost` says along neighbours; and no arc, and no root,
-/// offers any pixel a better one. Nothing then could be better, for costs that never get better along
-/// a path. The arguments are those that forest() was called with.
+/// cost that starts at its value and grows as `cost` says along neighbours; and no arc, and no
+/// root, offers any pixel a better one. Nothing then could be better, for costs that never get
+/// better along a path. The arguments are those that forest() was called with.
 ///   result  none where all holds; else the first violation, in raster order: of all paths, then of
 ///           all offers
-/// Takes a time that is linear in the number of arcs. Which of several equal paths won is not asked.
+/// Takes a time that is linear in the number of arcs. Which of several equal paths won is not
+/// asked.
 /// Throws Error: images of different size, a root outside the image.
 template <class Cost, class Weight>
 std::optional<Violation> verify(const Forest &forest, const Image &image, const Roots &roots,
