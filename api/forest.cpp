@@ -24,14 +24,19 @@ int largestOf(const int *values, int n, int largest) {
   return largest;
 }
 
-int boundOf(const Image &image, const ForestOptions &options) {
+// How many costs a transform is ready for where the caller does not say. Values of at least 0 and
+// their differences fit; who knows what a function of the caller's returns.
+int boundOf(const Image &image, ifArcWeightFn weight, const ForestOptions &options) {
   constexpr int chamferStep = 17;
+  constexpr int unknown = 65535;
   if (options.maxCost.has_value())
     return *options.maxCost;
   int bound = std::max(image.maxValue(), chamferStep);
   for (int b = 0; b < image.nbands(); ++b)
     bound = largestOf(image.get()->band[b], image.npixels(), bound);
-  return bound;
+  const auto named = {arcWeight::watershed, arcWeight::euclidean, arcWeight::largestDifference,
+                      arcWeight::chamfer};
+  return std::ranges::find(named, weight) == named.end() ? std::max(bound, unknown) : bound;
 }
 
 // The forest that transform(record) writes into the three bands of a record.
@@ -53,7 +58,8 @@ Forest grow(const Image &image, const Roots &roots, const ifRoots &start, ifPath
     withinMask(image, start, cost, weight, options,
                [&](const ifRoots &inside, ifPathCostFn c, ifArcWeightFn w) {
                  withNeighborhood(options.adjacency, [&](imNeighborhoodFn adjacency) {
-                   transform(image.get(), bands, adjacency, w, boundOf(image, options), c, &inside);
+                   transform(image.get(), bands, adjacency, w, boundOf(image, weight, options), c,
+                             &inside);
                  });
                });
   });

@@ -57,9 +57,9 @@ struct ForestOptions {
   Best best = Best::least;
 
   /// The largest cost that occurs or, where weights add up and roots start at 0, the largest
-  /// weight. By default the
-  /// largest of the image's values, its maxValue and 17 (a chamfer's step): enough for the weights
-  /// with a name on values of at least 0. Costs beyond are served in remainder order.
+  /// weight. By default the largest of the image's values, its maxValue and 17 (a chamfer's step),
+  /// which is enough for the weights with a name on values of at least 0; and at least 65535 for
+  /// other weights. Costs beyond are served in remainder order, so that paths may not be the best.
   std::optional<int> maxCost = std::nullopt;
 
   /// Roots count where its band 0 is above 0, and paths lead where it is not 0 only.

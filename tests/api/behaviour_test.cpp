@@ -373,5 +373,9 @@ TEST_F(InTemporaryFolder, TheExampleOutlinesCells) {
   EXPECT_FALSE(isRed(12, 15) || isRed(28, 15) || isRed(2, 2));
   EXPECT_NE(std::system((run + "none.pgm cells.ppm 2>error").c_str()), 0);
   EXPECT_EQ(contentsOf("error"), "could not open file none.pgm\n");
+  const std::string sources = SEEDFOREST_SOURCES;
+  const std::string program = contentsOf(sources + "/examples/outline_cells.cpp");
+  const std::string shown = program.substr(program.find("int main"));
+  EXPECT_NE(contentsOf(sources + "/README.md").find(shown), std::string::npos);
 }
 #endif
