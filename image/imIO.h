@@ -22,9 +22,8 @@ int imReadImage(const char *path, imImage **image);
 /// Writes an image in the dialect of its type.
 ///   grey (P5) and colour (P6): maximum 255, the low 8 bits of each value
 ///   ASCII (P2): every value whole as "%5d ", 16 to a line, below maxValue as the maximum; a
-///   maxValue of 0 is first set, in the image itself, to the largest value (0 where all are
-///   negative) any other type: "Could not write image. Unknown type." on standard error, and an
-///   empty file
+///   maxValue of 0 is first set, in the image itself, to the largest value (0 where all are negative)
+///   any other type: "Could not write image. Unknown type." on standard error, and an empty file
 /// Errors, on standard error, then status 1: "could not open file %s for writing\n"; "error writing
 /// image %s\n" when the bytes do not all reach the file; a line for a colour image without 3 bands.
 void imSaveImage(const char *path, imImage *image);

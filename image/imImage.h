@@ -12,15 +12,14 @@
 #include <memory>
 
 /// What an image is, which is also the dialect that it came from or is to be written in.
-inline constexpr char imTypeGrey = 1; ///< grey, binary samples: P5
-inline constexpr char imTypeAscii =
-    2; ///< grey, ASCII samples: P2; every computed image of one band
+/// The last four have no file form.
+inline constexpr char imTypeGrey = 1;     ///< grey, binary samples: P5
+inline constexpr char imTypeAscii = 2;    ///< grey, ASCII samples: P2; computed images of one band
 inline constexpr char imTypeColor = 3;    ///< red, green and blue, binary samples: P6
-inline constexpr char imTypeXyz = 6;      ///< colour in a computed space; has no file form
-inline constexpr char imTypeFeatures = 9; ///< bands rescaled to 0 .. 1000; has no file form
-inline constexpr char imTypeWeights =
-    10; ///< one band of weights per arc of an adjacency; no file form
-inline constexpr char imTypeWork = 11; ///< working bands of a transform; no file form
+inline constexpr char imTypeXyz = 6;      ///< colour in a computed space
+inline constexpr char imTypeFeatures = 9; ///< bands rescaled to 0 .. 1000
+inline constexpr char imTypeWeights = 10; ///< a band of weights for each arc of an adjacency
+inline constexpr char imTypeWork = 11;    ///< working bands of a transform
 
 struct imImage {
   int **band;   ///< nbands arrays of npixels values

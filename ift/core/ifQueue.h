@@ -4,8 +4,9 @@
 //
 // An element is white (-1: never inserted, or taken out), grey (0 .. nbuckets - 1: waiting in that
 // bucket) or black (-2: removed as a best element). The queue stores no costs; the caller computes
-// buckets. Each bucket is a list linked through prev and next, so every operation but isEmpty is
-// O(1).
+// buckets. Each bucket is a list linked through prev and next: inserting, moving and removing take
+// constant time, isEmpty() a time that grows with the buckets that it passes, making and emptying
+// the queue one that grows with buckets and elements (R. B. Dial, Algorithm 360, 1969).
 //
 // A bucket or an element out of range is ignored: nothing happens, and removal returns -1.
 #pragma once
