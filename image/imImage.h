@@ -4,6 +4,9 @@
 // costs, distances and negative values. Pixel (x, y) has index p = x + row[y]; x = p mod ncols and
 // y = p div ncols.
 //
+// Where an image, or a place for a result, is needed and not given, an operation ends the process
+// with status 1 after a line that names it.
+//
 // Allocation failures, in every function that makes an image: "Could not allocate image!\n" or
 // "Could not allocate memory for image band %d!\n" on standard error, and no image.
 #pragma once
@@ -35,7 +38,8 @@ struct imImage {
 };
 
 /// A new image: bands of zeros, maxValue and nAdj 0, no adj. The caller releases it.
-/// Sizes without a pixel, or with more than 2^31 - 1, are refused like an allocation that fails.
+/// Sizes without a pixel, or with more than 2^31 - 1, are refused with the line "Could not allocate
+/// image!\n" too. Bands take up memory where they are written; the row table takes 4 bytes a row.
 [[nodiscard]] imImage *imCreateImage(int nbands, char type, int ncols, int nrows);
 
 /// Frees the bands, the row table and the record, but not `adj`: whoever made an arc-weight image

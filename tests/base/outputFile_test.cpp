@@ -28,6 +28,24 @@ TEST(OutputFile, PadsAndKeepsOrder) {
   EXPECT_TRUE(contentsOf(folder.path("f")) == expected + "-2147483648" + longText);
 }
 
+TEST(Writer, StopsWhereAPartFails) {
+  struct Target {
+    int parts = 0;
+    std::string text;
+  } target;
+  Writer writer(
+      [](void *to, std::string_view part) {
+        auto *into = static_cast<Target *>(to);
+        into->text += part;
+        return ++into->parts != 2; // a disk that is full once
+      },
+      &target);
+  const std::string chunks(4 * Writer::chunk, 'x');
+  writer.text(chunks);
+  EXPECT_FALSE(writer.flush());
+  EXPECT_EQ(target.text, chunks.substr(0, 2 * Writer::chunk));
+}
+
 bool save(const std::string &path, std::string_view text) {
   OutputFile file(path.c_str());
   if (!file.isOpen())

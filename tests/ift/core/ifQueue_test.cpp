@@ -128,6 +128,21 @@ TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
          {queue.q.first, queue.q.last, queue.a.prev, queue.a.next, queue.a.bucket})
       EXPECT_EQ(array, nullptr);
   }
+  const seedforest::ThrowingErrors throwing; // what was had is given back, which leak checks see
+  ifQueue buckets;
+  ifQueueNodes elements;
+  EXPECT_THROW(initQueue(&buckets, 5, &elements, -1), seedforest::OutOfMemory);
+  EXPECT_EQ(isEmpty(&buckets), 1);
+}
+
+TEST(Queue, ASearchFromNowhereStartsAtTheFirstBucket) {
+  Queue queue(3, 2);
+  insertQueue(&queue.q, &queue.a, 2, 1);
+  for (const int nowhere : {-1, 3, maxInt}) {
+    queue.q.current = nowhere;
+    EXPECT_EQ(isEmpty(&queue.q), 0);
+    EXPECT_EQ(queue.q.current, 2);
+  }
 }
 
 } // namespace
