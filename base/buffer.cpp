@@ -1,7 +1,5 @@
 #include "base/buffer.h"
 
-#include "base/report.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <limits>

@@ -3,11 +3,16 @@
 // through outOfMemory(), unless the function says otherwise.
 #pragma once
 
+#include "base/report.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace seedforest::detail {
 
@@ -58,6 +63,34 @@ template <class T>
 Array<T> makeZeroedArray(std::size_t count) {
   static_assert(std::is_trivial_v<T>);
   return Array<T>(static_cast<T *>(allocateZeroed(count, sizeof(T))));
+}
+
+/// Memory for the containers of the standard library.
+template <class T>
+struct Allocator {
+  static_assert(alignof(T) <= alignof(std::max_align_t));
+  using value_type = T;
+
+  Allocator() = default;
+  template <class U>
+  Allocator(const Allocator<U> &) noexcept {}
+
+  T *allocate(std::size_t count) { return static_cast<T *>(reallocate(nullptr, count, sizeof(T))); }
+  void deallocate(T *block, std::size_t) noexcept { std::free(block); }
+
+  friend bool operator==(const Allocator &, const Allocator &) { return true; }
+};
+
+template <class T>
+using Vector = std::vector<T, Allocator<T>>;
+
+/// A new object that its holder owns.
+template <class T, class... Arguments>
+std::unique_ptr<T> makeUnique(Arguments &&...arguments) {
+  std::unique_ptr<T> made(new (std::nothrow) T(std::forward<Arguments>(arguments)...));
+  if (made == nullptr)
+    outOfMemory();
+  return made;
 }
 
 /// A stack that takes up memory as it grows.

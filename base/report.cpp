@@ -1,5 +1,6 @@
 #include "base/report.h"
 
+#include "base/buffer.h"
 #include "base/error.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <string>
 #include <utility>
 
 namespace seedforest {
@@ -77,7 +77,7 @@ private:
   const char *start() const { return long_.empty() ? short_.data() : long_.data(); }
 
   std::array<char, 512> short_;
-  std::string long_;
+  Vector<char> long_;
   std::size_t length_ = 0;
 };
 

@@ -12,13 +12,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 using namespace seedforest::detail;
 
 namespace {
 
-using Steps = std::vector<Step>;
+using Steps = Vector<Step>;
 
 void requireOutput(const char *operation, const imImage *in, const imImage *out, int nbands) {
   requireBands(operation, out, nbands);
@@ -77,7 +76,7 @@ public:
   void next(T *row) { last_->next(row); }
 
 private:
-  std::vector<std::unique_ptr<RowSource<T>>> stages_;
+  Vector<std::unique_ptr<RowSource<T>>> stages_;
   RowSource<T> *last_;
 };
 

@@ -8,6 +8,11 @@
 #include <iterator>
 #include <sys/wait.h>
 
+// Memory that cannot be had is tested too; AddressSanitizer would end the process there.
+extern "C" const char *__asan_default_options() {
+  return "allocator_may_return_null=1";
+}
+
 imImagePtr makeImage(const Matrix &rows, char type) {
   return makeBands({rows}, type);
 }

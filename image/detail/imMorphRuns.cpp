@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace seedforest::detail {
 
@@ -47,8 +46,8 @@ struct Smallest {
 };
 
 // Half-widths of a disc's runs by |dy|, from 0 on, as far as rows that many apart can be.
-std::vector<int> runsOf(int s, int nrows) {
-  std::vector<int> width(std::min(std::size_t{1} + truncatedSqrt(s), std::size_t{0} + nrows));
+Vector<int> runsOf(int s, int nrows) {
+  Vector<int> width(std::min(std::size_t{1} + truncatedSqrt(s), std::size_t{0} + nrows));
   for (int dy = 0; dy < static_cast<int>(width.size()); ++dy)
     width[dy] = truncatedSqrt(s - dy * dy);
   return width;
@@ -57,10 +56,10 @@ std::vector<int> runsOf(int s, int nrows) {
 // The runs of what two discs reach one after the other. Within an image, too, where the first must
 // not leave it: each displacement can be split so that neither part goes beyond it in any
 // direction, since a disc holds with (dx, dy) all that is nearer in dx or in dy.
-std::vector<int> sumOf(const std::vector<int> &a, const std::vector<int> &b) {
+Vector<int> sumOf(const Vector<int> &a, const Vector<int> &b) {
   const int reachA = static_cast<int>(a.size()) - 1;
   const int reachB = static_cast<int>(b.size()) - 1;
-  std::vector<int> sum(a.size() + b.size() - 1);
+  Vector<int> sum(a.size() + b.size() - 1);
   for (int dy = 0; dy <= reachA + reachB; ++dy)
     for (int part = std::max(0, dy - reachB); part <= std::min(reachA, dy); ++part)
       sum[dy] = std::max(sum[dy], a[part] + b[dy - part]);
@@ -71,11 +70,11 @@ std::vector<int> sumOf(const std::vector<int> &a, const std::vector<int> &b) {
 // is the row as it comes, of half-width 0; from one level three reads reach at most 3h + 1 in the
 // next, so some levels are only steps on the way to a wider one.
 struct Disc {
-  int reach;                        // dy goes from -reach to reach
-  std::vector<int> halfWidth = {0}; // by level, ascending
-  std::vector<int> level;           // by |dy|
+  int reach;                   // dy goes from -reach to reach
+  Vector<int> halfWidth = {0}; // by level, ascending
+  Vector<int> level;           // by |dy|
 
-  Disc(const std::vector<int> &runs, int ncols, int nrows)
+  Disc(const Vector<int> &runs, int ncols, int nrows)
       : reach(std::min(static_cast<int>(runs.size()), nrows) - 1), level(std::size_t{1} + reach) {
     for (int dy = reach; dy >= 0; --dy) {
       const int width = std::min(runs[dy], ncols - 1);
@@ -117,7 +116,7 @@ struct Window {
   Rows<T> levels; // of the rows that came in last: level j of row i of them is at j * batch + i
   Rows<T> ring;   // rows on their way out, row y at y mod ringSize
 
-  Window(const std::vector<int> &runs, int columns, int rows, T start)
+  Window(const Vector<int> &runs, int columns, int rows, T start)
       : disc(runs, columns, rows), ncols(columns), nrows(rows), ringSize(2 * disc.reach + batch),
         levels(disc.halfWidth.size() * batch, disc.widest() + lane, ncols + disc.widest() + lane,
                start),
@@ -218,7 +217,7 @@ SEEDFOREST_MULTIVERSION void takeIn(Smallest, const Window<int> &window, int y0,
 template <class T, class Best>
 class Stage : public RowSource<T> {
 public:
-  Stage(const std::vector<int> &runs, int ncols, int nrows, RowSource<T> &from)
+  Stage(const Vector<int> &runs, int ncols, int nrows, RowSource<T> &from)
       : window_(runs, ncols, nrows, Best::template start<T>), from_(from) {}
 
   void next(T *row) override {
@@ -272,10 +271,10 @@ template <class T>
 
 template <class T>
 std::unique_ptr<RowSource<T>> runStep(const Step &step, int ncols, int nrows, RowSource<T> &from) {
-  const std::vector<int> runs = sumOf(runsOf(step.s, nrows), runsOf(step.t, nrows));
+  const Vector<int> runs = sumOf(runsOf(step.s, nrows), runsOf(step.t, nrows));
   if (step.extremum == Extremum::largest)
-    return std::make_unique<Stage<T, Largest>>(runs, ncols, nrows, from);
-  return std::make_unique<Stage<T, Smallest>>(runs, ncols, nrows, from);
+    return makeUnique<Stage<T, Largest>>(runs, ncols, nrows, from);
+  return makeUnique<Stage<T, Smallest>>(runs, ncols, nrows, from);
 }
 
 template std::unique_ptr<RowSource<std::uint8_t>> runStep(const Step &, int, int,
