@@ -185,7 +185,7 @@ TEST(Errors, OfTransformsLabelsAndSeeds) {
       {"ifConnectedComponents", [&] { ifConnectedComponents(grey, out, nullptr); }},
       {"ifConnectedComponents: pixel 12", [&] { ifConnectedComponents(grey, out, outside); }},
       {"ifCorrectLabels", [&] { ifCorrectLabels(t.bare.get()); }},
-      {"ifRegionsToContours", [&] { ifRegionsToContours(grey, nullptr); }},
+      {"ifRegionsToContours", [&] { ifRegionsToContours(grey, small); }},
       {"labelContours", [&] { labelContours(none, out); }},
       {"ifLabelDifferences", [&] { ifLabelDifferences(grey, out, small, 0); }},
       {"ifContourFollow", [&] { ifContourFollow(nullptr, &t.count, 1, out, grey, 0, nullptr); }},
@@ -236,7 +236,12 @@ TEST(Errors, OfOperatorsAndRegions) {
       {"ifMosaicToGraph", [&] { drop(ifMosaicToGraph(t.far.get())); }},
       {"ifMorphoGradGraph", [&] { drop(ifMorphoGradGraph(none)); }},
       {"ifMorphoGradGraph: vertex 77", [&] { drop(ifMorphoGradGraph(astray)); }},
-      {"ifColapseGraph", [&] { drop(ifColapseGraph(bare)); }},
+      {"ifColapseGraph: vertices without", [&] { drop(ifColapseGraph(bare)); }},
+      {"ifColapseGraph: vertex -1",
+       [&] {
+         t.graph->vertices[3].data[0] = -1;
+         drop(ifColapseGraph(t.graph.get()));
+       }},
       {"ifGraphEuclideanDistance", [&] { ifGraphEuclideanDistance(bare, 0, 1); }},
       {"ifGraphMinDistance: vertex 9", [&] { ifGraphMinDistance(t.graph.get(), 0, 9); }},
       {"iftPrim", [&] { iftPrim(grey, small, imNeighborhood8, ifWatershedMetric); }},
@@ -251,6 +256,11 @@ TEST(Errors, OfOperatorsAndRegions) {
          drop(ifThresholdGraph(unlabelled, 0.5));
        }},
       {"ifThresholdMST: vertex 77", [&] { drop(ifThresholdMST(astray, 1)); }},
+      {"ifThresholdMST: labels",
+       [&] {
+         bare->labelImage->band[0][0] = 9;
+         drop(ifThresholdMST(bare, 1));
+       }},
       {"ifThresholdMST_nRegions", [&] { drop(ifThresholdMST_nRegions(none, 2)); }},
       {"ifInitColorData", [&] { ifInitColorData(&t.sets, t.colour.get()); }},
       {"ifInitAreaData", [&] { ifInitAreaData(nullptr, grey); }},
