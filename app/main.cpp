@@ -3,6 +3,7 @@
 // One table says what each option asks of its arguments and how it makes its roots; a new option is
 // a line in it. Argument errors are found only after the image has been read.
 
+#include "app/signals.h"
 #include "base/report.h"
 #include "base/scan.h"
 #include "ift/core/detail/rootsTools.h"
@@ -197,8 +198,10 @@ int run(const CommandLine &line) {
 } // namespace
 
 int main(int argc, const char **argv) {
+  removeUnfinishedFilesOnSignals();
   const int status = run({argc, argv});
-  if (std::fflush(stdout) != 0)
+  // An error in the middle is remembered by the stream.
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
     fatal("%s: could not write to standard output\n", argc > 0 ? argv[0] : "seedforest");
   return status;
 }

@@ -3,6 +3,7 @@
 // through outOfMemory(), unless the function says otherwise.
 #pragma once
 
+#include "base/inline.h"
 #include "base/report.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -35,9 +37,8 @@ inline int *allocateInts(std::size_t count) {
   return static_cast<int *>(allocateZeroed(count, sizeof(int)));
 }
 
-/// Asks for the memory at an address that will soon be read or written. Inlined by force: a
-/// compiler drops calls to what has no effect.
-[[gnu::always_inline]] inline void prefetchAt([[maybe_unused]] const void *address) {
+/// Asks for the memory at an address that will soon be read or written.
+SEEDFOREST_INLINE inline void prefetchAt([[maybe_unused]] const void *address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address);
 #endif
@@ -83,6 +84,7 @@ struct Allocator {
 
 template <class T>
 using Vector = std::vector<T, Allocator<T>>;
+using String = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
 
 /// A new object that its holder owns.
 template <class T, class... Arguments>

@@ -59,7 +59,7 @@ public:
 
 /// How far an operation that can take long has come: `done` of `total` units of work, such as
 /// pixels, in its present pass. Returns whether to go on; where not, Cancelled is thrown. Called
-/// after every 2^16 units or so.
+/// after every 2^16 units or so, whatever the passes.
 using StepFn = std::function<bool(std::int64_t done, std::int64_t total)>;
 
 /// As long as one lives, errors in its thread are thrown, and notices and steps are handed to

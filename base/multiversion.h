@@ -7,7 +7,7 @@
 /// from it must be inlined by force, so that they are compiled with its instructions. Results are
 /// the same.
 #if defined(__GNUC__) && __GNUC__ >= 12 && !defined(__clang__) && defined(__x86_64__) &&           \
-    defined(__gnu_linux__) && !defined(__SANITIZE_ADDRESS__)
+    defined(__gnu_linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define SEEDFOREST_MULTIVERSION __attribute__((target_clones("arch=x86-64-v4", "avx2", "default")))
 #else
 #define SEEDFOREST_MULTIVERSION

@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -173,18 +172,16 @@ void outOfMemory() {
   fatal(About::memory, "could not allocate memory!\n");
 }
 
-namespace {
+Meter::Meter(std::int64_t total) : total_(total), isWatched_(Scope::wantsSteps()) {}
 
-constexpr std::int64_t unitsPerStep = 1 << 16;
-
-} // namespace
-
-Meter::Meter(std::int64_t total)
-    : total_(total),
-      next_(Scope::wantsSteps() ? unitsPerStep : std::numeric_limits<std::int64_t>::max()) {}
-
-void Meter::tell() {
-  next_ = done_ + unitsPerStep;
+// Units add up from pass to pass: of many small ones some are told of too.
+void Meter::tell(std::int64_t units) {
+  constexpr std::int64_t unitsPerStep = 1 << 16;
+  static thread_local std::int64_t untold = 0;
+  untold += units;
+  if (untold < unitsPerStep)
+    return;
+  untold = 0;
   if (!Scope::step(done_, total_))
     throw Cancelled("cancelled");
 }

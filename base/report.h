@@ -41,18 +41,18 @@ public:
   explicit Meter(std::int64_t total);
 
   /// May throw Cancelled.
-  void advance(std::int64_t units = 1) {
+  void advance(std::int64_t units) {
     done_ += units;
-    if (done_ >= next_)
-      tell();
+    if (isWatched_)
+      tell(units);
   }
 
 private:
-  void tell();
+  void tell(std::int64_t units);
 
   std::int64_t total_;
   std::int64_t done_ = 0;
-  std::int64_t next_; // when to tell; beyond all counts where nobody asked
+  bool isWatched_; // somebody asked to be told
 };
 
 } // namespace seedforest::detail

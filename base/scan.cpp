@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -92,31 +93,47 @@ std::size_t scanPlainBlocks(Text &text, int *values, std::size_t count) {
   return n;
 }
 
+// Moves on while take(c) holds for the character c at hand.
+template <class Take>
+void skipWhile(Text &text, Take take) {
+  do {
+    const char *at = text.at;
+    const char *const end = text.end;
+    while (at != end && take(*at))
+      ++at;
+    text.at = at;
+  } while (text.at == text.end && text.refill());
+}
+
 } // namespace
 
 void skipSpace(Text &text) {
-  const char *at = text.at;
-  while (at != text.end && isSpace(*at))
-    ++at;
-  text.at = at;
+  skipWhile(text, isSpace);
+}
+
+void skipLine(Text &text) {
+  skipWhile(text, [](char c) { return c != '\n'; });
 }
 
 Scanned scanInt(Text &text, int &value) {
   skipSpace(text);
-  const char *at = text.at;
-  bool negative = false;
-  if (at != text.end && (*at == '-' || *at == '+'))
-    negative = *at++ == '-';
-  const char *digits = at;
+  const bool isSigned = text.hasMore() && isSign(*text.at);
+  const bool isNegative = isSigned && *text.at == '-';
+  text.at += isSigned ? 1 : 0;
   constexpr std::int64_t beyond = std::int64_t{1} << 32; // past every int, and ten times it fits
   std::int64_t magnitude = 0;
-  for (; at != text.end && isDigit(*at); ++at)
+  bool isNumber = false;
+  skipWhile(text, [&](char c) {
+    if (!isDigit(c))
+      return false;
+    isNumber = true;
     if (magnitude < beyond)
-      magnitude = magnitude * 10 + (*at - '0');
-  text.at = at;
-  if (at == digits)
+      magnitude = magnitude * 10 + (c - '0');
+    return true;
+  });
+  if (!isNumber)
     return Scanned::nothing;
-  const std::int64_t number = negative ? -magnitude : magnitude;
+  const std::int64_t number = isNegative ? -magnitude : magnitude;
   value = saturate(number);
   return value == number ? Scanned::exact : Scanned::clamped;
 }
@@ -125,21 +142,49 @@ std::size_t scanInts(Text &text, int *values, std::size_t count) {
   std::size_t n = 0;
   for (;;) {
     n += scanPlainBlocks(text, values + n, count - n);
-    const char *stoppedAt = text.at;
+    const std::ptrdiff_t stoppedAt = text.end - text.at;
     do {
       if (n == count || scanInt(text, values[n]) == Scanned::nothing)
         return n;
       ++n;
-    } while (text.at - stoppedAt < blockSize);
+      // One by one for about a block, or to the end of what is at hand.
+    } while (text.end - text.at <= stoppedAt && stoppedAt - (text.end - text.at) < blockSize);
   }
 }
 
-std::string_view scanWord(Text &text) {
+String scanWord(Text &text) {
   skipSpace(text);
-  const char *start = text.at;
-  while (text.at != text.end && !isSpace(*text.at))
-    ++text.at;
-  return {start, static_cast<std::size_t>(text.at - start)};
+  String word;
+  skipWhile(text, [&word](char c) {
+    if (isSpace(c) || (!word.empty() && word.back() == '\0'))
+      return false;
+    word.push_back(c);
+    return true;
+  });
+  return word;
+}
+
+std::size_t copyBytes(Text &text, char *to, std::size_t count) {
+  std::size_t copied = 0;
+  while (copied < count && text.hasMore()) {
+    const std::size_t part = std::min(count - copied, static_cast<std::size_t>(text.end - text.at));
+    std::memcpy(to + copied, text.at, part);
+    text.at += part;
+    copied += part;
+  }
+  return copied;
+}
+
+Bytes takeBytes(Text &text, std::size_t count) {
+  constexpr std::size_t least = 1 << 16;
+  Bytes bytes;
+  std::size_t capacity = 0;
+  while (bytes.size == capacity && bytes.size < count && text.hasMore()) {
+    capacity = std::min(count, bytes.size + std::max({least, bytes.size, text.certainBytes()}));
+    bytes.data.reset(static_cast<char *>(reallocate(bytes.data.release(), capacity, 1)));
+    bytes.size += copyBytes(text, bytes.data.get() + bytes.size, capacity - bytes.size);
+  }
+  return bytes;
 }
 
 } // namespace seedforest::detail

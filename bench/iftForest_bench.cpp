@@ -5,7 +5,7 @@
 #include "bench.h"
 #include "images.h"
 
-#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/forestTransforms.h"
 #include "ift/core/detail/rootsTools.h"
 #include "ift/core/iftForest.h"
 #include "image/detail/neighborWalk.h"
@@ -73,14 +73,16 @@ void literalWatershed(benchmark::State &state) {
   const Problem problem(state);
   const int *value = problem.image->band[0];
   const auto weigh = [value](int, int q) { return value[q]; };
-  const auto extend = [](int cost, int weight) { return ifPathCostMax(cost, weight); };
+  const auto extend = [](int cost, int weight) { return std::max(cost, weight); };
   int **band = problem.forest->band;
   for (auto _ : state) {
     std::fill_n(band[1], problem.image->npixels, ifInfiniteCost);
     literalTransform(
-        AdjacencyArcs<decltype(weigh)>{{NeighborWalk(problem.image.get(), imNeighborhood8)}, weigh},
-        ForestRule<Minimising, decltype(extend)>{{band[0], band[1], band[2], 255}, extend}, 256,
-        problem.image->npixels, *problem.seeds);
+        ForestTransform<Minimising, AdjacencyArcs<decltype(weigh)>, decltype(extend)>{
+            {band[0], band[1], band[2], 255},
+            {NeighborWalk(problem.image.get(), imNeighborhood8), weigh},
+            extend},
+        256, problem.image->npixels, *problem.seeds);
   }
   reportPerItem(state, "ns/pixel", problem.image->npixels);
 }

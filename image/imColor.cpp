@@ -6,6 +6,7 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "base/inline.h"
 #include "base/multiversion.h"
 #include "base/report.h"
 #include "image/detail/imageTools.h"
@@ -46,7 +47,7 @@ struct Range {
   unsigned below;
   unsigned size;
 
-  [[gnu::always_inline]] inline bool holds(const Block &block, int n) const {
+  SEEDFOREST_INLINE inline bool holds(const Block &block, int n) const {
     unsigned all = 0;
     for (int i = 0; i < n; ++i)
       all |= (static_cast<unsigned>(block.band[0][i]) + below) |
@@ -60,12 +61,11 @@ constexpr Range bytes = {0, 256};
 constexpr Range fixedPoint = {0, 32768};
 constexpr Range labRange = {2048, 4096};
 
-// Of a lambda: inlined by force, so that it is compiled with its caller's instructions.
-#define INLINE __attribute__((always_inline))
+#define INLINE SEEDFOREST_INLINE // so short that the rules' first lines stay whole
 
 template <class Arithmetic, class Rule>
-[[gnu::always_inline]] inline void applyWith(const Block &__restrict from, Block &__restrict to,
-                                             int n, const Rule &rule) {
+SEEDFOREST_INLINE inline void applyWith(const Block &__restrict from, Block &__restrict to, int n,
+                                        const Rule &rule) {
   for (int i = 0; i < n; ++i) {
     const Pixel p = rule(Arithmetic(), from.band[0][i], from.band[1][i], from.band[2][i], i);
     to.band[0][i] = p.band[0];
@@ -76,8 +76,8 @@ template <class Arithmetic, class Rule>
 
 // rule(arithmetic, components, i) over pixels i < n; `small` is where Small will do.
 template <class Rule>
-[[gnu::always_inline]] inline void apply(const Block &from, Block &to, int n, Range small,
-                                         const Rule &rule) {
+SEEDFOREST_INLINE inline void apply(const Block &from, Block &to, int n, Range small,
+                                    const Rule &rule) {
   if (small.holds(from, n))
     applyWith<Small>(from, to, n, rule);
   else
@@ -174,7 +174,7 @@ SEEDFOREST_MULTIVERSION void rgbToXyz(const Block &rgb, Block &xyz, int n) {
 }
 
 // 0 .. 255 from 0 .. 1, with the ends drawn to black and white.
-[[gnu::always_inline]] inline int clipped(double c) {
+SEEDFOREST_INLINE inline int clipped(double c) {
   const double below = c < 0.005 ? 0.0 : c;
   return static_cast<int>(255 * (below > 0.995 ? 1.0 : below));
 }
@@ -332,7 +332,7 @@ SEEDFOREST_MULTIVERSION void ycbcrToRgb(const Block &ycc, Block &rgb, int n) {
 constexpr int noHue = 361;
 
 // Half to even, for 0 .. 2^52: the sum has no room for a fraction.
-[[gnu::always_inline]] inline int rounded(double value) {
+SEEDFOREST_INLINE inline int rounded(double value) {
   constexpr double wholeNumbersOnly = 4503599627370496.0;
   return static_cast<int>(value + wholeNumbersOnly - wholeNumbersOnly);
 }

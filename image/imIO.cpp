@@ -1,7 +1,8 @@
 #include "image/imIO.h"
 
 #include "base/arith.h"
-#include "base/file.h"
+#include "base/inputFile.h"
+#include "base/outputFile.h"
 #include "base/report.h"
 #include "base/scan.h"
 #include "image/detail/imageTools.h"
@@ -15,16 +16,11 @@ using namespace seedforest::detail;
 
 namespace {
 
-enum class HeaderState { unknownMagic, broken, impossibleSize, good };
-
 struct Header {
-  HeaderState state = HeaderState::broken;
-  std::string_view magic;
   char type = imTypeGrey;
   int ncols = 0;
   int nrows = 0;
   int maxValue = 0;
-  std::size_t dataStart = 0; // just behind the header, or past the end of a file that ends there
 
   int nbands() const { return type == imTypeColor ? 3 : 1; }
   std::size_t samples() const { return std::size_t(ncols) * nrows * nbands(); }
@@ -42,72 +38,117 @@ bool typeOfMagic(std::string_view magic, char &type) {
   return true;
 }
 
-Header parseHeader(std::string_view bytes) {
+void requireReadable(const Text &text, const char *path) {
+  if (text.hasFailed())
+    fatal(About::file, "imReadImage: error reading %s\n", path);
+}
+
+// Ends with the one character between header and samples.
+Header parseHeader(Text &text, const char *path) {
   Header header;
-  Text text(bytes);
-  header.magic = scanWord(text);
-  if (!typeOfMagic(header.magic, header.type)) {
-    header.state = HeaderState::unknownMagic;
-    return header;
-  }
+  const String magic = scanWord(text);
+  requireReadable(text, path);
+  if (!typeOfMagic(magic, header.type))
+    fatal(About::file, "unknown file format; trying to read %s\n", magic.c_str());
   skipSpace(text);
-  if (text.at != text.end && *text.at == '#')
-    text.at = std::find(text.at, text.end, '\n');
-  for (int *field : {&header.ncols, &header.nrows, &header.maxValue})
-    if (scanInt(text, *field) != Scanned::exact)
-      return header;
-  const bool fits = header.ncols > 0 && header.nrows > 0 &&
-                    std::int64_t{header.ncols} * header.nrows <= maxInt / header.nbands();
-  header.state = fits ? HeaderState::good : HeaderState::impossibleSize;
-  header.dataStart = static_cast<std::size_t>(text.at - bytes.data()) + 1;
+  if (text.hasMore() && *text.at == '#')
+    skipLine(text);
+  for (int *field : {&header.ncols, &header.nrows, &header.maxValue}) {
+    const Scanned scanned = scanInt(text, *field);
+    requireReadable(text, path);
+    if (scanned != Scanned::exact)
+      fatal(About::file,
+            "imReadImage: %s: the header does not give width, height and maximum as 32-bit "
+            "numbers\n",
+            path);
+  }
+  if (header.ncols < 1 || header.nrows < 1 ||
+      std::int64_t{header.ncols} * header.nrows > maxInt / header.nbands())
+    fatal(About::file, "imReadImage: %s: impossible size %d x %d\n", path, header.ncols,
+          header.nrows);
+  if (text.hasMore())
+    ++text.at;
   return header;
 }
 
-// Samples of a binary file need no byte behind the last one; what is no image needs none at all. A
-// word with a NUL in it counts as whole there, since it is printed no further.
-std::size_t wantedBytes(std::string_view start) {
-  const Header header = parseHeader(start);
-  const bool magicIsWhole =
-      header.magic.data() + header.magic.size() != start.data() + start.size() ||
-      header.magic.find('\0') != std::string_view::npos;
-  if (header.state == HeaderState::unknownMagic && magicIsWhole)
-    return 0;
-  const bool headerIsWhole = header.state == HeaderState::good && header.dataStart <= start.size();
-  if (headerIsWhole && header.type != imTypeAscii)
-    return header.dataStart + header.samples();
-  return allBytes;
+imImagePtr createFor(const Header &header) {
+  imImagePtr image = createImage(header.nbands(), header.type, header.ncols, header.nrows);
+  image->maxValue = header.maxValue;
+  return image;
 }
 
-void widen(const unsigned char *bytes, int npixels, int *values) {
-  for (int p = 0; p < npixels; ++p)
-    values[p] = bytes[p];
-}
-
-void deinterleave(const unsigned char *bytes, int npixels, int *red, int *green, int *blue) {
-  for (int p = 0; p < npixels; ++p) {
-    red[p] = bytes[3 * std::size_t(p)];
-    green[p] = bytes[3 * std::size_t(p) + 1];
-    blue[p] = bytes[3 * std::size_t(p) + 2];
+// A pixel for each scan. One that fails leaves its pixel 0, and the next goes on where it stopped:
+// that is of use only behind a lone sign, which has been consumed.
+void scanPixels(Text &text, int *values, std::size_t count) {
+  for (std::size_t n = 0; n < count; ++n) {
+    n += scanInts(text, values + n, count - n);
+    const bool isLast = n + 1 >= count;
+    if (isLast || !text.hasMore() || !(isSpace(*text.at) || isSign(*text.at)))
+      return;
   }
 }
 
-void parseSamples(std::string_view data, imImage *image) {
-  const auto *bytes = reinterpret_cast<const unsigned char *>(data.data());
-  int **band = image->band;
-  if (image->type == imTypeAscii) {
-    Text text(data);
-    scanInts(text, band[0], static_cast<std::size_t>(image->npixels));
-  } else if (image->type == imTypeGrey) {
-    widen(bytes, image->npixels, band[0]);
-  } else {
-    deinterleave(bytes, image->npixels, band[0], band[1], band[2]);
+// Pixels start .. start + n - 1, from a byte for each band.
+template <int nbands>
+void widen(const unsigned char *bytes, int start, int n, int *const *band) {
+  for (int b = 0; b < nbands; ++b) {
+    int *values = band[b] + start;
+    for (int i = 0; i < n; ++i)
+      values[i] = bytes[std::ptrdiff_t{i} * nbands + b];
   }
+}
+
+constexpr int pixelsPerChunk = static_cast<int>(Writer::chunk) / 3;
+
+// Returns how many bytes there were, at most one for each sample.
+std::size_t readSamples(Text &text, imImage *image) {
+  const Array<char> bytes = makeArray<char>(std::size_t{pixelsPerChunk} * 3);
+  std::size_t total = 0;
+  for (int start = 0, n; start < image->npixels; start += n) {
+    n = std::min(pixelsPerChunk, image->npixels - start);
+    const std::size_t wanted = std::size_t(n) * image->nbands;
+    const std::size_t count = copyBytes(text, bytes.get(), wanted);
+    total += count;
+    if (count < wanted)
+      break;
+    const auto *samples = reinterpret_cast<const unsigned char *>(bytes.get());
+    (image->nbands == 1 ? widen<1> : widen<3>)(samples, start, n, image->band);
+  }
+  return total;
+}
+
+imImagePtr readBinary(Text &text, const Header &header, const char *path) {
+  const std::size_t samples = header.samples();
+  imImagePtr image;
+  std::size_t count = 0;
+  if (text.certainBytes() >= samples) {
+    image = createFor(header);
+    count = readSamples(text, image.get());
+  } else { // there may be fewer than the header promises: nothing large is made for them
+    const Bytes bytes = takeBytes(text, samples);
+    count = bytes.size;
+    if (count == samples) {
+      Text inMemory(bytes.view());
+      image = createFor(header);
+      readSamples(inMemory, image.get());
+    }
+  }
+  if (count < samples)
+    fatal(About::file, "error reading file %s; expecting %zu pixels, read %zu\n", path, samples,
+          count);
+  return image;
+}
+
+imImagePtr readAscii(Text &text, const Header &header, const char *path) {
+  imImagePtr image = createFor(header);
+  scanPixels(text, image->band[0], header.samples());
+  requireReadable(text, path);
+  return image;
 }
 
 // The low 8 bits of each value, the bands of a pixel side by side.
 void writeBinary(Writer &writer, const imImage *image) {
   const int nbands = image->type == imTypeColor ? 3 : 1;
-  const int pixelsPerChunk = static_cast<int>(Writer::chunk) / nbands;
   for (int start = 0; start < image->npixels;) {
     const int count = std::min(pixelsPerChunk, image->npixels - start);
     char *room = writer.room(std::size_t(count) * nbands);
@@ -149,55 +190,27 @@ void writeImage(Writer &writer, imImage *image) {
 
 namespace seedforest::detail {
 
-imImagePtr parseImage(std::string_view bytes, const char *path, std::string &error) {
-  const Header header = parseHeader(bytes);
-  const std::string size = std::to_string(header.ncols) + " x " + std::to_string(header.nrows);
-  switch (header.state) {
-  case HeaderState::unknownMagic:
-    error = "unknown file format; trying to read " +
-            std::string(header.magic.substr(0, header.magic.find('\0'))) + "\n";
-    return nullptr;
-  case HeaderState::broken:
-    error = "imReadImage: " + std::string(path) +
-            ": the header does not give width, height and maximum as 32-bit numbers\n";
-    return nullptr;
-  case HeaderState::impossibleSize:
-    error = "imReadImage: " + std::string(path) + ": impossible size " + size + "\n";
-    return nullptr;
-  case HeaderState::good:
-    break;
-  }
-  const std::string_view data = bytes.substr(std::min(header.dataStart, bytes.size()));
-  if (header.type != imTypeAscii && data.size() < header.samples()) {
-    error = "error reading file " + std::string(path) + "; expecting " +
-            std::to_string(header.samples()) + " pixels, read " + std::to_string(data.size()) +
-            "\n";
-    return nullptr;
-  }
-  imImagePtr image(imCreateImage(header.nbands(), header.type, header.ncols, header.nrows));
-  if (image != nullptr) {
-    image->maxValue = header.maxValue;
-    parseSamples(data, image.get());
-  }
-  return image;
+imImagePtr parseImage(Text &text, const char *path) {
+  const Header header = parseHeader(text, path);
+  return header.type == imTypeAscii ? readAscii(text, header, path)
+                                    : readBinary(text, header, path);
 }
 
 } // namespace seedforest::detail
 
 int imReadImage(const char *path, imImage **image) {
-  Bytes bytes;
-  if (!loadFile(path, wantedBytes, bytes))
+  requireGiven("imReadImage", "path", path);
+  requireGiven("imReadImage", "place for the image", image);
+  InputFile file(path);
+  if (!file.isOpen())
     fatal(About::file, "could not open file %s\n", path);
-  std::string error;
-  imImagePtr parsed = parseImage(bytes.view(), path, error);
-  if (parsed == nullptr)
-    fatal(About::file, "%s", error.c_str());
-  *image = parsed.release();
+  *image = parseImage(file, path).release();
   return (*image)->type;
 }
 
 void imSaveImage(const char *path, imImage *image) {
   const bool writable = image != nullptr && image->type >= imTypeGrey && image->type <= imTypeColor;
+  requireGiven("imSaveImage", "path", path);
   requireBands("imSaveImage", image, !writable ? 0 : image->type == imTypeColor ? 3 : 1);
   OutputFile file(path);
   if (!file.isOpen())

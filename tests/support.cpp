@@ -96,6 +96,22 @@ std::string TemporaryFolder::write(std::string_view name, std::string_view bytes
   return path(name);
 }
 
+std::vector<std::string> TemporaryFolder::names() const {
+  std::vector<std::string> names;
+  for (const auto &entry : std::filesystem::directory_iterator(folder_))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool Pieces::refill() {
+  const std::string_view piece = whole_.substr(std::min(asked_, whole_.size()), size_);
+  at = piece.data();
+  end = at + piece.size();
+  asked_ += piece.empty() ? 1 : piece.size();
+  return !piece.empty();
+}
+
 std::string contentsOf(const std::string &path) {
   std::ifstream file(path, std::ios::binary);
   if (!file)
@@ -103,9 +119,10 @@ std::string contentsOf(const std::string &path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments) {
-  const std::string command = "cd '" + folder.path("") + "' && exec >tool.out 2>tool.err; '" +
-                              SEEDFOREST_TOOL + "' " + arguments;
+ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
+                const std::string &before) {
+  const std::string command = "cd '" + folder.path("") + "' && exec >tool.out 2>tool.err; " +
+                              before + " '" + SEEDFOREST_TOOL + "' " + arguments;
   const int ended = std::system(command.c_str());
   return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(folder.path("tool.out")),
           contentsOf(folder.path("tool.err"))};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/arith.h"
+#include "base/scan.h"
 #include "ift/core/ifRoots.h"
 #include "image/imImage.h"
 
@@ -81,8 +82,30 @@ public:
   /// Writes a file and returns its path.
   std::string write(std::string_view name, std::string_view bytes) const;
 
+  /// The names of what is in it, sorted.
+  std::vector<std::string> names() const;
+
 private:
   std::filesystem::path folder_;
+};
+
+/// Text that comes in pieces of some bytes, and whose end may be an error.
+class Pieces : public seedforest::detail::Text {
+public:
+  explicit Pieces(std::string_view whole, std::size_t size, bool endsInError = false)
+      : Text(whole.substr(0, 0)), whole_(whole), size_(size), endsInError_(endsInError) {}
+
+  bool refill() override;
+  bool hasFailed() const override { return endsInError_ && asked_ > whole_.size(); }
+
+  /// How many bytes somebody has asked for; more than there are where the end has been met.
+  std::size_t asked() const { return asked_; }
+
+private:
+  std::string_view whole_;
+  std::size_t size_;
+  bool endsInError_;
+  std::size_t asked_ = 0;
 };
 
 /// All bytes of a file; "(no such file)" where it cannot be opened.
@@ -95,5 +118,6 @@ struct ToolRun {
   std::string err;
 };
 
-/// Runs the tool in a folder, `arguments` as the shell takes them.
-ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments);
+/// Runs the tool in a folder, `arguments` as the shell takes them, after other commands.
+ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
+                const std::string &before = "");

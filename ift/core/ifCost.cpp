@@ -12,6 +12,26 @@
 
 using namespace seedforest::detail;
 
+int ifPathCostMax(int cost, int weight) {
+  return std::max(cost, weight);
+}
+
+int ifPathCostMin(int cost, int weight) {
+  return std::min(cost, weight);
+}
+
+int ifPathCostMaxLocal(int cost, int weight) {
+  return cost < weight ? ifInfiniteCost : cost;
+}
+
+int ifPathCostMinLocal(int cost, int weight) {
+  return cost > weight ? ifInfiniteCostInverted : cost;
+}
+
+int ifWatershedMetric(const imImage *image, int, int q) {
+  return image->band[0][q];
+}
+
 int ifPathCostSum(int cost, int weight) {
   return wrap(std::int64_t{cost} + weight);
 }

@@ -1,5 +1,6 @@
 // What parameterises a transform: how a path's cost grows by an arc's weight, and what an arc
-// weighs. All are pure functions. Those that a transform recognises and inlines are defined here.
+// weighs. All are pure functions. Transforms know the built-in ones by their addresses, and inline
+// what they do.
 #pragma once
 
 #include "image/imImage.h"
@@ -18,33 +19,23 @@ using ifPathCostFn = int (*)(int cost, int weight);
 using ifArcWeightFn = int (*)(const imImage *image, int p, int q);
 
 /// The larger of the two.
-inline int ifPathCostMax(int cost, int weight) {
-  return cost >= weight ? cost : weight;
-}
+int ifPathCostMax(int cost, int weight);
 
 /// The smaller of the two.
-inline int ifPathCostMin(int cost, int weight) {
-  return cost <= weight ? cost : weight;
-}
+int ifPathCostMin(int cost, int weight);
 
 /// The sum, which wraps around in 32 bits.
 int ifPathCostSum(int cost, int weight);
 
 /// The cost unchanged along arcs that weigh no more than it; others are closed (ifInfiniteCost).
-inline int ifPathCostMaxLocal(int cost, int weight) {
-  return cost < weight ? ifInfiniteCost : cost;
-}
+int ifPathCostMaxLocal(int cost, int weight);
 
 /// The cost unchanged along arcs that weigh no less than it; others are closed
 /// (ifInfiniteCostInverted).
-inline int ifPathCostMinLocal(int cost, int weight) {
-  return cost > weight ? ifInfiniteCostInverted : cost;
-}
+int ifPathCostMinLocal(int cost, int weight);
 
 /// The destination's value in band 0.
-inline int ifWatershedMetric(const imImage *image, int, int q) {
-  return image->band[0][q];
-}
+int ifWatershedMetric(const imImage *image, int p, int q);
 
 /// The integer part of the root mean square difference of the bands, the mean an integer division;
 /// saturating. An image without bands ends the process with status 1 after a line.

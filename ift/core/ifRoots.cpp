@@ -2,9 +2,12 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
-#include "base/file.h"
+#include "base/inputFile.h"
+#include "base/outputFile.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "base/scan.h"
+#include "base/writer.h"
 #include "ift/core/detail/rootsTools.h"
 #include "image/detail/imageTools.h"
 
@@ -15,7 +18,8 @@ using namespace seedforest::detail;
 
 namespace {
 
-void saveRoots(const char *path, const imImage *image, int n, const int *pixel, const int *label) {
+void saveRoots(const char *operation, const char *path, const imImage *image, int n,
+               const int *pixel, const int *label) {
   OutputFile file(path);
   if (!file.isOpen())
     fatal(About::file, "Could not open file %s for writing\n", path);
@@ -32,19 +36,23 @@ void saveRoots(const char *path, const imImage *image, int n, const int *pixel, 
     writer.text("\n");
   }
   if (!file.close())
-    fatal(About::file, "ifSaveRoots: could not write all of %s\n", path);
+    fatal(About::file, "%s: could not write all of %s\n", operation, path);
 }
 
-// Nothing behind a count that cannot be scanned is of use.
-std::size_t wantedBytes(std::string_view start) {
-  Text text(start);
-  int count = 0;
-  return scanInt(text, count) == Scanned::nothing && text.at != text.end ? 0 : allBytes;
+template <class Roots>
+void requireRoots(const char *operation, const imImage *image, const Roots *roots) {
+  requireBands(operation, image, 0);
+  requireGiven(operation, "roots record", roots);
+}
+
+void requireReadable(const Text &text, const char *path) {
+  if (text.hasFailed())
+    fatal(About::file, "ifReadRoots: error reading %s\n", path);
 }
 
 // Scans x, y and label for each seed, with a debug line for each.
-void scanSeeds(Text text, const imImage *image, const ifRoots &roots) {
-  Writer out(stdout);
+void scanSeeds(Text &text, const imImage *image, const ifRoots &roots) {
+  Writer out(putProgress);
   int line[3] = {0, 0, 0}; // what a failing scan leaves as it was serves the next seed too
   for (int i = 0; i < roots.n; ++i) {
     scanInts(text, line, 3);
@@ -62,13 +70,19 @@ void scanSeeds(Text text, const imImage *image, const ifRoots &roots) {
 } // namespace
 
 void ifAllocateRoots(ifRoots *roots, int n) {
+  requireGiven("ifAllocateRoots", "roots record", roots);
   if (n < 0)
     fatal("ifAllocateRoots: %d is no number of roots\n", n);
   const auto count = static_cast<std::size_t>(n);
-  *roots = {allocateInts(count), allocateInts(count), allocateInts(count), n};
+  Array<int> pixel = makeZeroedArray<int>(count);
+  Array<int> label = makeZeroedArray<int>(count);
+  Array<int> value = makeZeroedArray<int>(count);
+  *roots = {pixel.release(), label.release(), value.release(), n};
 }
 
 void ifReleaseRoots(ifRoots *roots) {
+  if (roots == nullptr)
+    return;
   std::free(roots->pixel);
   std::free(roots->label);
   std::free(roots->value);
@@ -76,6 +90,8 @@ void ifReleaseRoots(ifRoots *roots) {
 }
 
 void ifReleaseRoots2(ifRoots2 *roots) {
+  if (roots == nullptr)
+    return;
   std::free(roots->pixel);
   std::free(roots->label);
   std::free(roots->value);
@@ -84,31 +100,40 @@ void ifReleaseRoots2(ifRoots2 *roots) {
 }
 
 void ifSaveRoots(const char *path, const imImage *image, const ifRoots *roots) {
-  saveRoots(path, image, roots->n, roots->pixel, roots->label);
+  requireGiven("ifSaveRoots", "path", path);
+  requireRoots("ifSaveRoots", image, roots);
+  saveRoots("ifSaveRoots", path, image, roots->n, roots->pixel, roots->label);
 }
 
 void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots) {
-  saveRoots(path, image, roots->n, roots->pixel, roots->label);
+  requireGiven("ifSaveRoots2", "path", path);
+  requireRoots("ifSaveRoots2", image, roots);
+  saveRoots("ifSaveRoots2", path, image, roots->n, roots->pixel, roots->label);
 }
 
 ifRoots *ifReadRoots(const char *path, const imImage *image) {
-  Bytes bytes;
-  if (!loadFile(path, wantedBytes, bytes))
+  requireGiven("ifReadRoots", "path", path);
+  requireBands("ifReadRoots", image, 0);
+  InputFile file(path);
+  if (!file.isOpen())
     fatal(About::file, "Could not open file %s for reading\n", path);
-  Text text(bytes.view());
   int n = 0;
-  scanInt(text, n);
+  scanInt(file, n);
+  const Bytes lines = n > 0 ? takeBytes(file, SIZE_MAX) : Bytes();
+  requireReadable(file, path);
   constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
-  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + bytes.size) {
+  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + file.size()) {
     fail(About::file, "invalid number of roots in file %s\n", path);
     return nullptr;
   }
   ifRootsPtr roots = createRoots(n);
+  Text text(lines.view());
   scanSeeds(text, image, *roots);
   return roots.release();
 }
 
 imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots) {
+  requireRoots("ifVisualizeRoots", image, roots);
   for (int i = 0; i < roots->n; ++i)
     requirePixel("ifVisualizeRoots", image, roots->pixel[i]);
   imImage *labels = imCreateImage(1, imTypeAscii, image->ncols, image->nrows);
@@ -128,6 +153,12 @@ ifRootsPtr createRoots(int n) {
   ifRootsPtr roots(static_cast<ifRoots *>(allocateZeroed(1, sizeof(ifRoots))));
   ifAllocateRoots(roots.get(), n);
   return roots;
+}
+
+void requireRoots(const char *operation, const ifRoots *roots, const imImage *image) {
+  requireGiven(operation, "roots record", roots);
+  for (int i = 0; i < roots->n; ++i)
+    requirePixel(operation, image, roots->pixel[i]);
 }
 
 } // namespace seedforest::detail

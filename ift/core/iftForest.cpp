@@ -1,9 +1,11 @@
 #include "ift/core/iftForest.h"
 
 #include "base/report.h"
+#include "base/require.h"
 #include "ift/core/detail/costs.h"
+#include "ift/core/detail/forestTransforms.h"
 #include "ift/core/detail/iftPacked.h"
-#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/reconstruct.h"
 #include "ift/core/detail/rootsTools.h"
 #include "image/detail/imageTools.h"
 
@@ -15,7 +17,7 @@ using namespace seedforest::detail;
 
 namespace {
 
-// The part of a call that all transforms share.
+// The part of a call that all transforms share; levelling has a path cost of its own.
 struct Task {
   const char *operation;
   const imImage *input;
@@ -32,33 +34,33 @@ void check(const Task &task) {
   requireBands(task.operation, task.input, 0);
   requireBands(task.operation, task.output, 3);
   requireSameSize(task.operation, task.input, task.output);
-  if (task.maxCost < 0)
-    fatal("%s: %d is no bound for costs\n", task.operation, task.maxCost);
-  for (int i = 0; i < task.seeds->n; ++i)
-    requirePixel(task.operation, task.input, task.seeds->pixel[i]);
+  requireBound(task.operation, task.maxCost);
+  requireRoots(task.operation, task.seeds, task.input);
 }
 
-// Runs the transform of a rule whose cost band has been filled.
-template <class Arcs, class Rule>
-void grow(const Arcs &arcs, Rule rule, int npixels, const ifRoots &seeds) {
-  MarkedEntries entries(npixels);
-  BucketQueue<MarkedEntries::Entry> queue(std::int64_t{rule.maxCost} + 1, npixels);
-  std::fill_n(rule.label, npixels, 0);
-  forEachSeed(seeds.pixel, seeds.n, rule.pred, [&](int i, int p) {
+// Runs a transform whose cost band has been filled.
+template <class Base>
+void grow(Base base, int npixels, const ifRoots &seeds) {
+  Marked<Base> transform(std::move(base), npixels);
+  BucketQueue<CostedEntry> queue(std::int64_t{transform.maxCost} + 1, npixels);
+  std::fill_n(transform.label, npixels, 0);
+  forEachSeed(seeds.pixel, seeds.n, transform.pred, [&](int i, int p) {
     const int cost = seeds.value[i];
-    rule.label[p] = seeds.label[i];
-    rule.cost[p] = cost;
-    queue.append(rule.bucket(cost, p), {p, cost});
+    transform.label[p] = seeds.label[i];
+    transform.cost[p] = cost;
+    queue.append(transform.bucket(cost, p), {p, cost});
   });
-  std::iota(rule.pred, rule.pred + npixels, 0);
-  propagate(arcs, rule, entries, queue);
+  std::iota(transform.pred, transform.pred + npixels, 0);
+  propagate(transform, queue);
 }
 
 template <class Direction, class Arcs>
-void growForest(const Task &task, const Arcs &arcs, const ifRoots *seeds) {
-  const ForestRule<Direction, ifPathCostFn> rule = {task.forest(), task.pathCost};
-  std::fill_n(rule.cost, task.input->npixels, Direction::infinite);
-  grow(arcs, rule, task.input->npixels, *seeds);
+void growForest(const Task &task, Arcs arcs, const ifRoots *seeds) {
+  requireGiven(task.operation, "path cost", task.pathCost);
+  const int npixels = task.input->npixels;
+  std::fill_n(task.forest().cost, npixels, Direction::infinite);
+  grow(ForestTransform<Direction, Arcs>{task.forest(), std::move(arcs), task.pathCost}, npixels,
+       *seeds);
 }
 
 // The seeds where the mask is above 0. A negative value keeps seeds away but lets paths in.
@@ -76,10 +78,10 @@ ifRootsPtr seedsWithin(const imImage *mask, const ifRoots *seeds) {
 }
 
 template <class Arcs>
-void growMasked(const Task &task, Scaled<Arcs> arcs, const imImage *mask) {
+void growMasked(const Task &task, Arcs arcs, const imImage *mask) {
   requireBands(task.operation, mask, 1);
   requireSameSize(task.operation, task.input, mask);
-  growForest<Minimising>(task, Masked<Scaled<Arcs>>{std::move(arcs), mask->band[0]},
+  growForest<Minimising>(task, Masked<Scaled<Arcs>>{{std::move(arcs)}, mask->band[0]},
                          seedsWithin(mask, task.seeds).get());
 }
 
@@ -98,9 +100,9 @@ bool ranPacked(const Task &task, const FunctionArcs &arcs) {
 template <class Direction>
 void nonNormalized(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
   check(task);
-  const FunctionArcs arcs = functionArcs(task.operation, task.input, adjacency, arcWeight);
+  FunctionArcs arcs = functionArcs(task.operation, task.input, adjacency, arcWeight);
   if (!ranPacked<Direction>(task, arcs))
-    growForest<Direction>(task, arcs, task.seeds);
+    growForest<Direction>(task, std::move(arcs), task.seeds);
 }
 
 void withWeightImage(const Task &task, const imImage *weights) {
@@ -147,28 +149,28 @@ void iftMask(const imImage *input, imImage *output, const imImage *mask, imNeigh
              ifArcWeightFn arcWeight, ifPathCostFn pathCost, const ifRoots *seeds) {
   const Task task = {"iftMask", input, output, fixedBuckets - 1, pathCost, seeds};
   check(task);
-  growMasked(task,
-             Scaled<FunctionArcs>{functionArcs(task.operation, task.input, adjacency, arcWeight)},
-             mask);
+  growMasked(task, functionArcs(task.operation, task.input, adjacency, arcWeight), mask);
 }
 
 void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const imImage *weights,
                ifPathCostFn pathCost, const ifRoots *seeds) {
   const Task task = {"iftMaskWF", input, output, fixedBuckets - 1, pathCost, seeds};
   check(task);
-  growMasked(task, Scaled<WeightImageArcs>{weightImageArcs(task.operation, task.input, weights)},
-             mask);
+  growMasked(task, weightImageArcs(task.operation, task.input, weights), mask);
 }
 
 void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
                            imNeighborhoodFn adjacency, const ifRoots *seeds) {
   const char *operation = "iftNonNormalizedLevel";
-  requireBands(operation, input, 0);
+  requireBands(operation, input, 1);
   requireBands(operation, marker, 1);
   requireSameSize(operation, input, marker);
   const Task task = {operation, input, output, marker->maxValue, nullptr, seeds};
   check(task);
+  requireGiven(operation, "adjacency", adjacency);
   std::copy_n(marker->band[0], input->npixels, task.bands()[1]);
-  grow(functionArcs(operation, input, adjacency, ifWatershedMetric), LevelRule{task.forest()},
+  const auto valueOf = [value = input->band[0]](int, int q) { return value[q]; };
+  using Arcs = AdjacencyArcs<decltype(valueOf)>;
+  grow(LevelTransform<Arcs>{task.forest(), {NeighborWalk(input, adjacency), valueOf}},
        input->npixels, *seeds);
 }

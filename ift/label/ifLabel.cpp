@@ -3,7 +3,7 @@
 #include "base/buffer.h"
 #include "base/findRoot.h"
 #include "base/report.h"
-#include "ift/core/detail/reconstruct.h"
+#include "ift/core/detail/rootsTools.h"
 #include "ift/label/detail/announceLabelling.h"
 #include "ift/label/detail/labelIndex.h"
 #include "image/detail/imageTools.h"

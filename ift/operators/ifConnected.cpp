@@ -5,6 +5,7 @@
 #include "base/require.h"
 #include "ift/core/detail/costs.h"
 #include "ift/core/detail/reconstruct.h"
+#include "ift/core/detail/rootsTools.h"
 #include "ift/core/iftForest.h"
 #include "ift/operators/detail/areaLevels.h"
 #include "ift/seeds/ifExtrema.h"

@@ -2,7 +2,7 @@
 
 #include "base/report.h"
 #include "base/require.h"
-#include "ift/core/detail/iftEuclideanLoop.h"
+#include "ift/core/detail/euclideanPropagation.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/label/ifContour.h"

@@ -1,8 +1,12 @@
 #include "ift/operators/iftFuzzy.h"
 
 #include "base/arith.h"
+#include "base/inline.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "ift/core/detail/iftPropagate.h"
+#include "ift/core/ifCost.h"
+#include "ift/operators/detail/fuzzyObjects.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
 #include "image/imIO.h"
@@ -16,8 +20,8 @@ using namespace seedforest::detail;
 
 namespace {
 
-// What links cost an object. It depends on the distance of the average from the mean alone, and
-// from some distance on no more at all: a short table has it.
+// What links cost an object. That depends on one thing, how far the average lies from the mean, and
+// no longer changes beyond some distance: so the costs are in a short table.
 class LinkCost {
 public:
   LinkCost(const imImage *image, int mean, int sigma)
@@ -48,86 +52,94 @@ private:
   Array<int> cost_;
 };
 
-// The links of a pixel that can be of use: a path never gets better as it grows, so those to
-// neighbours that have been reached as well cannot.
-struct Links : WalkedArcs {
-  const LinkCost *linkCost;
-  const int *cost;
+// The transform of one object. A path never gets better as it grows, so neighbours that cost no more
+// than the pixel itself need no offer, and an entry is outdated exactly when its pixel's cost
+// belongs elsewhere: each bucket holds a single cost.
+class ConnectednessTransform {
+public:
+  ConnectednessTransform(const NeighborWalk &neighbors, const LinkCost &linkCost, const int *value,
+                         int *cost)
+      : neighbors_(neighbors), linkCost_(linkCost), value_(value), cost_(cost) {}
 
+  struct Entry {
+    int pixel;
+  };
+  Entry entry(int q, int, int) const { return {q}; }
+  bool isCurrent(Entry entry, int bucket) const { return cost_[entry.pixel] == bucket; }
   template <class Offer>
-  void visit(PlainEntries::Entry entry, Offer offer) const {
-    const int reached = cost[entry.pixel];
-    neighbors->each(entry.pixel, [&](int q, int k) {
-      if (cost[q] > reached)
-        offer(q, k);
+  void offers(Entry entry, Offer offer) const {
+    const int p = entry.pixel;
+    const int settled = cost_[p];
+    neighbors_.each(p, [&, settled](int q, int k) SEEDFOREST_INLINE {
+      if (cost_[q] > settled)
+        offer(q, k, std::max(settled, linkCost_(p, q)));
     });
   }
-  int weight(int p, int q, int) const { return (*linkCost)(p, q); }
-};
-
-struct ConnectednessRule {
-  const int *value;
-  int *cost;
-
-  int costOf(int p) const { return cost[p]; }
-  template <class Arcs>
-  [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
-    arcs.prefetch(cost, p);
-    arcs.prefetch(value, p);
+  bool improves(int cost, int q) const { return cost < cost_[q]; }
+  void conquer(int, int q, int, int cost) { cost_[q] = cost; }
+  int bucket(int cost, int) const { return cost; }
+  SEEDFOREST_INLINE void prefetch(int p) const {
+    neighbors_.prefetch(cost_, p);
+    neighbors_.prefetch(value_, p);
   }
-  void finish(PlainEntries::Entry) {}
-  int extend(int p, int weight) const { return std::max(cost[p], weight); }
-  bool improves(int offered, int q) const { return offered < cost[q]; }
-  void conquer(int, int q, int, int offered) { cost[q] = offered; }
-  int bucket(int offered, int) const { return offered; }
+
+private:
+  const NeighborWalk &neighbors_;
+  const LinkCost &linkCost_;
+  const int *value_;
+  int *cost_;
 };
 
 // Seeds cost 0, so that whatever a link costs, a path costs 0 .. 255.
 constexpr int nPathCosts = 256;
 
-void check(const imImage *image, const imImage *labelOut, const imImage *costOut,
-           const ifRoots *seeds, const int *sigma, int nObjects) {
-  constexpr const char *operation = "iftFuzzy";
+void check(const char *operation, const imImage *image, const imImage *labelOut,
+           const imImage *costOut, imNeighborhoodFn adjacency, const ifRoots *seeds,
+           const int *mean, const int *sigma, int nObjects) {
   requireBands(operation, image, 1);
   requireBands(operation, labelOut, 1);
   requireBands(operation, costOut, 1);
   requireSameSize(operation, image, labelOut);
   requireSameSize(operation, image, costOut);
+  requireGiven(operation, "adjacency", adjacency);
+  requireGiven(operation, "roots record", seeds);
   for (int i = 0; i < seeds->n; ++i)
     if (seeds->label[i] >= 1 && seeds->label[i] <= nObjects)
       requirePixel(operation, image, seeds->pixel[i]);
+  if (nObjects >= 1) {
+    requireGiven(operation, "mean", mean);
+    requireGiven(operation, "sigma", sigma);
+  }
   for (int o = 1; o <= nObjects; ++o)
     if (sigma[o] == 0)
       fatal("%s: sigma of object %d is 0\n", operation, o);
 }
 
-void writeDebugImage(imImage *costs, int object) {
-  costs->maxValue = 0; // the writer finds it
-  imSaveImage(object == 1 ? "tmp1.pgm" : "tmp2.pgm", costs);
-}
+using Queue = BucketQueue<ConnectednessTransform::Entry>;
 
-using Queue = BucketQueue<PlainEntries::Entry>;
-
-// The transform of one object. The queue is empty before and after.
+// The queue is empty before and after.
 void connect(const imImage *image, const NeighborWalk &neighbors, const ifRoots *seeds, int object,
              const LinkCost &linkCost, Queue &queue, imImage *costs) {
   int *cost = costs->band[0];
-  PlainEntries entries;
   std::fill_n(cost, costs->npixels, ifInfiniteCost);
   for (int i = 0; i < seeds->n; ++i)
     if (const int p = seeds->pixel[i]; seeds->label[i] == object && cost[p] != 0) {
       cost[p] = 0;
       queue.append(0, {p});
     }
-  ConnectednessRule rule = {image->band[0], cost};
-  propagate(Links{{&neighbors}, &linkCost, cost}, rule, entries, queue);
+  ConnectednessTransform transform(neighbors, linkCost, image->band[0], cost);
+  propagate(transform, queue);
 }
 
 } // namespace
 
-void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeighborhoodFn adjacency,
-              const ifRoots *seeds, const int *mean, const int *sigma, int nObjects) {
-  check(image, labelOut, costOut, seeds, sigma, nObjects);
+namespace seedforest::detail {
+
+void connectFuzzy(const char *operation, const imImage *image, imImage *labelOut, imImage *costOut,
+                  imNeighborhoodFn adjacency, const ifRoots *seeds, const int *mean,
+                  const int *sigma, int nObjects,
+                  const std::function<void(int object, imImage *costs)> &look) {
+  check(operation, image, labelOut, costOut, adjacency, seeds, mean, sigma, nObjects);
   const NeighborWalk neighbors(image, adjacency);
   const imImagePtr costs = createLike(image, 1, imTypeAscii);
   const int *cost = costs->band[0]; // of one object after the other
@@ -136,8 +148,8 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
   std::fill_n(best, image->npixels, ifInfiniteCost);
   for (int o = 1; o <= nObjects; ++o) {
     connect(image, neighbors, seeds, o, LinkCost(image, mean[o], sigma[o]), queue, costs.get());
-    if (o <= 2)
-      writeDebugImage(costs.get(), o);
+    if (look != nullptr)
+      look(o, costs.get());
     for (int p = 0; p < image->npixels; ++p)
       if (cost[p] < best[p]) {
         best[p] = cost[p];
@@ -146,8 +158,21 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
   }
 }
 
+} // namespace seedforest::detail
+
+void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeighborhoodFn adjacency,
+              const ifRoots *seeds, const int *mean, const int *sigma, int nObjects) {
+  connectFuzzy("iftFuzzy", image, labelOut, costOut, adjacency, seeds, mean, sigma, nObjects,
+               [](int object, imImage *costs) {
+                 costs->maxValue = 0; // the writer finds it
+                 if (object <= 2)
+                   imSaveImage(object == 1 ? "tmp1.pgm" : "tmp2.pgm", costs);
+               });
+}
+
 imImage *ifFuzzyEdgesWeight(const imImage *image, imNeighborhoodFn adjacency, int m, int s) {
   requireBands("ifFuzzyEdgesWeight", image, 1);
+  requireGiven("ifFuzzyEdgesWeight", "adjacency", adjacency);
   if (s == 0)
     fatal("ifFuzzyEdgesWeight: sigma is 0\n");
   const NeighborWalk neighbors(image, adjacency);

@@ -3,11 +3,12 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
+#include "base/require.h"
 #include "graph/detail/disjointSets.h"
 #include "graph/detail/edgeInserter.h"
 #include "graph/detail/graphTools.h"
 #include "graph/unionfind.h"
-#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/forestTransforms.h"
 #include "ift/label/ifLabel.h"
 #include "ift/regions/detail/regionWalks.h"
 #include "image/detail/imageTools.h"
@@ -26,29 +27,19 @@ namespace {
 // A vertex's integers in a spanning tree of regions.
 enum TreeData { treeNumber, treeCost, treePredecessor, treeDataSize };
 
-// What a pixel gains in a spanning tree: an edge, whatever the path so far.
-struct SpanningRule : ForestBands {
-  int extend(int, int weight) const { return weight; }
-  bool improves(int offered, int q) const { return offered < cost[q]; }
-  void conquer(int p, int q, int, int offered) {
-    cost[q] = offered;
-    pred[q] = p;
-  }
-  int bucket(int offered, int) const { return bucketOf<Minimising>(offered); }
-};
-
 template <class Arcs>
-void growPixelTree(const Arcs &arcs, imImage *forest) {
+void growPixelTree(Arcs arcs, imImage *forest) {
   const int npixels = forest->npixels;
   int **bands = forest->band + forest->nbands - 2;
-  SpanningRule rule = {{nullptr, bands[0], bands[1], fixedBuckets - 1}};
-  MarkedEntries entries(npixels);
-  PulledBackQueue<MarkedEntries::Entry> queue(fixedBuckets, npixels);
-  std::fill_n(rule.cost, npixels, ifInfiniteCost);
-  std::iota(rule.pred, rule.pred + npixels, 0);
-  rule.cost[0] = 0;
+  using Base = SpanningTransform<Scaled<Arcs>>;
+  Marked<Base> transform(Base{{nullptr, bands[0], bands[1], fixedBuckets - 1}, {std::move(arcs)}},
+                         npixels);
+  PulledBackQueue<CostedEntry> queue(fixedBuckets, npixels);
+  std::fill_n(transform.cost, npixels, ifInfiniteCost);
+  std::iota(transform.pred, transform.pred + npixels, 0);
+  transform.cost[0] = 0;
   queue.append(0, {0, 0});
-  propagate(arcs, rule, entries, queue);
+  propagate(transform, queue);
 }
 
 void checkForest(const char *operation, const imImage *image, const imImage *forest) {
@@ -63,54 +54,40 @@ struct GraphArcs {
   const ifGraph *graph;
   ifGraphWeightFn weigh;
 
-  template <class Offer>
-  void visit(MarkedEntries::Entry entry, Offer offer) const {
-    forEachEdgeOf(primGraph, graph, entry.pixel,
-                  [&](const ifEdge &edge) { offer(edge.target, 0); });
+  template <class Visit>
+  void each(int u, Visit visit) const {
+    forEachEdgeOf(primGraph, graph, u, [&](const ifEdge &edge) { visit(edge.target, 0); });
   }
   int weight(int u, int v, int) const { return weigh(graph, u, v); }
-  template <class T>
-  void prefetch(const T *, int) const {}
 };
 
-class GraphTreeRule {
-public:
+// The spanning tree of a graph, a graph itself, whose vertices hold what they gain.
+struct GraphTreeTransform {
   static constexpr int nbuckets = 1001;
 
-  explicit GraphTreeRule(ifGraph *tree) : vertices_(tree->vertices) {
-    for (int v = 0; v < tree->nVertices; ++v)
-      set(v, 0, ifInfiniteCost, v);
-  }
+  GraphArcs arcs;
+  ifVertex *vertices; // of the tree
 
   void set(int v, int number, int cost, int predecessor) {
-    int *data = vertices_[v].data;
+    int *data = vertices[v].data;
     data[treeNumber] = number;
     data[treeCost] = cost;
     data[treePredecessor] = predecessor;
   }
 
-  int costOf(int v) const { return vertices_[v].data[treeCost]; }
-  template <class Arcs>
-  void prefetch(const Arcs &, int) const {}
-
   // The edge by which a vertex is taken cannot be there before.
-  void finish(MarkedEntries::Entry entry) {
-    const int v = entry.pixel;
-    const int predecessor = vertices_[v].data[treePredecessor];
+  void settle(int v) {
+    const int predecessor = vertices[v].data[treePredecessor];
     if (predecessor == v)
       return;
-    prependEdge(&vertices_[predecessor], v, costOf(v));
-    prependEdge(&vertices_[v], predecessor, costOf(v));
+    prependEdge(&vertices[predecessor], v, costOf(v));
+    prependEdge(&vertices[v], predecessor, costOf(v));
   }
-  int extend(int, int weight) const { return weight; }
+  int costOf(int v) const { return vertices[v].data[treeCost]; }
+  int extend(int u, int v, int k) const { return arcs.weight(u, v, k); }
   bool improves(int offered, int v) const { return offered < costOf(v); }
-  void conquer(int u, int v, int, int offered) {
-    set(v, vertices_[u].data[treeNumber], offered, u);
-  }
+  void conquer(int u, int v, int, int offered) { set(v, vertices[u].data[treeNumber], offered, u); }
   int bucket(int offered, int) const { return circularBucket(offered, nbuckets); }
-
-private:
-  ifVertex *vertices_;
 };
 
 struct TreeEdge {
@@ -167,26 +144,29 @@ ifGraphPtr makePartGraph(const char *operation, const ifGraph *tree, DisjointSet
 void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight) {
   checkForest("iftPrim", image, forest);
-  growPixelTree(Scaled<FunctionArcs>{functionArcs("iftPrim", image, adjacency, arcWeight)}, forest);
+  growPixelTree(functionArcs("iftPrim", image, adjacency, arcWeight), forest);
 }
 
 void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights) {
   checkForest("iftPrimWF", image, forest);
-  growPixelTree(Scaled<WeightImageArcs>{weightImageArcs("iftPrimWF", image, weights)}, forest);
+  growPixelTree(weightImageArcs("iftPrimWF", image, weights), forest);
 }
 
 ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight) {
   requireData(primGraph, graph, 1);
+  requireGiven(primGraph, "weight", weight);
   ifGraphPtr tree = requireMade(tryMakeAlike(graph, treeDataSize).release());
-  GraphTreeRule rule(tree.get());
-  if (graph->nVertices < 2)
+  const int n = graph->nVertices;
+  Marked<GraphTreeTransform> transform({{graph, weight}, tree->vertices}, n);
+  for (int v = 0; v < n; ++v)
+    transform.set(v, 0, ifInfiniteCost, v);
+  if (n < 2)
     return tree.release();
-  MarkedEntries entries(graph->nVertices);
-  PulledBackQueue<MarkedEntries::Entry> queue(GraphTreeRule::nbuckets, graph->nVertices);
+  PulledBackQueue<CostedEntry> queue(GraphTreeTransform::nbuckets, n);
   const int cost = graph->vertices[1].data[0];
-  rule.set(1, 1, cost, 1);
+  transform.set(1, 1, cost, 1);
   queue.append(0, {1, cost});
-  propagate(GraphArcs{graph, weight}, rule, entries, queue);
+  propagate(transform, queue);
   return tree.release();
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "base/inline.h"
 #include "base/multiversion.h"
 
 #include <algorithm>
@@ -129,8 +130,8 @@ struct Window {
 // The running extrema of half-width h + d from those of half-width h; d is at most 2h + 1. They are
 // needed beyond the image too, as far as wider runs that reach into it will read them.
 template <class Best, class T>
-[[gnu::always_inline]] inline void widen(const T *from, std::ptrdiff_t h, std::ptrdiff_t d,
-                                         std::ptrdiff_t beyond, std::ptrdiff_t ncols, T *to) {
+SEEDFOREST_INLINE inline void widen(const T *from, std::ptrdiff_t h, std::ptrdiff_t d,
+                                    std::ptrdiff_t beyond, std::ptrdiff_t ncols, T *to) {
   const std::ptrdiff_t begin = -roundUp(beyond);
   const std::ptrdiff_t n = roundUp(ncols + beyond - begin);
   T *__restrict at = to + begin;
@@ -148,8 +149,8 @@ template <class Best, class T>
 // The extremum of n rows, and of `to` itself unless it is new. The numbers k are 0 .. n - 1: each
 // count of rows has a loop of its own, with the rows' addresses in registers.
 template <class Best, class T, std::size_t... k>
-[[gnu::always_inline]] inline void joinAll(const T *const *row, std::index_sequence<k...>,
-                                           std::ptrdiff_t n, bool isNew, T *__restrict to) {
+SEEDFOREST_INLINE inline void joinAll(const T *const *row, std::index_sequence<k...>,
+                                      std::ptrdiff_t n, bool isNew, T *__restrict to) {
   const auto loop = [n, to](auto value, auto... from) {
     for (std::ptrdiff_t x = 0; x < n; ++x) {
       T best = value[x];
@@ -165,9 +166,9 @@ template <class Best, class T, std::size_t... k>
 
 // The same for a count of rows that only the run knows: the one of `counts` + 1 that is `rows`.
 template <class Best, class T, std::size_t... counts>
-[[gnu::always_inline]] inline void join(const T *const *row, std::size_t rows,
-                                        std::index_sequence<counts...>, std::ptrdiff_t n,
-                                        bool isNew, T *to) {
+SEEDFOREST_INLINE inline void join(const T *const *row, std::size_t rows,
+                                   std::index_sequence<counts...>, std::ptrdiff_t n, bool isNew,
+                                   T *to) {
   ((rows == counts + 1 ? joinAll<Best>(row, std::make_index_sequence<counts + 1>(), n, isNew, to)
                        : void()),
    ...);
@@ -175,7 +176,7 @@ template <class Best, class T, std::size_t... counts>
 
 // Works rows y0 .. y1 - 1, which are there at level 0, into the rows on their way out.
 template <class Best, class T>
-[[gnu::always_inline]] inline void takeInAs(const Window<T> &window, int y0, int y1) {
+SEEDFOREST_INLINE inline void takeInAs(const Window<T> &window, int y0, int y1) {
   const Disc &disc = window.disc;
   for (int i = 0; i < y1 - y0; ++i)
     for (std::size_t j = 1; j < disc.halfWidth.size(); ++j) {
@@ -247,7 +248,7 @@ private:
 };
 
 template <class T>
-[[gnu::always_inline]] inline bool loadAs(const int *value, int n, int base, T *__restrict row) {
+SEEDFOREST_INLINE inline bool loadAs(const int *value, int n, int base, T *__restrict row) {
   unsigned lost = 0;
   for (int x = 0; x < n; ++x) {
     const unsigned element = static_cast<unsigned>(value[x]) - static_cast<unsigned>(base);
@@ -258,8 +259,8 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline int storeAs(const T *row, int n, int base, int *__restrict value,
-                                          int largest) {
+SEEDFOREST_INLINE inline int storeAs(const T *row, int n, int base, int *__restrict value,
+                                     int largest) {
   for (int x = 0; x < n; ++x) {
     value[x] = row[x] + base;
     largest = Largest::of(largest, value[x]);

@@ -1,18 +1,19 @@
 // Checks of images, and images that an operation cannot go on without.
 #pragma once
 
+#include "base/require.h"
 #include "image/imImage.h"
 
 namespace seedforest::detail {
 
-/// End the process with status 1 after a line that names the operation, unless the image is there
-/// with at least `nbands` bands, the two images have the same size, or p is a pixel of the image.
+/// End with an error that names the operation, unless the image is there with at least `nbands`
+/// bands, the two images have the same size, or p is a pixel of the image.
 void requireBands(const char *operation, const imImage *image, int nbands);
 void requireSameSize(const char *operation, const imImage *a, const imImage *b);
 void requirePixel(const char *operation, const imImage *image, int p);
 
-/// Takes over an image that an operation cannot go on without: ends the process with status 1 where
-/// it could not be made, which has been said.
+/// Takes over an image that an operation cannot go on without: ends with an error where it could not
+/// be made, which has been said.
 imImagePtr requireMade(imImage *image);
 
 /// A new image as by imCreateImage(), in the same way.

@@ -33,7 +33,7 @@ void NeighborWalk::measure() {
   }
 }
 
-OnwardWalk::OnwardWalk(const NeighborWalk &neighbors)
+UnsharedNeighborWalk::UnsharedNeighborWalk(const NeighborWalk &neighbors)
     : neighbors_(neighbors), isSmall_(neighbors.size() <= 64) {
   const int n = neighbors.size();
   const int narrivals = isSmall_ ? n : 0;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/buffer.h"
+#include "base/inline.h"
 #include "image/imImage.h"
 #include "image/imNeighborhood.h"
 
@@ -48,7 +49,7 @@ public:
   /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
   /// that will soon be read.
   template <class T>
-  [[gnu::always_inline]] void prefetch(const T *band, int p) const {
+  SEEDFOREST_INLINE void prefetch(const T *band, int p) const {
     prefetchAt(band + p);
     prefetchAt(band + (p >= ncols_ ? p - ncols_ : p));
     prefetchAt(band + (p < lastRow_ ? p + ncols_ : p));
@@ -100,17 +101,17 @@ private:
   Array<int> offset_;
 };
 
-/// The neighbours of a pixel that are news: those that its predecessor on a path does not have
-/// itself. Where a longer path is never better, the others have had an offer as good already, and
-/// with the 8-adjacency three or five of eight are left.
-class OnwardWalk {
+/// The neighbours of a pixel that its predecessor on a path does not share. Where a longer path is
+/// never better, the shared ones have had an offer as good already, and with the 8-adjacency three
+/// or five of eight are left.
+class UnsharedNeighborWalk {
 public:
-  explicit OnwardWalk(const NeighborWalk &neighbors);
+  explicit UnsharedNeighborWalk(const NeighborWalk &neighbors);
 
   static constexpr int start = -1;
 
   /// Calls visit(q, k) for the neighbours q of p, by displacement k, that its predecessor does not
-  /// have, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
+  /// share, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
   template <class Visit>
   void each(int p, int arrival, Visit visit) const {
     const int i = isSmall_ ? arrival + 1 : 0;

@@ -1,15 +1,13 @@
-// The image reader, on bytes in memory.
+// The image reader, on text from anywhere.
 #pragma once
 
+#include "base/scan.h"
 #include "image/imImage.h"
-
-#include <string>
-#include <string_view>
 
 namespace seedforest::detail {
 
-/// The image in a file's bytes, or none with the line to print in `error` (empty where
-/// imCreateImage has printed one). `path` only names the file in that line.
-imImagePtr parseImage(std::string_view bytes, const char *path, std::string &error);
+/// The image that a file's bytes hold, with the errors of imReadImage(), which reads no further than
+/// to its last pixel. `path` only names the file in them.
+imImagePtr parseImage(Text &text, const char *path);
 
 } // namespace seedforest::detail

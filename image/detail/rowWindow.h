@@ -5,6 +5,7 @@
 // alike then, and the inner columns make a loop that compilers turn into vector code.
 #pragma once
 
+#include "base/inline.h"
 #include "image/imImage.h"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ struct RowWindow {
 /// Calls look(left, x, right) for each column and the columns beside it. Inlined by force, into
 /// functions that are compiled for several machines too.
 template <class Look>
-[[gnu::always_inline]] inline void forEachColumn(int ncols, Look look) {
+SEEDFOREST_INLINE inline void forEachColumn(int ncols, Look look) {
   const int last = ncols - 1;
   look(0, 0, std::min(1, last));
   for (int x = 1; x < last; ++x)

@@ -111,6 +111,34 @@ TEST(Tool, Runs) {
   }
 }
 
+// Runs that end while they write, by a signal or by an error, leave what was there before.
+TEST(Tool, EndsInTheMiddleOfAFile) {
+  std::string pixels = "P2 100 100 9\n";
+  for (int i = 0; i < 10000; ++i)
+    pixels += "1 ";
+  for (const char *limit : {"ulimit -f 1;", "ulimit -f 1; trap '' XFSZ;"})
+    for (const char *out : {"old", "link", "new"}) {
+      const TemporaryFolder folder;
+      folder.write("in.pgm", pixels);
+      folder.write("old", "precious");
+      std::filesystem::create_symlink("old", folder.path("link"));
+      const std::vector<std::string> before = folder.names();
+      const ToolRun run = runTool(folder, std::string("in.pgm ") + out + " labels", limit);
+      EXPECT_NE(run.status, 0);
+      EXPECT_EQ(contentsOf(folder.path("old")), "precious");
+      std::vector<std::string> after = folder.names();
+      std::erase_if(after, [](const std::string &name) { return name.starts_with("tool."); });
+      EXPECT_EQ(after, before) << limit << out;
+    }
+}
+
+TEST(Tool, WritesToItsStandardOutput) {
+  const TemporaryFolder folder;
+  folder.write("in.pgm", sample);
+  EXPECT_EQ(runTool(folder, "in.pgm /dev/stdout labels").out,
+            wasRead + sampleLabels + savedRoots(4));
+}
+
 // Small pictures whose roots a person can find by eye. Each run prints its lines and leaves its
 // roots.
 TEST(Tool, RunsOnPictures) {

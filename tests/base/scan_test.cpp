@@ -2,7 +2,10 @@
 
 #include "support.h"
 
+#include <algorithm>
+
 using namespace seedforest::detail;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -38,8 +41,8 @@ TEST(Scan, OneInteger) {
   }
 }
 
-// Whatever way the bulk scanner takes, it must read what scanning one by one reads, and stop where
-// that stops, without touching the values behind.
+// Whatever way the bulk scanner takes, and in whatever pieces the text comes, it must read what
+// scanning one by one reads, and stop where that stops, without touching the values behind.
 TEST(Scan, ManyEqualOneByOne) {
   std::mt19937 random(1);
   const char *separators[] = {" ", "  ", "\n", "\t ", "     ", "\r\n"};
@@ -58,7 +61,7 @@ TEST(Scan, ManyEqualOneByOne) {
         bytes += static_cast<char>('0' + below(10));
     }
     Text one{std::string_view(bytes)};
-    Text many = one;
+    Text many{std::string_view(bytes)};
     const std::size_t count = 50;
     std::vector<int> expected(count, -77), values(count, -77);
     std::size_t n = 0;
@@ -67,13 +70,26 @@ TEST(Scan, ManyEqualOneByOne) {
     EXPECT_EQ(scanInts(many, values.data(), count), n) << bytes;
     EXPECT_EQ(values, expected) << bytes;
     EXPECT_EQ(many.at, one.at) << bytes;
+    for (const std::size_t size : {1, 7, 80, 200}) {
+      Pieces pieces(bytes, size);
+      std::fill(values.begin(), values.end(), -77);
+      EXPECT_EQ(scanInts(pieces, values.data(), count), n) << bytes;
+      EXPECT_EQ(values, expected) << bytes;
+      EXPECT_EQ(takeBytes(pieces, bytes.size()).view(), std::string_view(one.at, one.end - one.at));
+    }
   }
 }
 
-TEST(Scan, Words) {
-  Text text{std::string_view(" \nP5\tnext")};
-  for (const char *word : {"P5", "next", ""})
-    EXPECT_EQ(scanWord(text), word);
+TEST(Scan, WordsAndLines) {
+  Pieces text(" \nP5\tnext\nline z\0ero"sv, 3);
+  EXPECT_EQ(scanWord(text), "P5");
+  EXPECT_EQ(scanWord(text), "next");
+  ++text.at;
+  skipLine(text);
+  EXPECT_FALSE(text.hasMore());
+  EXPECT_EQ(scanWord(text), "");
+  Text nul(" z\0ero"sv);
+  EXPECT_EQ(scanWord(nul), "z\0"sv);
 }
 
 } // namespace

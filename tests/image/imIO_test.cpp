@@ -1,5 +1,6 @@
 #include "image/imIO.h"
 
+#include "base/error.h"
 #include "image/detail/parseImage.h"
 #include "support.h"
 
@@ -9,11 +10,22 @@ using namespace std::string_literals;
 
 namespace {
 
+using seedforest::detail::parseImage;
+
 imImagePtr parse(std::string_view bytes) {
-  std::string error;
-  imImagePtr image = seedforest::detail::parseImage(bytes, "file", error);
-  EXPECT_NE(image, nullptr) << error;
-  return image;
+  seedforest::detail::Text text(bytes);
+  return parseImage(text, "file");
+}
+
+// The line of the error that reading the text ends in, without a newline.
+std::string errorOf(seedforest::detail::Text &&text) {
+  const seedforest::ThrowingErrors throwing;
+  try {
+    parseImage(text, "file");
+  } catch (const seedforest::FileError &error) {
+    return error.what();
+  }
+  return "none";
 }
 
 TEST(ReadImage, Ascii) {
@@ -21,9 +33,11 @@ TEST(ReadImage, Ascii) {
   EXPECT_EQ(image->type, imTypeAscii);
   EXPECT_EQ(image->maxValue, 5); // as declared, whatever the pixels hold
   EXPECT_EQ(bandOf(image), (Matrix{{1, -2, 300}, {maxInt, 7, 8}}));
-  // 0 from the first place without a number
-  for (const char *samples : {"4 5", "4 5 # 6 7", "4 5 x6", "4 5 - 6", "4 5."})
+  // 0 from the first place without a number; a lone sign costs one pixel
+  for (const char *samples : {"4 5", "4 5 # 6 7", "4 5 x6", "4 5 -x6", "4 5 - +", "4 5."})
     EXPECT_EQ(bandOf(parse("P2 4 1 9 "s + samples)), (Matrix{{4, 5, 0, 0}})) << samples;
+  for (const char *samples : {"4 - -7", "4 --7", "4+\n-7 - 8", "4 - -7 +"})
+    EXPECT_EQ(bandOf(parse("P2 4 1 9 "s + samples)), (Matrix{{4, 0, -7, 0}})) << samples;
 }
 
 TEST(ReadImage, Binary) {
@@ -68,11 +82,32 @@ TEST(ReadImage, FaultyFiles) {
       {"P6 2 1 255\nabcde", "error reading file file; expecting 6 pixels, read 5\n"},
   };
   for (const auto &c : cases) {
-    std::string error;
-    EXPECT_EQ(seedforest::detail::parseImage(c.bytes, "file", error), nullptr) << c.bytes;
+    const std::string error = errorOf(seedforest::detail::Text(c.bytes)) + "\n";
     EXPECT_EQ(error.substr(0, c.error.size()), c.error);
-    EXPECT_EQ(error.back(), '\n');
+    EXPECT_EQ(errorOf(Pieces(c.bytes, 2)) + "\n", error);
   }
+}
+
+// In whatever pieces a file comes, it is read no further than to its last pixel, or to what ends
+// its numbers.
+TEST(ReadImage, NoFurtherThanNeeded) {
+  for (const std::string bytes :
+       {"P2 # a comment\n3 1 9\n1 2 33\n", "P2\n#a\n3 1 9 - x", "P5 3 1 9\nabc", "P6 1 1 9\nabc"})
+    for (std::size_t size = 1; size <= bytes.size(); ++size) {
+      const std::string more = bytes + std::string(99, '7');
+      Pieces pieces(more, size);
+      EXPECT_EQ(bandOf(parseImage(pieces, "file")), bandOf(parse(bytes))) << bytes;
+      EXPECT_LT(pieces.asked(), bytes.size() + size) << bytes;
+    }
+}
+
+TEST(ReadImage, AnErrorIsNotTheEnd) {
+  const std::string few = "error reading file file; expecting 3 pixels, read 2";
+  for (const std::string bytes :
+       {"P", "P5 1", "P2 1 1 9 ", "P2 2 1 9 1 ", "P5 3 1 9 ab", "P6 1 1 9 ab"})
+    EXPECT_EQ(errorOf(Pieces(bytes, 3, true)),
+              bytes.back() == 'b' ? few : "imReadImage: error reading file")
+        << bytes;
 }
 
 TEST(ReadImage, FatalErrorsEndTheProcess) {

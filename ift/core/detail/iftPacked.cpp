@@ -1,8 +1,9 @@
 #include "ift/core/detail/iftPacked.h"
 
 #include "base/arith.h"
+#include "base/inline.h"
 #include "ift/core/detail/iftPropagate.h"
-#include "image/detail/neighborWalk.h"
+#include "ift/core/ifCost.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -32,56 +33,67 @@ struct Packing {
   static int cost(Word word) { return static_cast<int>(word >> costShift); }
 };
 
+// Paths never get better as they grow, and each bucket holds a single cost. So a settled pixel
+// cannot be improved, neighbours that the predecessor shares need no offer, and an entry is
+// outdated exactly when its pixel's cost belongs elsewhere.
 template <class Word, bool local>
-struct PackedRule {
-  using Bits = Packing<Word>;
-  Word *words;
-  int *label;
-  const NeighborWalk *neighbors;
+class PackedTransform {
+public:
+  PackedTransform(Word *words, int *label, const NeighborWalk &neighbors)
+      : words_(words), label_(label), neighbors_(neighbors), onward_(neighbors) {}
 
-  template <class Arcs>
-  [[gnu::always_inline]] void prefetch(const Arcs &arcs, int p) const {
-    arcs.prefetch(words, p);
-    arcs.prefetch(label, p);
+  struct Entry {
+    int pixel;
+  };
+  Entry entry(int q, int, int) const { return {q}; }
+  bool isCurrent(Entry entry, int bucket) const { return costOf(entry.pixel) == bucket; }
+
+  // The path to p is final, and so is its predecessor's label.
+  void settle(Entry entry) {
+    const int p = entry.pixel;
+    if (const int k = Bits::arc(words_[p]); k != Bits::noArc)
+      label_[p] = label_[p - neighbors_.offset(k)];
   }
-  int costOf(int p) const { return Bits::cost(words[p]); }
-  int extend(int p, int weight) const {
-    const int cost = costOf(p);
+
+  template <class Offer>
+  void offers(Entry entry, Offer offer) const {
+    const int cost = costOf(entry.pixel);
+    const int k = Bits::arc(words_[entry.pixel]);
+    onward_.each(entry.pixel, k == Bits::noArc ? UnsharedNeighborWalk::start : k,
+                 [&](int q, int arc)
+                     SEEDFOREST_INLINE { offer(q, arc, extend(cost, Bits::value(words_[q]))); });
+  }
+  bool improves(int cost, int q) const { return cost < costOf(q); }
+  void conquer(int, int q, int k, int cost) {
+    words_[q] = Bits::pack(Bits::value(words_[q]), k, cost);
+  }
+  int bucket(int cost, int) const { return cost; }
+  SEEDFOREST_INLINE void prefetch(int p) const {
+    neighbors_.prefetch(words_, p);
+    neighbors_.prefetch(label_, p);
+  }
+
+private:
+  using Bits = Packing<Word>;
+
+  int costOf(int p) const { return Bits::cost(words_[p]); }
+  static int extend(int cost, int weight) {
     if constexpr (local)
       return cost < weight ? Bits::infinite : cost;
     else
       return std::max(cost, weight);
   }
-  bool improves(int cost, int q) const { return cost < costOf(q); }
-  void conquer(int, int q, int k, int cost) {
-    words[q] = Bits::pack(Bits::value(words[q]), k, cost);
-  }
-  int bucket(int cost, int) const { return cost; }
 
-  // The path to p is final, and so is its predecessor's label.
-  void finish(PlainEntries::Entry entry) {
-    const int p = entry.pixel;
-    if (const int k = Bits::arc(words[p]); k != Bits::noArc)
-      label[p] = label[p - neighbors->offset(k)];
-  }
-};
-
-template <class Word>
-struct PackedArcs : WalkedArcs {
-  const Word *words;
-  OnwardWalk onward = OnwardWalk(*neighbors);
-
-  template <class Entry, class Offer>
-  void visit(const Entry &entry, Offer offer) const {
-    const int k = Packing<Word>::arc(words[entry.pixel]);
-    onward.each(entry.pixel, k == Packing<Word>::noArc ? OnwardWalk::start : k, offer);
-  }
-  int weight(int, int q, int) const { return Packing<Word>::value(words[q]); }
+  Word *words_;
+  int *label_;
+  const NeighborWalk &neighbors_;
+  UnsharedNeighborWalk onward_;
 };
 
 template <class Word, bool local>
 void run(const PackedProblem &problem, Word *words) {
   using Bits = Packing<Word>;
+  using Transform = PackedTransform<Word, local>;
   const int npixels = problem.input->npixels;
   const NeighborWalk &neighbors = problem.neighbors;
   // Keys and costs are each other's mirror image, or the same.
@@ -91,9 +103,7 @@ void run(const PackedProblem &problem, Word *words) {
     words[p] = Bits::pack(mirror(value[p]), Bits::noArc, Bits::infinite);
   std::fill_n(problem.label, npixels, 0);
 
-  PackedRule<Word, local> rule = {words, problem.label, &neighbors};
-  PlainEntries entries;
-  BucketQueue<PlainEntries::Entry> queue(std::int64_t{problem.maxCost} + 1, npixels);
+  BucketQueue<typename Transform::Entry> queue(std::int64_t{problem.maxCost} + 1, npixels);
   const ifRoots &seeds = *problem.seeds;
   forEachSeed(seeds.pixel, seeds.n, problem.pred, [&](int i, int p) {
     const int cost = mirror(seeds.value[i]);
@@ -101,7 +111,8 @@ void run(const PackedProblem &problem, Word *words) {
     problem.label[p] = seeds.label[i];
     queue.append(cost, {p});
   });
-  propagate(PackedArcs<Word>{{&neighbors}, words}, rule, entries, queue);
+  Transform transform(words, problem.label, neighbors);
+  propagate(transform, queue);
 
   const int unreached = problem.maximise ? ifInfiniteCostInverted : ifInfiniteCost;
   for (int p = 0; p < npixels; ++p) {
@@ -132,6 +143,7 @@ bool runPacked(const PackedProblem &problem) {
       !allWithin(input->band[0], input->npixels, 0, problem.maxCost) ||
       !allWithin(seeds->value, seeds->n, 0, problem.maxCost))
     return false;
+  ++packedRuns;
   if (problem.maxCost <= static_cast<int>(Narrow::valueMask)) {
     // In place: a word is as large as the cost that it ends as.
     run(problem, reinterpret_cast<std::uint32_t *>(problem.cost));

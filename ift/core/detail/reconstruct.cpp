@@ -1,7 +1,6 @@
 #include "ift/core/detail/reconstruct.h"
 
 #include "base/report.h"
-#include "base/require.h"
 #include "ift/core/iftForest.h"
 #include "image/detail/imageTools.h"
 #include "image/imNeighborhood.h"
@@ -26,12 +25,6 @@ int requireBound(const char *operation, int bound) {
   if (bound < 0)
     fatal("%s: %d is no bound for costs\n", operation, bound);
   return bound;
-}
-
-void requireRoots(const char *operation, const ifRoots *roots, const imImage *image) {
-  requireGiven(operation, "roots record", roots);
-  for (int i = 0; i < roots->n; ++i)
-    requirePixel(operation, image, roots->pixel[i]);
 }
 
 } // namespace seedforest::detail

@@ -14,9 +14,7 @@ namespace seedforest::detail {
 imImagePtr reconstruct(const Direction &direction, const imImage *f, int bound,
                        const ifRoots *roots, bool isLocal = false);
 
-/// End with an error that names the operation, unless the bound, which is given back, is at least 0;
-/// or unless the roots are there and all are pixels of the image.
+/// Gives the bound back; ends with an error that names the operation unless it is at least 0.
 int requireBound(const char *operation, int bound);
-void requireRoots(const char *operation, const ifRoots *roots, const imImage *image);
 
 } // namespace seedforest::detail

@@ -1,7 +1,8 @@
 #include "ift/operators/detail/areaLevels.h"
 
 #include "base/arith.h"
-#include "ift/core/detail/iftRules.h"
+#include "base/findRoot.h"
+#include "ift/core/detail/forestTransforms.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
@@ -12,7 +13,6 @@
 #include <cstdint>
 #include <numeric>
 #include <utility>
-#include <vector>
 
 namespace seedforest::detail {
 
@@ -22,7 +22,7 @@ namespace {
 // of equal digits keep their order.
 void sortByDigit(const int *value, const int *from, int *to, int n, int shift, int bits) {
   const int mask = (1 << bits) - 1;
-  std::vector<int> place(std::size_t{1} << bits);
+  Vector<int> place(std::size_t{1} << bits);
   for (int p = 0; p < n; ++p)
     ++place[value[p] >> shift & mask];
   int before = 0;
@@ -52,7 +52,8 @@ Array<int> sortByFallingValue(const imImage *image) {
 // Components that grow pixel by pixel until they have a certain area, when they are complete. What
 // touches a complete one is complete at once, and has no need of a number; other pixels have the
 // number of the component that they were added to. Components that met are linked to one of them,
-// which leads them. They are far fewer than pixels, so that what is followed in no order is small.
+// which leads them. They are far fewer than pixels, so that the randomly accessed tables stay in
+// cache.
 class GrowingComponents {
 public:
   GrowingComponents(const imImage *image, int area)
@@ -128,15 +129,10 @@ private:
   static constexpr int complete = minInt;
 
   int find(int number) {
-    for (;;) {
-      const int up = link_[number];
-      if (up < 0)
-        return number;
-      const int next = link_[up];
-      if (next < 0)
-        return up;
-      number = link_[number] = next;
-    }
+    int *link = link_.get();
+    return findRoot(
+        number, [link](int i) { return link[i] < 0 ? i : link[i]; },
+        [link](int i, int leader) { link[i] = leader; });
   }
 
   NeighborWalk neighbors_;
@@ -184,90 +180,80 @@ void findByComponents(const imImage *image, const ifRoots *maxima, int count, in
   });
 }
 
-// What waits in a flood's queue: as in MarkedEntries, but marks are labels, which need no clearing
-// between floods.
-struct FloodEntries {
-  using Entry = MarkedEntries::Entry;
-  int label = 0;
-  Array<int> takenBy; // the label of the flood that took each pixel last
+// One flood after the other; what they have reached and settled is marked with their labels, which
+// need no clearing in between. A flood that has its area offers nothing any more.
+class FloodTransform {
+public:
+  FloodTransform(const imImage *image, int maxCost, int area)
+      : neighbors_(image, imNeighborhood8), value_(image->band[0]), maxCost_(maxCost), area_(area),
+        cost_(makeArray<int>(static_cast<std::size_t>(image->npixels))),
+        reachedBy_(makeZeroedArray<int>(static_cast<std::size_t>(image->npixels))),
+        settledBy_(makeZeroedArray<int>(static_cast<std::size_t>(image->npixels))) {}
 
-  template <class Arcs>
-  void prefetch(const Arcs &, int) const {}
-  template <class Rule>
-  Entry make(const Rule &, int q, int, int cost) const {
-    return {q, cost};
+  /// Begins the flood of a label at pixel p.
+  void start(int label, int p, BucketQueue<CostedEntry> &queue) {
+    label_ = label;
+    taken_ = 0;
+    conquer(p, p, 0, value_[p]);
+    queue.append(bucket(cost_[p], p), entry(p, 0, cost_[p]));
   }
-  bool isDone(int q) const { return takenBy[q] == label; }
-  void finish(Entry entry) { takenBy[entry.pixel] = label; }
-  template <class Rule>
-  bool isValid(const Rule &rule, Entry entry, int) const {
-    return !isDone(entry.pixel) && rule.costOf(entry.pixel) == entry.cost;
+
+  /// The lowest value on the way to the pixel settled last.
+  AreaLevel level() const { return {level_, taken_ == area_}; }
+
+  using Entry = CostedEntry;
+  Entry entry(int q, int, int cost) const { return {q, cost}; }
+  bool isCurrent(Entry entry, int) const {
+    return settledBy_[entry.pixel] != label_ && cost_[entry.pixel] == entry.cost;
   }
-};
-
-// The rule of a flood, and its arcs, of which there are none any more when it has its area. A pixel
-// that an earlier flood reached counts as unreached.
-struct FloodRule {
-  NeighborWalk neighbors;
-  const int *value;
-  int maxCost;
-  int area;
-  Array<int> cost;
-  Array<int> reachedBy; // the label of the flood that reached each pixel last
-  int label = 0;
-  int taken = 0;
-  int level = 0;
-  bool isTaking = false;
-
-  template <class Offer>
-  void visit(FloodEntries::Entry entry, Offer offer) const {
-    if (isTaking)
-      neighbors.each(entry.pixel, offer);
-  }
-  int weight(int, int q, int) const { return value[q]; }
-
-  int costOf(int p) const { return cost[p]; }
-  template <class Arcs>
-  void prefetch(const Arcs &, int) const {}
-  void finish(FloodEntries::Entry entry) {
-    isTaking = taken < area;
-    if (!isTaking)
+  void settle(Entry entry) {
+    settledBy_[entry.pixel] = label_;
+    isTaking_ = taken_ < area_;
+    if (!isTaking_)
       return;
-    ++taken;
-    level = entry.cost;
+    ++taken_;
+    level_ = entry.cost;
   }
-  int extend(int p, int weight) const { return std::min(cost[p], weight); }
-  bool improves(int offered, int q) const {
-    return offered > (reachedBy[q] == label ? cost[q] : ifInfiniteCostInverted);
+  template <class Offer>
+  void offers(Entry entry, Offer offer) const {
+    if (!isTaking_)
+      return;
+    neighbors_.each(entry.pixel, [&](int q, int k) {
+      if (settledBy_[q] != label_)
+        offer(q, k, std::min(entry.cost, value_[q]));
+    });
   }
-  void conquer(int, int q, int, int offered) {
-    cost[q] = offered;
-    reachedBy[q] = label;
+  bool improves(int cost, int q) const {
+    return cost > (reachedBy_[q] == label_ ? cost_[q] : Maximising::infinite);
   }
-  int bucket(int offered, int) const {
-    return circularBucket(Maximising::key(offered, maxCost), std::int64_t{maxCost} + 1);
+  void conquer(int, int q, int, int cost) {
+    cost_[q] = cost;
+    reachedBy_[q] = label_;
   }
+  int bucket(int cost, int) const { return bucketOf<Maximising>(cost, maxCost_); }
+
+private:
+  NeighborWalk neighbors_;
+  const int *value_;
+  int maxCost_;
+  int area_;
+  Array<int> cost_;
+  Array<int> reachedBy_; // the label of the flood that reached each pixel last
+  Array<int> settledBy_;
+  int label_ = 0;
+  int taken_ = 0;
+  int level_ = 0;
+  bool isTaking_ = false;
 };
 
-// The flood of one maximum after the other, on the loop of the transforms.
 void findByFloods(const imImage *image, const ifRoots *maxima, int count, int maxCost, int area,
                   AreaLevel *levels) {
-  const auto n = static_cast<std::size_t>(image->npixels);
-  FloodRule rule = {NeighborWalk(image, imNeighborhood8),
-                    image->band[0],
-                    maxCost,
-                    area,
-                    makeArray<int>(n),
-                    makeZeroedArray<int>(n)};
-  FloodEntries entries = {0, makeZeroedArray<int>(n)};
-  BucketQueue<FloodEntries::Entry> queue(std::int64_t{maxCost} + 1, image->npixels);
+  FloodTransform transform(image, maxCost, area);
+  BucketQueue<CostedEntry> queue(std::int64_t{maxCost} + 1, image->npixels);
   forEachMaximum(maxima, count, [&](int label, int p) {
-    entries.label = rule.label = label;
-    rule.taken = 0;
-    rule.conquer(p, p, 0, image->band[0][p]);
-    queue.append(rule.bucket(rule.cost[p], p), entries.make(rule, p, 0, rule.cost[p]));
-    propagate(rule, rule, entries, queue);
-    levels[label] = {rule.level, rule.taken == area};
+    transform.start(label, p, queue);
+    propagate(transform, queue);
+    levels[label] = transform.level();
   });
 }
 

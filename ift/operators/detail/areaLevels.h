@@ -1,9 +1,9 @@
 // To which level an area opening lowers each regional maximum. Internal; the operations are in
 // ifConnected.h.
 //
-// The level of a maximum is found by a flood that starts at the first of its pixels and takes, of
-// what its front has reached, always a pixel to which the lowest value on the way is highest. The
-// flood stops at `area` pixels; that lowest value, for the last of them, is the level. So it is the
+// The level of a maximum is found by a flood that starts at the first of its pixels and always takes
+// the front pixel whose path has the highest minimum. It stops at `area` pixels; the minimum of the
+// path to the last of them is the level. So it is the
 // highest threshold at which the maximum's component has `area` pixels or, in a smaller image, the
 // lowest value of all.
 //

@@ -1,5 +1,6 @@
 #include "ift/core/ifRoots.h"
 
+#include "base/error.h"
 #include "ift/core/detail/rootsTools.h"
 #include "support.h"
 
@@ -33,6 +34,16 @@ TEST(Roots, FileRoundTrip) {
   EXPECT_EQ(contentsOf(path), "2\n0 0 1\n0 1 2\n");
 }
 
+TEST(Roots, TellsAScopeWhatItReads) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("roots", "2 1 1 4  2 0 5");
+  std::string told;
+  const seedforest::ThrowingErrors throwing(
+      [&told](seedforest::Notice, std::string_view text) { told += text; });
+  EXPECT_EQ(printedBy([&] { ifRootsPtr(ifReadRoots(path.c_str(), image.get())); }), "");
+  EXPECT_EQ(told, "read: 6 4\nread: 2 5\n");
+}
+
 TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
   const TemporaryFolder folder;
   const std::string path = folder.path("roots");
@@ -63,7 +74,10 @@ TEST(Roots, WhatCannotBeDoneEndsWithALine) {
   const ifRootsPtr roots = makeRoots({});
   EXPECT_FATAL(ifSaveRoots("no/folder", image.get(), roots.get()),
                "^Could not open file no/folder for writing\n$");
-  EXPECT_FATAL(ifSaveRoots("/dev/full", image.get(), roots.get()), "/dev/full");
+  EXPECT_FATAL(ifSaveRoots("/dev/full", image.get(), roots.get()), "^ifSaveRoots: .*/dev/full");
+  const ifRoots2 wider = {};
+  EXPECT_FATAL(ifSaveRoots2("/dev/full", image.get(), &wider), "^ifSaveRoots2: .*/dev/full");
+  EXPECT_FATAL(ifReadRoots("/proc/self/mem", image.get()), "^ifReadRoots: .*/proc/self/mem");
   EXPECT_FATAL(ifReadRoots("no/folder", image.get()),
                "^Could not open file no/folder for reading\n$");
   EXPECT_FATAL(seedforest::detail::createRoots(-1), "ifAllocateRoots");

@@ -1,6 +1,6 @@
 #include "ift/core/iftEuclidean.h"
 
-#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/forestTransforms.h"
 #include "image/detail/neighborWalk.h"
 #include "reference/literalTransform.h"
 #include "support.h"
@@ -54,26 +54,29 @@ TEST(Euclidean, LongWays) {
   EXPECT_EQ(bandOf(distances(2, 1, {{0, 1, 0}}, leaps), 2), (Matrix{{0, ifInfiniteCost}}));
 }
 
-// The rule with its offsets in arrays of their own.
-struct LiteralRule : ForestBands {
-  const NeighborWalk *neighbors;
+// With the offsets in arrays of their own.
+struct LiteralEuclidean : ForestBands {
+  struct Arcs {
+    NeighborWalk neighbors;
+    template <class Visit>
+    void each(int p, Visit visit) const {
+      neighbors.each(p, visit);
+    }
+  } arcs;
   std::vector<int> x, y;
 
-  int extend(int p, int k) const {
-    const int nx = x[p] + std::abs(neighbors->dx(k));
-    const int ny = y[p] + std::abs(neighbors->dy(k));
+  int extend(int p, int, int k) const {
+    const int nx = x[p] + std::abs(arcs.neighbors.dx(k));
+    const int ny = y[p] + std::abs(arcs.neighbors.dy(k));
     return nx * nx + ny * ny;
   }
   bool improves(int offered, int q) const { return offered < cost[q]; }
   void conquer(int p, int q, int k, int offered) {
     ForestBands::conquer(p, q, k, offered);
-    x[q] = x[p] + std::abs(neighbors->dx(k));
-    y[q] = y[p] + std::abs(neighbors->dy(k));
+    x[q] = x[p] + std::abs(arcs.neighbors.dx(k));
+    y[q] = y[p] + std::abs(arcs.neighbors.dy(k));
   }
-  int bucket(int offered, int) const { return bucketOf<Minimising>(offered); }
-};
-struct LiteralArcs : NeighborArcs {
-  int weight(int, int, int k) const { return k; }
+  int bucket(int offered, int) const { return bucketOf<Minimising>(offered, maxCost); }
 };
 
 int knight(int **list) {
@@ -100,14 +103,15 @@ TEST(Euclidean, EqualsTheLiteralLoop) {
     const imImagePtr fast = distances(ncols, nrows, roots, adjacency);
 
     const imImagePtr literal = blankLike(fast, 4);
-    const LiteralArcs arcs = {{NeighborWalk(literal.get(), adjacency)}};
     int **band = literal->band + 1;
     const int maxCost = 2 * (ncols + nrows) + 1;
     std::fill_n(band[1], npixels, ifInfiniteCost);
     const std::vector<int> zeros(npixels, 0);
-    literalTransform(
-        arcs, LiteralRule{{band[0], band[1], band[2], maxCost}, &arcs.neighbors, zeros, zeros},
-        maxCost + 1, npixels, *makeRoots(roots));
+    literalTransform(LiteralEuclidean{{band[0], band[1], band[2], maxCost},
+                                      {NeighborWalk(literal.get(), adjacency)},
+                                      zeros,
+                                      zeros},
+                     maxCost + 1, npixels, *makeRoots(roots));
     for (int b = 1; b < 4; ++b)
       ASSERT_EQ(bandOf(fast, b), bandOf(literal, b)) << "round " << round;
   }

@@ -1,6 +1,6 @@
 #include "ift/core/iftForest.h"
 
-#include "ift/core/detail/iftRules.h"
+#include "ift/core/detail/forestTransforms.h"
 #include "ift/core/ifWeightImage.h"
 #include "image/detail/neighborWalk.h"
 #include "reference/literalTransform.h"
@@ -163,15 +163,14 @@ constexpr ifPathCostFn pathCosts[] = {ifPathCostMax, ifPathCostMin, ifPathCostSu
                                       ifPathCostMaxLocal, ifPathCostMinLocal};
 
 // Compares a forest with that of the literal loop, whose costs start as `start`.
-template <class Arcs, class Rule>
-void expectLiteral(const imImagePtr &forest, const Arcs &arcs, Rule rule, const int *start,
-                   const ifRoots &seeds) {
+template <class Base>
+void expectLiteral(const imImagePtr &forest, Base base, const int *start, const ifRoots &seeds) {
   const imImagePtr literal = blankLike(forest, 3, imTypeWork);
   int **band = literal->band;
-  const int maxCost = rule.maxCost;
-  static_cast<ForestBands &>(rule) = {band[0], band[1], band[2], maxCost};
+  const int maxCost = base.maxCost;
+  static_cast<ForestBands &>(base) = {band[0], band[1], band[2], maxCost};
   std::copy_n(start, literal->npixels, band[1]);
-  literalTransform(arcs, rule, maxCost + 1, literal->npixels, seeds);
+  literalTransform(std::move(base), maxCost + 1, literal->npixels, seeds);
   for (int b = 0; b < 3; ++b)
     ASSERT_EQ(bandOf(forest, b), bandOf(literal, b)) << "band " << b;
 }
@@ -197,35 +196,34 @@ TEST(Forest, EveryTransformEqualsTheLiteralLoop) {
 
     const auto weigh = [=](int p, int q) { return weight(image, p, q); };
     using Arcs = AdjacencyArcs<decltype(weigh)>;
-    const auto arcs = [&] { return Arcs{{NeighborWalk(image, adjacency)}, weigh}; };
+    const auto arcs = [&] { return Arcs{NeighborWalk(image, adjacency), weigh}; };
     const auto weightArcs = [&] {
-      return WeightImageArcs{{NeighborWalk(image, adjacency)}, weightImage->band};
-    };
-    const auto rule = [&](auto direction, int maxCost) {
-      return ForestRule<decltype(direction), ifPathCostFn>{{{}, {}, {}, maxCost}, pathCost};
+      return WeightImageArcs{NeighborWalk(image, adjacency), weightImage->band};
     };
     const imImagePtr forest = blankLike(problem.image, 3, imTypeWork);
     const std::vector<int> infinite(image->npixels, ifInfiniteCost);
     const std::vector<int> inverted(image->npixels, ifInfiniteCostInverted);
-    const auto expect = [&](const auto &a, const auto &r, const ifRootsPtr &s) {
-      expectLiteral(forest, a, r, infinite.data(), *s);
+    const auto expect = [&]<class A>(A a, int maxCost, const ifRootsPtr &s) {
+      using Base = ForestTransform<Minimising, A>;
+      expectLiteral(forest, Base{{{}, {}, {}, maxCost}, std::move(a), pathCost}, infinite.data(),
+                    *s);
     };
 
     iftNonNormalized(image, forest.get(), adjacency, weight, bound, pathCost, seeds.get());
-    expect(arcs(), rule(Minimising(), bound), seeds);
+    expect(arcs(), bound, seeds);
     iftNonNormalizedInverted(image, forest.get(), adjacency, weight, bound, pathCost, seeds.get());
-    expectLiteral(forest, arcs(), rule(Maximising(), bound), inverted.data(), *seeds);
+    using Inverted = ForestTransform<Maximising, Arcs>;
+    expectLiteral(forest, Inverted{{{}, {}, {}, bound}, arcs(), pathCost}, inverted.data(), *seeds);
     ift(image, forest.get(), adjacency, weight, pathCost, seeds.get());
-    expect(Scaled<Arcs>{arcs()}, rule(Minimising(), 49999), seeds);
+    expect(Scaled<Arcs>{arcs()}, 49999, seeds);
     iftMask(image, forest.get(), mask.get(), adjacency, weight, pathCost, seeds.get());
-    expect(Masked<Scaled<Arcs>>{{arcs()}, mask->band[0]}, rule(Minimising(), 49999), maskSeeds);
+    expect(Masked<Scaled<Arcs>>{{arcs()}, mask->band[0]}, 49999, maskSeeds);
     iftWF(image, forest.get(), weightImage.get(), pathCost, seeds.get());
-    expect(weightArcs(), rule(Minimising(), 1000), seeds);
+    expect(weightArcs(), 1000, seeds);
     iftNonNormalizedWF(image, forest.get(), weightImage.get(), bound, pathCost, seeds.get());
-    expect(weightArcs(), rule(Minimising(), bound), seeds);
+    expect(weightArcs(), bound, seeds);
     iftMaskWF(image, forest.get(), mask.get(), weightImage.get(), pathCost, seeds.get());
-    expect(Masked<Scaled<WeightImageArcs>>{{weightArcs()}, mask->band[0]},
-           rule(Minimising(), 49999), maskSeeds);
+    expect(Masked<Scaled<WeightImageArcs>>{{weightArcs()}, mask->band[0]}, 49999, maskSeeds);
 
     const imImagePtr marker = randomImage(random, 1, imTypeAscii, image->ncols, image->nrows, 0,
                                           std::max(problem.maxCost, 1) % 300);
@@ -234,8 +232,9 @@ TEST(Forest, EveryTransformEqualsTheLiteralLoop) {
     marker->maxValue = bound;
     iftNonNormalizedLevel(image, marker.get(), forest.get(), adjacency, seeds.get());
     const auto value = [image](int, int q) { return image->band[0][q]; };
-    expectLiteral(forest, AdjacencyArcs<decltype(value)>{{NeighborWalk(image, adjacency)}, value},
-                  LevelRule{{{}, {}, {}, bound}}, marker->band[0], *seeds);
+    using Level = LevelTransform<AdjacencyArcs<decltype(value)>>;
+    expectLiteral(forest, Level{{{}, {}, {}, bound}, {NeighborWalk(image, adjacency), value}},
+                  marker->band[0], *seeds);
   }
 }
 

@@ -8,13 +8,13 @@
 
 namespace seedforest::detail {
 
-/// A band that is handed down from each root to the pixels that it wins; 0 where no path arrives.
-struct Heirloom {
+/// A band that hands down what a root has to the pixels that the root wins; 0 where no path
+/// arrives.
+struct InheritedBand {
   int *band;
   const int *atRoots; ///< the value of each root, in the order of the roots
 };
 
-/// The propagation behind it.
 struct EuclideanProblem {
   const char *operation; ///< named where a root is outside the image
   const imImage *image;
@@ -24,7 +24,7 @@ struct EuclideanProblem {
   int nroots;
   int *cost; ///< written: the squared distances
   int *pred; ///< written: the predecessors
-  std::initializer_list<Heirloom> heirlooms;
+  std::initializer_list<InheritedBand> inherited;
 };
 void propagateEuclidean(const EuclideanProblem &problem);
 

@@ -1,0 +1,306 @@
+#include "base/outputFile.h"
+
+#include "base/buffer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <random>
+#include <string_view>
+
+#if __has_include(<unistd.h>)
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace seedforest::detail {
+
+#if __has_include(<unistd.h>)
+
+namespace {
+
+class Descriptor {
+public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0)
+      ::close(number_);
+  }
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+
+  bool isOpen() const { return number_ >= 0; }
+  int number() const { return number_; }
+
+  /// A stream that takes the descriptor over; none where there is no descriptor.
+  std::FILE *toStream() {
+    std::FILE *stream = isOpen() ? fdopen(number_, "w") : nullptr;
+    if (stream != nullptr)
+      number_ = -1;
+    return stream;
+  }
+
+private:
+  int number_;
+};
+
+constexpr std::string_view prefix = ".seedforest-tmp-";
+constexpr std::size_t letters = 13; // of 5 bits: nobody guesses them, and none come twice
+
+// The temporary files that there are, where a signal handler finds them: a place is never released,
+// only free for others. Of more files at a time than places some are not found.
+struct Place {
+  std::atomic<bool> isTaken = false;
+  std::atomic<bool> isFilled = false;
+  int folder = -1;
+  char name[prefix.size() + letters + 1] = {};
+};
+Place places[64];
+
+// The name of a temporary file in a folder.
+class TemporaryName {
+public:
+  explicit TemporaryName(int folder) {
+    for (Place &place : places)
+      if (!place.isTaken.exchange(true)) {
+        place_ = &place;
+        break;
+      }
+    std::random_device random;
+    char *at = std::copy(prefix.begin(), prefix.end(), place_->name);
+    for (std::size_t i = 0; i < letters; ++i)
+      *at++ = "abcdefghijklmnopqrstuvwxyz234567"[random() % 32];
+    place_->folder = folder;
+    place_->isFilled = true;
+  }
+  ~TemporaryName() {
+    place_->isFilled = false;
+    if (place_ != &own_)
+      place_->isTaken = false;
+  }
+  TemporaryName(const TemporaryName &) = delete;
+  TemporaryName &operator=(const TemporaryName &) = delete;
+
+  const char *text() const { return place_->name; }
+
+private:
+  Place own_;
+  Place *place_ = &own_; // or one of all
+};
+
+// To name what is in a folder; to list it may be forbidden.
+int openFolder(const String &path) {
+#if defined(O_PATH)
+  constexpr int access = O_PATH;
+#elif defined(O_SEARCH)
+  constexpr int access = O_SEARCH;
+#else
+  constexpr int access = O_RDONLY;
+#endif
+  return open(path.c_str(), access | O_DIRECTORY | O_CLOEXEC);
+}
+
+String folderOf(const String &path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == String::npos ? String("./") : path.substr(0, slash + 1);
+}
+
+String nameOf(const String &path) {
+  return path.substr(path.rfind('/') + 1); // all of it where there is none: npos + 1 is 0
+}
+
+// Where the path is a symbolic link, puts what it holds into its place.
+bool followLink(String &path) {
+  char target[4096];
+  const ssize_t length = readlink(path.c_str(), target, sizeof target);
+  if (length <= 0 || length == ssize_t{sizeof target})
+    return false;
+  const std::string_view held(target, static_cast<std::size_t>(length));
+  path = held.front() == '/' ? String(held) : folderOf(path).append(held);
+  return true;
+}
+
+// The descriptor of this process that a path names, or -1.
+int descriptorNamed(std::string_view path) {
+  constexpr std::string_view standard[] = {"/dev/stdin", "/dev/stdout", "/dev/stderr"};
+  for (int i = 0; i < 3; ++i)
+    if (path == standard[i])
+      return i;
+  for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+    if (!path.starts_with(folder))
+      continue;
+    const char *end = path.data() + path.size();
+    int number = -1;
+    const auto scanned = std::from_chars(path.data() + folder.size(), end, number);
+    return scanned.ec == std::errc() && scanned.ptr == end ? number : -1;
+  }
+  return -1;
+}
+
+// What the process has written goes first, and what it writes later comes behind.
+std::FILE *openDescriptor(int number) {
+  std::fflush(stdout);
+  Descriptor copy(fcntl(number, F_DUPFD_CLOEXEC, 3));
+  if (copy.isOpen())
+    lseek(copy.number(), 0, SEEK_END);
+  return copy.toStream();
+}
+
+} // namespace
+
+// A file that is made beside its place and then put there.
+class Replacement {
+public:
+  explicit Replacement(const String &path)
+      : folder_(openFolder(folderOf(path))), name_(nameOf(path)), temporary_(folder_.number()) {}
+  ~Replacement() {
+    if (isMade_)
+      unlinkat(folder_.number(), temporary_.text(), 0);
+  }
+  Replacement(const Replacement &) = delete;
+  Replacement &operator=(const Replacement &) = delete;
+
+  // Makes the file, with what it is to have from the old one; none, with errno, where it cannot be
+  // made, or the old one not be replaced.
+  std::FILE *make(const struct stat *old) {
+    if (name_.empty() || (old != nullptr && !canReplace(*old))) {
+      errno = EPERM;
+      return nullptr;
+    }
+    // What nobody else was to read is nobody's from the start.
+    const mode_t mode = old != nullptr ? S_IRUSR | S_IWUSR : 0666;
+    Descriptor file(
+        openat(folder_.number(), temporary_.text(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    isMade_ = file.isOpen();
+    if (isMade_ && old != nullptr)
+      takeOver(file.number(), *old);
+    return file.toStream();
+  }
+
+  bool putIntoPlace() {
+    const int folder = folder_.number();
+    isMade_ = renameat(folder, temporary_.text(), folder, name_.c_str()) != 0;
+    return !isMade_;
+  }
+
+private:
+  // Not where the name is another file's than was opened by it, as with the links that a system
+  // keeps for open files; nor where a folder for all holds a file of somebody else.
+  bool canReplace(const struct stat &old) const {
+    struct stat named;
+    struct stat folder;
+    if (fstatat(folder_.number(), name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0 ||
+        fstat(folder_.number(), &folder) != 0)
+      return false;
+    const uid_t user = geteuid();
+    const bool isFree =
+        (folder.st_mode & S_ISVTX) == 0 || user == 0 || user == old.st_uid || user == folder.st_uid;
+    return isFree && named.st_dev == old.st_dev && named.st_ino == old.st_ino;
+  }
+
+  // The owner or the group stays the process's own where it may not give the file away.
+  static void takeOver(int file, const struct stat &old) {
+    [[maybe_unused]] const bool isGiven = fchown(file, old.st_uid, old.st_gid) == 0 ||
+                                          fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
+    fchmod(file, old.st_mode & 0777);
+  }
+
+  Descriptor folder_;
+  String name_;
+  TemporaryName temporary_;
+  bool isMade_ = false;
+};
+
+void removeUnfinishedFiles() {
+  for (const Place &place : places)
+    if (place.isFilled)
+      unlinkat(place.folder, place.name, 0);
+}
+
+namespace {
+
+// The stream to write a file to, and what is to replace the old one by it, if so.
+std::FILE *openOutput(const char *path, std::unique_ptr<Replacement> &replacement) {
+  constexpr int mostLinks = 40;
+  String target(path);
+  int links = 0;
+  do {
+    if (const int descriptor = descriptorNamed(target); descriptor >= 0)
+      return openDescriptor(descriptor);
+  } while (links++ < mostLinks && followLink(target));
+
+  struct stat old;
+  const bool isThere = stat(path, &old) == 0;
+  if (isThere ? !S_ISREG(old.st_mode) : errno != ENOENT)
+    return std::fopen(path, "w");
+  const Descriptor writable(isThere ? open(path, O_WRONLY | O_CLOEXEC) : -1);
+  if (isThere && (!writable.isOpen() || fstat(writable.number(), &old) != 0))
+    return nullptr;
+  replacement = makeUnique<Replacement>(target);
+  std::FILE *stream = replacement->make(isThere ? &old : nullptr);
+  if (stream == nullptr && isThere &&
+      (errno == EACCES || errno == EPERM || errno == EROFS || errno == ENOENT)) {
+    replacement.reset();
+    return std::fopen(path, "w");
+  }
+  return stream;
+}
+
+} // namespace
+
+#else
+
+class Replacement {
+public:
+  bool putIntoPlace() { return true; }
+};
+
+void removeUnfinishedFiles() {}
+
+namespace {
+
+std::FILE *openOutput(const char *path, std::unique_ptr<Replacement> &) {
+  return std::fopen(path, "w");
+}
+
+} // namespace
+
+#endif
+
+namespace {
+
+// Goes on after an interruption.
+bool putInFile(void *stream, std::string_view part) {
+  auto *file = static_cast<std::FILE *>(stream);
+  while (!part.empty()) {
+    errno = 0;
+    part.remove_prefix(std::fwrite(part.data(), 1, part.size(), file));
+    if (!part.empty() && errno != EINTR)
+      return false;
+    std::clearerr(file);
+  }
+  return true;
+}
+
+} // namespace
+
+OutputFile::OutputFile(const char *path)
+    : stream_(openOutput(path, replacement_)), writer_(putInFile, stream_.get()) {
+  if (stream_ != nullptr)
+    std::setvbuf(stream_.get(), nullptr, _IONBF, 0); // the Writer has a buffer
+}
+
+OutputFile::~OutputFile() = default;
+
+bool OutputFile::close() {
+  const bool isWritten = writer_.flush();
+  const bool isClosed = std::fclose(stream_.release()) == 0;
+  const bool isPlaced =
+      replacement_ == nullptr || (isWritten && isClosed && replacement_->putIntoPlace());
+  replacement_ = nullptr;
+  return isWritten && isClosed && isPlaced;
+}
+
+} // namespace seedforest::detail

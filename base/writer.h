@@ -1,0 +1,59 @@
+// Text and bytes on their way out, through a buffer.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace seedforest::detail {
+
+class Writer {
+public:
+  /// Takes the next part of what is written to `target`; false where that fails.
+  using PutFn = bool (*)(void *target, std::string_view part);
+
+  explicit Writer(PutFn put, void *target = nullptr) : put_(put), target_(target) {}
+  Writer(const Writer &) = delete;
+  Writer &operator=(const Writer &) = delete;
+
+  void text(std::string_view text) {
+    if (text.size() > chunk || text.size() > chunk - used_)
+      return longText(text);
+    std::memcpy(buffer_.data() + used_, text.data(), text.size());
+    used_ += text.size();
+  }
+
+  /// A decimal integer, right-aligned with blanks in at least `width` (at most 16) characters.
+  void number(int value, int width = 0);
+
+  /// Room for `count` (at most `chunk`) characters, which the caller fills in at once.
+  char *room(std::size_t count) {
+    if (count > chunk - used_)
+      flush();
+    char *at = buffer_.data() + used_;
+    used_ += count;
+    return at;
+  }
+
+  /// Hands everything on; false when anything failed since the start. Nothing is put behind a part
+  /// that failed.
+  bool flush();
+
+  static constexpr std::size_t chunk = std::size_t{1} << 16;
+
+private:
+  void longText(std::string_view text);
+
+  static constexpr int widest = 16; // of a number; it is stored whole, so the buffer has some slack
+  PutFn put_;
+  void *target_;
+  std::size_t used_ = 0;
+  bool good_ = true;
+  std::array<char, chunk + widest> buffer_;
+};
+
+/// A part of what an operation tells: a Writer of progress.
+bool putProgress(void *, std::string_view part);
+
+} // namespace seedforest::detail

@@ -1,0 +1,202 @@
+#include "ift/core/detail/euclideanPropagation.h"
+
+#include "base/arith.h"
+#include "base/inline.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "ift/core/ifCost.h"
+#include "image/detail/imageTools.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <numeric>
+#include <utility>
+
+namespace seedforest::detail {
+
+namespace {
+
+// What waits: a pixel with its offsets to its root, which nothing else needs to keep. They fit, as
+// their squares fit 31 bits.
+struct EuclideanEntry {
+  int pixel;
+  int arrival; // the displacement by which it was reached
+  std::uint16_t x;
+  std::uint16_t y;
+
+  int cost() const { return static_cast<int>(unsigned{x} * x + unsigned{y} * y); }
+};
+
+// A queue that knows how often the search has gone round, and so finds the bucket of a cost of this
+// turn or the next without a division.
+class TurningQueue : public BucketQueue<EuclideanEntry> {
+public:
+  TurningQueue(std::int64_t nbuckets, int nelems)
+      : BucketQueue(nbuckets, nelems), nbuckets_(static_cast<std::uint64_t>(nbuckets)) {}
+
+  bool take(EuclideanEntry &entry) {
+    if (!BucketQueue::take(entry))
+      return false;
+    const auto cost = static_cast<unsigned>(entry.cost());
+    if (cost - turn_ >= nbuckets_)
+      turn_ = cost - cost % nbuckets_;
+    return true;
+  }
+
+  SEEDFOREST_INLINE void append(int cost, EuclideanEntry entry) {
+    const std::uint64_t ahead = static_cast<unsigned>(cost) - turn_;
+    std::uint64_t bucket = ahead;
+    if (ahead >= nbuckets_)
+      bucket = ahead < 2 * nbuckets_ ? ahead - nbuckets_ : static_cast<unsigned>(cost) % nbuckets_;
+    BucketQueue::append(static_cast<int>(bucket), entry);
+  }
+
+private:
+  std::uint64_t nbuckets_;
+  std::uint64_t turn_ = 0; // the multiple of nbuckets_ below the cost of the entry taken last
+};
+
+// A displacement without its signs: those that differ in signs only add the same to the offsets, so
+// what they offer is computed once for all, when a pixel is settled.
+struct Step {
+  unsigned dx;
+  unsigned dy;
+  int cost; // what a step from the pixel settled last comes to, and the offsets then
+  std::uint16_t x;
+  std::uint16_t y;
+
+  void from(EuclideanEntry entry) {
+    const std::uint64_t far = std::uint64_t{entry.x} + dx;
+    const std::uint64_t down = std::uint64_t{entry.y} + dy;
+    cost = static_cast<int>(std::min(far * far + down * down, std::uint64_t{maxInt}));
+    x = static_cast<std::uint16_t>(far);
+    y = static_cast<std::uint16_t>(down);
+  }
+  auto key() const { return std::pair(dx, dy); }
+};
+
+Step stepBy(const NeighborWalk &neighbors, int k) {
+  const auto distance = [](int d) { return static_cast<unsigned>(std::abs(std::int64_t{d})); };
+  return {distance(neighbors.dx(k)), distance(neighbors.dy(k)), 0, 0, 0};
+}
+
+class EuclideanTransform {
+public:
+  explicit EuclideanTransform(const EuclideanProblem &problem)
+      : neighbors_(problem.neighbors), onward_(problem.neighbors), cost_(problem.cost),
+        pred_(problem.pred) {
+    const int n = neighbors_.size();
+    const auto precedes = [](const Step &a, const Step &b) { return a.key() < b.key(); };
+    const auto equals = [](const Step &a, const Step &b) { return a.key() == b.key(); };
+    steps_ = makeArray<Step>(static_cast<std::size_t>(n));
+    for (int k = 0; k < n; ++k)
+      steps_[k] = stepBy(neighbors_, k);
+    Step *begin = steps_.get();
+    std::sort(begin, begin + n, precedes);
+    Step *end = std::unique(begin, begin + n, equals);
+    nsteps_ = end - begin;
+    stepOf_ = makeArray<int>(static_cast<std::size_t>(n));
+    for (int k = 0; k < n; ++k)
+      stepOf_[k] =
+          static_cast<int>(std::lower_bound(begin, end, stepBy(neighbors_, k), precedes) - begin);
+  }
+
+  using Entry = EuclideanEntry;
+  Entry entry(int q, int k, int) const {
+    const Step &step = steps_[stepOf_[k]];
+    return {q, k, step.x, step.y};
+  }
+
+  // Costs improve strictly, so no pixel waits twice with one.
+  bool isCurrent(Entry entry, int) const { return cost_[entry.pixel] == entry.cost(); }
+
+  void settle(Entry entry) {
+    if (entry.arrival != UnsharedNeighborWalk::start)
+      pred_[entry.pixel] = entry.pixel - neighbors_.offset(entry.arrival);
+    for (std::ptrdiff_t i = 0; i < nsteps_; ++i)
+      steps_[i].from(entry);
+    isOrdered_ &= entry.cost() >= lastCost_;
+    lastCost_ = entry.cost();
+  }
+
+  template <class Offer>
+  void offers(Entry entry, Offer offer) const {
+    onward_.each(entry.pixel, entry.arrival,
+                 [&](int q, int k) SEEDFOREST_INLINE { offer(q, k, steps_[stepOf_[k]].cost); });
+  }
+
+  // As long as pixels are settled in the order of their costs, none that is can be improved, and
+  // there is no need to ask. The order is lost when a step is longer than the circle of buckets.
+  // Roots are never improved.
+  bool improves(int cost, int q) const { return cost < cost_[q] && (isOrdered_ || pred_[q] == q); }
+  void conquer(int, int q, int, int cost) { cost_[q] = cost; }
+  int bucket(int cost, int) const { return cost; } // the queue knows how often to go round
+  SEEDFOREST_INLINE void prefetch(int p) const {
+    neighbors_.prefetch(cost_, p);
+    prefetchAt(pred_ + p);
+  }
+
+private:
+  const NeighborWalk &neighbors_;
+  UnsharedNeighborWalk onward_;
+  int *cost_;
+  int *pred_;
+  bool isOrdered_ = true;
+  int lastCost_ = 0;
+  std::ptrdiff_t nsteps_ = 0;
+  Array<Step> steps_;
+  Array<int> stepOf_; // by displacement
+};
+
+// A function of its own: inlined, the loop takes a tenth more instructions.
+[[gnu::noinline]] void run(EuclideanTransform &transform, TurningQueue &queue) {
+  propagate(transform, queue);
+}
+
+// Hands down along the predecessors what the roots have. In memory order, and each pixel once: far
+// cheaper than while the propagation goes all over the image.
+void inherit(const EuclideanProblem &problem) {
+  constexpr unsigned wordBits = 64;
+  const int npixels = problem.image->npixels;
+  const int *pred = problem.pred;
+  const Array<std::uint64_t> settled =
+      makeZeroedArray<std::uint64_t>(static_cast<std::size_t>(npixels) / wordBits + 1);
+  const auto wordOf = [&](int p) -> std::uint64_t & {
+    return settled[static_cast<unsigned>(p) / wordBits];
+  };
+  const auto bitOf = [](int p) { return std::uint64_t{1} << static_cast<unsigned>(p) % wordBits; };
+  for (int p = 0; p < npixels; ++p) {
+    int source = p;
+    while ((wordOf(source) & bitOf(source)) == 0 && pred[source] != source)
+      source = pred[source];
+    for (int q = p; q != source; q = pred[q]) {
+      for (const InheritedBand &inherited : problem.inherited)
+        inherited.band[q] = inherited.band[source];
+      wordOf(q) |= bitOf(q);
+    }
+    wordOf(source) |= bitOf(source);
+  }
+}
+
+} // namespace
+
+void propagateEuclidean(const EuclideanProblem &problem) {
+  const int npixels = problem.image->npixels;
+  for (int i = 0; i < problem.nroots; ++i)
+    requirePixel(problem.operation, problem.image, problem.rootPixel[i]);
+  EuclideanTransform transform(problem);
+  TurningQueue queue(problem.nbuckets, npixels);
+  std::fill_n(problem.cost, npixels, ifInfiniteCost);
+  for (const InheritedBand &inherited : problem.inherited)
+    std::fill_n(inherited.band, npixels, 0);
+  forEachSeed(problem.rootPixel, problem.nroots, problem.pred, [&](int i, int p) {
+    problem.cost[p] = 0;
+    for (const InheritedBand &inherited : problem.inherited)
+      inherited.band[p] = inherited.atRoots[i];
+    queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
+  });
+  std::iota(problem.pred, problem.pred + npixels, 0);
+  run(transform, queue);
+  inherit(problem);
+}
+
+} // namespace seedforest::detail

@@ -1,0 +1,239 @@
+// The transforms of iftForest.h and of pixel spanning trees, put together from three things: the
+// arcs of an image and their weights; what a pixel gains and when; and the wrapper that makes an
+// object for the loop of iftPropagate.h of them.
+#pragma once
+
+#include "base/arith.h"
+#include "base/inline.h"
+#include "base/report.h"
+#include "base/require.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "ift/core/ifCost.h"
+#include "image/detail/imageTools.h"
+#include "image/detail/neighborWalk.h"
+
+namespace seedforest::detail {
+
+/// The arcs of an adjacency, weighed by a function of the pixels at their ends.
+template <class Weight>
+struct AdjacencyArcs {
+  NeighborWalk neighbors;
+  Weight weigh;
+
+  template <class Visit>
+  void each(int p, Visit visit) const {
+    neighbors.each(p, visit);
+  }
+  int weight(int p, int q, int) const { return weigh(p, q); }
+};
+
+/// A weight function of the caller's, for one image.
+struct CalledWeight {
+  const imImage *image;
+  ifArcWeightFn function;
+  int operator()(int p, int q) const { return function(image, p, q); }
+};
+using FunctionArcs = AdjacencyArcs<CalledWeight>;
+
+/// Ends with an error where something is missing: the adjacency, the function, a band that it reads.
+inline FunctionArcs functionArcs(const char *operation, const imImage *image,
+                                 imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
+  requireGiven(operation, "adjacency", adjacency);
+  requireGiven(operation, "arc weight", arcWeight);
+  if (arcWeight == ifWatershedMetric)
+    requireBands(operation, image, 1);
+  return {NeighborWalk(image, adjacency), {image, arcWeight}};
+}
+
+/// The arcs of an arc-weight image, whose band k weighs those by displacement k; a negative weight
+/// is no arc.
+struct WeightImageArcs {
+  NeighborWalk neighbors;
+  const int *const *band;
+
+  template <class Visit>
+  void each(int p, Visit visit) const {
+    neighbors.each(p, [&](int q, int k) {
+      if (band[k][p] >= 0)
+        visit(q, k);
+    });
+  }
+  int weight(int p, int, int k) const { return band[k][p]; }
+};
+
+/// Ends with an error where the arc-weight image has another size than the image or lacks its
+/// adjacency.
+inline WeightImageArcs weightImageArcs(const char *operation, const imImage *image,
+                                       const imImage *weights) {
+  requireBands(operation, weights, 0);
+  requireSameSize(operation, image, weights);
+  if (weights->adj == nullptr || weights->nAdj < 0 || weights->nAdj > weights->nbands)
+    fatal("%s: the arc-weight image has no adjacency\n", operation);
+  return {NeighborWalk(weights, weights->nAdj, weights->adj), weights->band};
+}
+
+/// How weights of 0 .. 1000 are spread over a queue of 50000 buckets.
+inline constexpr int fixedBuckets = 50000;
+inline constexpr int weightScale = (fixedBuckets - 1) / 1000;
+
+/// Other arcs, with each weight multiplied by the scale; saturating.
+template <class Arcs>
+struct Scaled : Arcs {
+  int weight(int p, int q, int k) const {
+    return saturate(std::int64_t{weightScale} * Arcs::weight(p, q, k));
+  }
+};
+
+/// Other arcs, without those to pixels where the mask is 0.
+template <class Arcs>
+struct Masked : Arcs {
+  const int *mask;
+
+  template <class Visit>
+  void each(int p, Visit visit) const {
+    Arcs::each(p, [&](int q, int k) {
+      if (mask[q] != 0)
+        visit(q, k);
+    });
+  }
+};
+
+/// The two directions of a transform: which of two costs is better, what an unreached pixel has,
+/// and the key by which a cost finds its bucket when costs are expected up to maxCost.
+struct Minimising {
+  static constexpr int infinite = ifInfiniteCost;
+  static constexpr bool isBetter(int a, int b) { return a < b; }
+  static std::int64_t key(int cost, int) { return cost; }
+};
+struct Maximising {
+  static constexpr int infinite = ifInfiniteCostInverted;
+  static constexpr bool isBetter(int a, int b) { return a > b; }
+  static std::int64_t key(int cost, int maxCost) { return std::int64_t{maxCost} - cost; }
+};
+
+template <class Direction>
+int bucketOf(int cost, int maxCost) {
+  return circularBucket(Direction::key(cost, maxCost), std::int64_t{maxCost} + 1);
+}
+
+/// What a pixel of a forest image gains: a label, a cost and a predecessor. The queue has buckets
+/// for costs up to maxCost.
+struct ForestBands {
+  int *label;
+  int *cost;
+  int *pred;
+  int maxCost;
+
+  int costOf(int p) const { return cost[p]; }
+  void conquer(int p, int q, int, int offered) {
+    cost[q] = offered;
+    label[q] = label[p];
+    pred[q] = p;
+  }
+};
+
+/// The forest transforms: one path cost, one direction.
+template <class Direction, class Arcs, class PathCost = ifPathCostFn>
+struct ForestTransform : ForestBands {
+  Arcs arcs;
+  PathCost pathCost;
+
+  int extend(int p, int q, int k) const { return pathCost(cost[p], arcs.weight(p, q, k)); }
+  bool improves(int offered, int q) const { return Direction::isBetter(offered, cost[q]); }
+  int bucket(int offered, int) const { return bucketOf<Direction>(offered, maxCost); }
+};
+
+/// Levelling: label 1 grows upwards by the maximum, label 2 downwards by the minimum, side by side
+/// in one queue. A pixel's cost never returns to what it was: once it is no less than the pixel's
+/// value only label 1 improves it, once it is no more only label 2.
+template <class Arcs>
+struct LevelTransform : ForestBands {
+  static constexpr int fromBelow = 1;
+  static constexpr int fromAbove = 2;
+  Arcs arcs;
+  int side = 0; // the label of the pixel settled last
+
+  void settle(int p) { side = label[p]; }
+  int extend(int p, int q, int k) const {
+    const int weight = arcs.weight(p, q, k);
+    if (side != fromBelow && side != fromAbove)
+      warn("pixel %d has invalid label (%d)!\n", p, side);
+    return side == fromAbove ? std::min(cost[p], weight) : std::max(cost[p], weight);
+  }
+  bool improves(int offered, int q) const {
+    return (side == fromBelow && offered < cost[q]) || (side == fromAbove && offered > cost[q]);
+  }
+  int bucket(int offered, int q) const {
+    return label[q] == fromAbove ? bucketOf<Maximising>(offered, maxCost)
+                                 : bucketOf<Minimising>(offered, maxCost);
+  }
+};
+
+/// Spanning trees of pixels: what a pixel gains is an edge, whatever the path so far; no label.
+template <class Arcs>
+struct SpanningTransform : ForestBands {
+  Arcs arcs;
+
+  int extend(int p, int q, int k) const { return arcs.weight(p, q, k); }
+  bool improves(int offered, int q) const { return offered < cost[q]; }
+  void conquer(int p, int q, int, int offered) {
+    cost[q] = offered;
+    pred[q] = p;
+  }
+  int bucket(int offered, int) const { return bucketOf<Minimising>(offered, maxCost); }
+};
+
+/// What waits in the queue of a transform whose costs can meet others in their buckets: a pixel
+/// with the cost that it had when it began to wait. Costs improve strictly, so no pixel waits twice
+/// with one cost.
+struct CostedEntry {
+  int pixel;
+  int cost;
+};
+
+/// Makes an object for the loop of one that says extend(p, q, k), the cost of the path through p to
+/// q, beside costOf(p), improves(), conquer() and bucket(), with the arcs that it goes along in
+/// `arcs`; and settle(p), where it wants to know. Whether a pixel is settled is marked: paths may
+/// get better as they grow, and a settled pixel still stays as it is.
+template <class Base>
+class Marked : public Base {
+public:
+  /// Ends with the error of initQueue() without memory.
+  Marked(Base base, int nelems)
+      : Base(std::move(base)),
+        settled_(static_cast<char *>(tryAllocateZeroed(static_cast<std::size_t>(nelems), 1))) {
+    if (settled_ == nullptr)
+      queueUnavailable('A');
+  }
+
+  using Entry = CostedEntry;
+  Entry entry(int q, int, int cost) const { return {q, cost}; }
+  bool isCurrent(Entry entry, int) const {
+    return settled_[entry.pixel] == 0 && Base::costOf(entry.pixel) == entry.cost;
+  }
+  void settle(Entry entry) {
+    settled_[entry.pixel] = 1;
+    if constexpr (requires { Base::settle(entry.pixel); })
+      Base::settle(entry.pixel);
+  }
+  template <class Offer>
+  void offers(Entry entry, Offer offer) const {
+    const int p = entry.pixel;
+    Base::arcs.each(p, [&](int q, int k) SEEDFOREST_INLINE {
+      if (settled_[q] == 0)
+        offer(q, k, Base::extend(p, q, k));
+    });
+  }
+  SEEDFOREST_INLINE void prefetch(int p) const requires requires(const Base &base) {
+    base.arcs.neighbors.prefetch(base.cost, p);
+  }
+  {
+    Base::arcs.neighbors.prefetch(Base::cost, p);
+    Base::arcs.neighbors.prefetch(settled_.get(), p);
+  }
+
+private:
+  Array<char> settled_;
+};
+
+} // namespace seedforest::detail
