@@ -280,13 +280,4 @@ TEST(Cuts, GraphsAgreeWithTheirLabelImages) {
   }
 }
 
-TEST(CutsDeathTest, WhatIsMissingEndsWithALine) {
-  const ifGraphPtr graph = makeGraph(2, {{1, 2, 3}});
-  EXPECT_FATAL(ifThresholdGraph(graph.get(), 1), "ifThresholdGraph");
-  graph->labelImage->band[0][0] = 3;
-  EXPECT_FATAL(ifThresholdMST(graph.get(), 1), "ifThresholdMST: labels");
-  setLabelImage(graph.get(), nullptr);
-  EXPECT_FATAL(ifThresholdMST_nRegions(graph.get(), 1), "ifThresholdMST_nRegions");
-}
-
 } // namespace
