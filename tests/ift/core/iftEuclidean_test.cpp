@@ -2,6 +2,7 @@
 
 #include "ift/core/detail/iftRules.h"
 #include "image/detail/neighborWalk.h"
+#include "reference/literalEuclid.h"
 #include "reference/literalTransform.h"
 #include "support.h"
 
@@ -113,11 +114,31 @@ TEST(Euclidean, EqualsTheLiteralLoop) {
   }
 }
 
-TEST(Euclidean, RefusesWhatItCannotDo) {
-  EXPECT_FATAL(distances(2, 1, {{2, 1, 0}}), "iftEuclideanDT.*2");
-  const imImagePtr two = blank(2, 1, 2);
-  EXPECT_FATAL(iftEuclideanDT(two.get(), two.get(), imNeighborhood8, makeRoots({}).get()),
-               "iftEuclideanDT");
+// Relations of more displacements than bytes can name, and than have lists of their own.
+TEST(Euclidean, WideRelationsEqualTheLiteralForm) {
+  std::mt19937 random(22);
+  const imNeighborhoodFn discs[] = {[](int **list) { return imNeighborhood(list, 25); },
+                                    [](int **list) { return imNeighborhood(list, 100); }};
+  for (int round = 0; round < 40; ++round) {
+    const int ncols = pick(random, 1, 30);
+    const int nrows = pick(random, 1, 30);
+    std::vector<Root> roots;
+    std::vector<int> pixels;
+    for (int i = pick(random, 0, 5); i > 0; --i) {
+      pixels.push_back(pick(random, 0, ncols * nrows - 1));
+      roots.push_back({pixels.back(), static_cast<int>(pixels.size()) - 1});
+    }
+    const imImagePtr fast = distances(ncols, nrows, roots, discs[round % 2]);
+    const LiteralEuclid literal =
+        literalEuclid(fast.get(), discs[round % 2], 2 * (ncols + nrows) + 2, pixels.data(),
+                      static_cast<int>(pixels.size()));
+    Matrix label = literal.root;
+    for (auto &row : label)
+      std::replace(row.begin(), row.end(), -1, 0);
+    EXPECT_EQ(bandOf(fast, 1), label) << round;
+    EXPECT_EQ(bandOf(fast, 2), literal.cost) << round;
+    EXPECT_EQ(bandOf(fast, 3), literal.pred) << round;
+  }
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "ift/operators/ifSkeleton.h"
 
-#include "support.h"
+#include "ift/label/ifContour.h"
+#include "ift/seeds/ifContourSeeds.h"
+#include "reference/literalEuclid.h"
 
 #include <algorithm>
 #include <functional>
@@ -32,16 +34,70 @@ Skeleton skeleton(const imImagePtr &image, int type, int threshold) {
   return {largest, imImagePtr(result)};
 }
 
-TEST(Skeleton, SpreadsLabelsAndContours) {
-  const imImagePtr work = blank(4, 1, 5);
-  int pixel[] = {0, 3};
-  int label[] = {5, 6};
-  int contour[] = {1, 2};
-  const ifRoots2 roots = {pixel, label, contour, nullptr, 2};
-  iftSkelNova(blank(4, 1).get(), work.get(), &roots);
-  const Matrix expected = {{0, 0, 0, 0}, {5, 5, 6, 6}, {0, 1, 1, 0}, {0, 0, 3, 3}, {1, 1, 2, 2}};
-  for (int b = 0; b < 5; ++b)
-    EXPECT_EQ(bandOf(work, b)[0], expected[b]);
+// What iftSkelNova leaves in four bands, which is made of a literal propagation.
+std::vector<Matrix> literalBands(const imImagePtr &image, const ifRoots2 &roots) {
+  const auto nearDisc = [](int **list) { return imNeighborhood(list, 2); };
+  LiteralEuclid literal =
+      literalEuclid(image.get(), nearDisc, 2 * (image->ncols + image->nrows), roots.pixel, roots.n);
+  const auto ofRoots = [&literal](const int *values) {
+    Matrix band = literal.root;
+    for (auto &row : band)
+      for (int &i : row)
+        i = i < 0 ? 0 : values[i];
+    return band;
+  };
+  return {ofRoots(roots.label), literal.cost, literal.pred, ofRoots(roots.value)};
+}
+
+TEST(Skeleton, SpreadingEqualsTheLiteralForm) {
+  std::mt19937 random(41);
+  for (int round = 0; round < 100; ++round) {
+    const imImagePtr image = blank(pick(random, 1, 25), pick(random, 1, 25));
+    const int n = pick(random, 0, 12);
+    std::vector<int> pixel(n), label(n), contour(n);
+    for (int i = 0; i < n; ++i) {
+      pixel[i] = pick(random, 0, image->npixels - 1);
+      label[i] = i + 5;
+      contour[i] = -i;
+    }
+    const ifRoots2 roots = {pixel.data(), label.data(), contour.data(), nullptr, n};
+    const imImagePtr work = blankLike(image, 5);
+    iftSkelNova(image.get(), work.get(), &roots);
+    const std::vector<Matrix> expected = literalBands(image, roots);
+    for (int b = 0; b < 4; ++b)
+      EXPECT_EQ(bandOf(work, b + 1), expected[b]) << round;
+  }
+}
+
+TEST(Skeleton, IsWhereFarPartsOfTheContourMeet) {
+  std::mt19937 random(42);
+  for (int round = 0; round < 40; ++round) {
+    const int ncols = pick(random, 8, 40);
+    const int nrows = pick(random, 8, 40);
+    const imImagePtr image = blank(ncols, nrows, 1, imTypeGrey);
+    for (int n = pick(random, 0, 4); n > 0; --n) { // rectangles
+      const int x = pick(random, 1, ncols - 3);
+      const int y = pick(random, 1, nrows - 3);
+      for (int h = pick(random, 1, nrows - 1 - y); h > 0; --h)
+        std::fill_n(image->band[0] + image->row[y + h - 1] + x, (ncols - x) / 2, 7);
+    }
+    ifRoots2 roots;
+    imImagePtr(ifSkel2Roots(image.get(), &roots));
+    const std::vector<Matrix> bands = literalBands(image, roots);
+    ifReleaseRoots2(&roots);
+    const imImagePtr apart = blankLike(image);
+    ifLabelDifferences(makeImage(bands[0]).get(), makeImage(bands[3]).get(), apart.get(), 0);
+    for (const int type : {0, 1, 2}) {
+      const int threshold = pick(random, -3, 20);
+      const Skeleton skel = skeleton(image, type, threshold);
+      EXPECT_EQ(skel.largest, apart->maxValue);
+      for (int p = 0; p < image->npixels; ++p) {
+        const bool isWanted = type == 0 || (type == 1) == (image->band[0][p] > 0);
+        const bool isFar = apart->band[0][p] >= std::min(threshold, apart->maxValue);
+        ASSERT_EQ(skel.image->band[0][p], isWanted && isFar ? bands[1][p / ncols][p % ncols] : 0);
+      }
+    }
+  }
 }
 
 TEST(Skeleton, OfABarIsItsMiddleLine) {
@@ -53,60 +109,30 @@ TEST(Skeleton, OfABarIsItsMiddleLine) {
     for (int x = 12; x < 28; ++x)
       EXPECT_EQ(rows[y][x], y == 9 ? 16 : 0) << x << ", " << y;
   EXPECT_GT(skeleton(bar, 1, 2).size(), inner.size());
+  EXPECT_EQ(skeleton(bar, 0, maxInt).size(), 0); // between two contours alone all scales have one
 }
 
-TEST(Skeleton, InsideAndOutsideMakeTheWhole) {
-  const auto disc = [](int x, int y, int cx, int cy, int r) {
-    return (x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r;
-  };
-  const auto beam = [](int u, int v) { return u > 20 && u < 30 && v > 4 && v < 46; };
-  const Inside shapes[] = {
-      [=](int x, int y) { return beam(x, y) || beam(y, x); },                          // a cross
-      [=](int x, int y) { return disc(x, y, 25, 25, 20) && !disc(x, y, 25, 25, 10); }, // a ring
-      [=](int x, int y) { return disc(x, y, 12, 25, 8) || disc(x, y, 36, 25, 9); },
-  };
-  for (const Inside &inside : shapes) {
-    const imImagePtr image = shape(50, 50, inside);
-    const Skeleton whole = skeleton(image, 0, 8);
-    const Skeleton inner = skeleton(image, 1, 8);
-    const Skeleton outer = skeleton(image, 2, 8);
-    EXPECT_GT(inner.size(), 0);
-    EXPECT_GT(outer.size(), 0);
-    // What lies between two contours belongs to the skeleton at every scale; a cross has one.
-    const Skeleton last = skeleton(image, 0, maxInt);
-    EXPECT_EQ(last.size() > 0, &inside != shapes);
-    EXPECT_EQ(bandOf(last.image), bandOf(skeleton(image, 0, whole.largest).image));
-    for (int p = 0; p < image->npixels; ++p) {
-      EXPECT_EQ(inner.image->band[0][p], image->band[0][p] > 0 ? whole.image->band[0][p] : 0);
-      EXPECT_EQ(outer.image->band[0][p], image->band[0][p] > 0 ? 0 : whole.image->band[0][p]);
-    }
+TEST(Skeleton, EmptyShapesAndInvalidTypes) {
+  for (const bool full : {false, true}) {
+    const Skeleton none = skeleton(shape(9, 7, [full](int, int) { return full; }), 0, 1);
+    EXPECT_EQ(none.largest, -99999);
+    EXPECT_EQ(none.size(), 0);
   }
-}
-
-TEST(Skeleton, EmptyShapesInvalidTypesAndImages) {
-  const Skeleton none = skeleton(blank(9, 7), 0, 1);
-  const Skeleton filled = skeleton(shape(9, 7, [](int, int) { return true; }), 0, 1);
-  EXPECT_EQ(none.largest, -99999);
-  EXPECT_EQ(filled.largest, -99999);
-  EXPECT_EQ(none.size() + filled.size(), 0);
   for (const int type : {3, -1}) {
-    const std::string line = "invalid skelType: " + std::to_string(type) + "\n";
-    const auto fail = [&] {
-      const Skeleton skel = skeleton(blank(9, 7), type, 1);
-      EXPECT_EQ(skel.image, nullptr);
-      EXPECT_EQ(skel.largest, none.largest);
-    };
-    EXPECT_EQ(errorsOf(fail), line);
+    const auto fail = [type] { EXPECT_EQ(skeleton(blank(9, 7), type, 1).image, nullptr); };
+    EXPECT_EQ(errorsOf(fail), "invalid skelType: " + std::to_string(type) + "\n");
   }
-  EXPECT_FATAL(skeleton(blank(4, 4, 3), 0, 1), "ifSkel");
 }
 
-// A comb whose border is more than a million pixels long: no stack is that deep.
+// A comb whose border is more than a million pixels long: no stack is that deep. Two sides of it
+// that are half as far apart belong to the skeleton at the largest scale.
 TEST(Skeleton, ContourOfAMillionPixels) {
   const imImagePtr comb = shape(1800, 1800, [](int x, int y) {
     return x > 0 && x < 1799 && y > 0 && y < 1799 && (y < 4 || x % 6 < 3);
   });
-  EXPECT_GT(skeleton(comb, 1, 100).largest, 500000);
+  const Skeleton skel = skeleton(comb, 0, 500000);
+  EXPECT_GT(skel.largest, 500000);
+  EXPECT_GT(skel.size(), 0);
 }
 
 } // namespace
