@@ -190,24 +190,21 @@ TEST(Color, GreyWithAHueStopsTheWayBack) {
   const imImagePtr rgb = row(std::vector<Colour>(1000, {1, 2, 3}));
   EXPECT_EQ(errorsOf([&] { imHsv2rgb(row(hsv).get(), rgb.get()); }),
             "in hsv2rgb: saturation is 0 and hue is defined!\n");
-  for (const int p : {3, 4, 700, 701, 999})
-    EXPECT_EQ(pixel(rgb, p), (Colour{1, 2, 3})) << p;
-  EXPECT_EQ(pixel(rgb, 2), (Colour{255, 255, 255}));
-  for (const int p : {0, 5, 699})
-    EXPECT_EQ(pixel(rgb, p), (Colour{0, 255, 0})) << p;
+  for (int p = 0; p < 1000; ++p) {
+    const bool isLeft = p == 3 || p == 4 || p >= 700;
+    EXPECT_EQ(pixel(rgb, p), isLeft   ? (Colour{1, 2, 3})
+                             : p == 2 ? (Colour{255, 255, 255})
+                                      : (Colour{0, 255, 0}));
+  }
 }
 
-TEST(Color, FieldsAndRefusals) {
+TEST(Color, OnlyTheWaysToRgbFromXyzSetTheMaximum) {
   for (const Conversion conversion : {imXyz2rgb, imLab2rgb, imLuv2rgb, imRgb2lab, imHsv2rgb}) {
     const imImagePtr out = row({{361, 0, 0}});
     out->maxValue = 9;
-    conversion(row({{361, 0, 0}}).get(), out.get());
+    conversion(out.get(), out.get());
     EXPECT_EQ(out->maxValue, conversion == imRgb2lab || conversion == imHsv2rgb ? 9 : 255);
   }
-  const imImagePtr three = row({{1, 2, 3}});
-  EXPECT_FATAL(imRgb2xyz(makeImage({{1}}).get(), three.get()), "imRgb2xyz");
-  EXPECT_FATAL(imHsv2rgb(three.get(), makeImage({{1}}).get()), "imHsv2rgb");
-  EXPECT_FATAL(imRgb2luv(three.get(), blank(2, 1, 3).get()), "imRgb2luv");
 }
 
 } // namespace

@@ -4,19 +4,6 @@
 
 namespace {
 
-// Takes the image over.
-void expectImage(const char *what, imImage *image, char type, int maxValue,
-                 const std::vector<Matrix> &bands) {
-  SCOPED_TRACE(what);
-  const imImagePtr owned(image);
-  ASSERT_NE(image, nullptr);
-  EXPECT_EQ(image->type, type);
-  EXPECT_EQ(image->maxValue, maxValue);
-  ASSERT_EQ(image->nbands, static_cast<int>(bands.size()));
-  for (int b = 0; b < image->nbands; ++b)
-    EXPECT_EQ(bandOf(image, b), bands[b]) << "band " << b;
-}
-
 // Two bands, maxValue 50.
 imImagePtr twoBands(char type, const std::vector<int> &first, const std::vector<int> &second) {
   imImagePtr image = makeBands({{first}, {second}}, type);
@@ -98,15 +85,6 @@ TEST(Pixelwise, FalseExtremaLookNoFurtherThanTheirNeighbours) {
               {{{1, 1, 1, 1, 0}, {0, 0, 1, 1, 1}, {1, 0, 1, 1, 1}}});
   expectImage("alone", imFalseRegionalMinimum(makeImage({{-3}}).get()), 2, 1, {{{1}}});
   expectImage("column", imFalseRegionalMaximum(makeImage({{8}, {8}}).get()), 2, 1, {{{1}, {1}}});
-}
-
-TEST(Pixelwise, WhatDoesNotFitIsRefused) {
-  const imImagePtr row = makeImage({{1, 2, 3}});
-  const imImagePtr column = makeImage({{1}, {2}, {3}}); // as many pixels
-  EXPECT_FATAL(imNegative(nullptr, 1), "imNegative");
-  EXPECT_FATAL(imUpperEnvelope(row.get(), column.get()), "imUpperEnvelope");
-  for (const int w : {-1, 1, maxInt})
-    EXPECT_FATAL(imRemoveBorder(blank(2, 2).get(), w), "imRemoveBorder");
 }
 
 } // namespace

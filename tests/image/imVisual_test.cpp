@@ -7,16 +7,12 @@ namespace {
 TEST(Visual, HighlightsAMask) {
   const imImagePtr mask = makeImage({{0, 1, -1}});
   const auto highlight = [&mask](const std::vector<Matrix> &bands) {
-    return imImagePtr(imHighlightElements(makeBands(bands, imTypeGrey).get(), mask.get(), 1, 2, 3));
+    return imHighlightElements(makeBands(bands, imTypeGrey).get(), mask.get(), 1, 2, 3);
   };
-  const imImagePtr grey = highlight({{{10, 20, 300}}});
-  EXPECT_EQ(grey->type, imTypeColor);
-  EXPECT_EQ(grey->maxValue, 0);
-  const imImagePtr colour = highlight({{{7, 7, 7}}, {{8, 8, 8}}, {{9, 9, 9}}});
-  for (int b = 0; b < 3; ++b) {
-    EXPECT_EQ(bandOf(grey, b), (Matrix{{10, b + 1, 300}}));
-    EXPECT_EQ(bandOf(colour, b), (Matrix{{b + 7, b + 1, b + 7}}));
-  }
+  expectImage("grey", highlight({{{10, 20, 300}}}), imTypeColor, 0,
+              {{{10, 1, 300}}, {{10, 2, 300}}, {{10, 3, 300}}});
+  expectImage("colour", highlight({{{7, 7, 7}}, {{8, 8, 8}}, {{9, 9, 9}}}), imTypeColor, 0,
+              {{{7, 1, 7}}, {{8, 2, 8}}, {{9, 3, 9}}});
   EXPECT_EQ(errorsOf([&] {
               EXPECT_EQ(highlight({{{0, 0, 0}}, {{0, 0, 0}}}), nullptr);
             }),
@@ -26,15 +22,18 @@ TEST(Visual, HighlightsAMask) {
 TEST(Visual, BordersLieOnTheSmallerLabel) {
   const imImagePtr image = makeImage({{5, 5, 5, 5}, {5, 5, 5, 6}}, imTypeGrey);
   const imImagePtr labels = makeImage({{1, 1, 2, 2}, {1, 1, 1, 2}});
-  const imImagePtr picture(imShowSegm(image.get(), labels.get(), 100, 0, 0));
-  EXPECT_EQ(bandOf(picture, 0), (Matrix{{5, 100, 5, 5}, {5, 100, 100, 6}}));
-  EXPECT_EQ(bandOf(picture, 1), (Matrix{{5, 0, 5, 5}, {5, 0, 0, 6}}));
+  const auto show = [&] { return imShowSegm(image.get(), labels.get(), 100, 8, 0); };
+  const Matrix black = Matrix(2, {0, 0, 0, 0});
+  expectImage("grey", show(), imTypeColor, 0,
+              {{{5, 100, 5, 5}, {5, 100, 100, 6}},
+               {{5, 8, 5, 5}, {5, 8, 8, 6}},
+               {{5, 0, 5, 5}, {5, 0, 0, 6}}});
   image->type = imTypeWeights; // of other types only the borders are painted
-  const imImagePtr borders(imShowSegm(image.get(), labels.get(), 7, 8, 9));
-  EXPECT_EQ(bandOf(borders, 2), (Matrix{{0, 9, 0, 0}, {0, 9, 9, 0}}));
-  const imImagePtr pixel = makeImage({{5}}, imTypeGrey); // black
-  EXPECT_EQ(bandOf(imImagePtr(imShowSegm(pixel.get(), pixel.get(), 7, 8, 9))), (Matrix{{0}}));
-  EXPECT_FATAL(imShowSegm(image.get(), pixel.get(), 0, 0, 0), "imShowSegm");
+  expectImage("other", show(), imTypeColor, 0,
+              {{{0, 100, 0, 0}, {0, 100, 100, 0}}, {{0, 8, 0, 0}, {0, 8, 8, 0}}, black});
+  const imImagePtr pixel = makeImage({{5}}, imTypeGrey);
+  expectImage("a pixel is black", imShowSegm(pixel.get(), pixel.get(), 7, 8, 9), imTypeColor, 0,
+              {{{0}}, {{0}}, {{0}}});
 }
 
 TEST(Visual, DiscsEqualTheirDefinition) {

@@ -46,7 +46,6 @@ TEST(Cost, Distances) {
     }
   }
   EXPECT_EQ(ifMaxDistance(blank(2, 1, 0).get(), 0, 1), -1);
-  EXPECT_FATAL(ifEuclideanDistance(blank(2, 1, 0).get(), 0, 1), "ifEuclideanDistance");
 }
 
 TEST(Cost, Chamfer) {
@@ -104,7 +103,6 @@ TEST(WeightImage, BandsAndExtremes) {
   EXPECT_EQ(toTheRight(gaussianWF, ""), (Matrix{{1000, 1000, 863, 0, -1}}));
   EXPECT_EQ(toTheRight(gaussian2WF, "out: 2 5 1 \n"), (Matrix{{1000, 1000, 999, 0, -1}}));
   EXPECT_EQ(toTheRight(watershedWF, ""), (Matrix{{maxInt, 0, 5, 7, -1}}));
-  EXPECT_FATAL(euclideanWF(blank(5, 1, 0).get(), imNeighborhood4), "euclideanWF");
 }
 
 } // namespace

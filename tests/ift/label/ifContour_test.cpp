@@ -27,7 +27,6 @@ TEST(RegionsToContours, InnerBorders) {
   ifRegionsToContours(full.get(), none.get());
   EXPECT_EQ(bandOf(none), (Matrix{{0, 0}, {0, 0}}));
   EXPECT_EQ(none->maxValue, 255);
-  EXPECT_FATAL(ifRegionsToContours(labels.get(), none.get()), "ifRegionsToContours");
 }
 
 TEST(LabelContours, Walks) {
@@ -138,22 +137,6 @@ TEST(ContourFollow, AMillionPixels) {
   record.follow(mask.get(), shape.get(), 1, shape->row[1] + 1, eight);
   EXPECT_EQ(record.count, 2 * length + 2);
   EXPECT_EQ(record.pixel[2 * length + 1], shape->row[1] + 2); // once around
-}
-
-TEST(ContourFollow, Errors) {
-  const imImagePtr shape = makeImage({{1, 0}});
-  const imImagePtr other = makeImage({{1}, {0}});
-  Followed record(shape.get());
-  const auto follow = [&](int count, imImage *mask, int p) {
-    record.count = count;
-    record.follow(mask, shape.get(), 1, p, eight);
-  };
-  EXPECT_FATAL(follow(-1, shape.get(), 0), "ifContourFollow.*-1");
-  EXPECT_FATAL(follow(2, shape.get(), 0), "ifContourFollow.*2");
-  EXPECT_FATAL(follow(0, shape.get(), 2), "ifContourFollow.*2");
-  EXPECT_FATAL(follow(0, other.get(), 0), "ifContourFollow");
-  follow(1, shape.get(), 1);
-  EXPECT_EQ(record.pixel[1], 1);
 }
 
 TEST(LabelDifferences, HandImages) {

@@ -74,9 +74,4 @@ TEST(Fuzzy, LinkCosts) {
   EXPECT_EQ(bandOf(imImagePtr(ifTestFuzzy(image.get(), 0, 9)).get()), frame);
 }
 
-TEST(Fuzzy, RefusedArguments) {
-  EXPECT_FATAL(run({{1}}, {}, {0, 1}, {0, 0}), "iftFuzzy");
-  EXPECT_FATAL(run({{1}}, {{1, 1}}, {0, 1}, {0, 1}), "iftFuzzy");
-}
-
 } // namespace

@@ -83,15 +83,4 @@ TEST(RegionGraph, Collapse) {
             (Lists{{}, {{0, 0}, {3, 0}}, {}, {{1, 0}}, {}, {}, {}, {{3, 0}}}));
 }
 
-TEST(RegionGraphDeathTest, WhatIsMissingEndsWithALine) {
-  const ifGraphPtr graph = withData({{0}, {-1}, {1}}, {{1, 2, 0}});
-  EXPECT_FATAL(ifGraphMinDistance(graph.get(), 0, 3), "ifGraphMinDistance");
-  EXPECT_FATAL(ifColapseGraph(makeGraph(2, {}).get()), "ifColapseGraph: vertices");
-  EXPECT_FATAL(ifColapseGraph(graph.get()), "ifColapseGraph: vertex -1");
-  listInsertEdge(&graph->vertices[2], 3, 0);
-  EXPECT_FATAL(ifMorphoGradGraph(graph.get()), "vertex 3");
-  graph->labelImage->maxValue = 1;
-  EXPECT_FATAL(ifMosaicToGraph(graph->labelImage), "ifMosaicToGraph");
-}
-
 } // namespace

@@ -108,8 +108,6 @@ TEST(Trees, OfRegionsThatAreApart) {
   const ifGraphPtr light(iftPrimGraph(heavy.get(), ifGraphWatershedDistance));
   EXPECT_EQ(listsOf(light.get())[1], (std::vector<Arc>{{2, 1000}, {3, 5}}));
 
-  const ifGraphPtr bare = makeGraph(2, {{1, 2, 3}});
-  EXPECT_FATAL(iftPrimGraph(bare.get(), ifGraphMinDistance), "iftPrimGraph");
   const ifGraphPtr alone = makeGraph(0, {}, 1);
   EXPECT_EQ(ifGraphPtr(iftPrimGraph(alone.get(), ifGraphMinDistance))->nVertices, 1);
 }
@@ -271,15 +269,6 @@ TEST(Cuts, GraphsAgreeWithTheirLabelImages) {
     for (const auto &[u, v] : pairsOf(merged.get()))
       EXPECT_EQ(partOf[u], partOf[v]); // the edges that stay are those inside
   }
-}
-
-TEST(CutsDeathTest, WhatIsMissingEndsWithALine) {
-  const ifGraphPtr graph = makeGraph(2, {{1, 2, 3}});
-  EXPECT_FATAL(ifThresholdGraph(graph.get(), 1), "ifThresholdGraph");
-  graph->labelImage->band[0][0] = 3;
-  EXPECT_FATAL(ifThresholdMST(graph.get(), 1), "ifThresholdMST: labels");
-  setLabelImage(graph.get(), nullptr);
-  EXPECT_FATAL(ifThresholdMST_nRegions(graph.get(), 1), "ifThresholdMST_nRegions");
 }
 
 } // namespace
