@@ -7,12 +7,11 @@
 
 namespace {
 
-struct Queue {
-  ifQueue q;
-  ifQueueNodes a;
+struct Queue : ifQueue {
+  ifQueueNodes nodes;
 
-  Queue(int nbuckets, int nelems) { initQueue(&q, nbuckets, &a, nelems); }
-  ~Queue() { releaseQueue(&q, &a); }
+  Queue(int nbuckets, int nelems) { initQueue(this, nbuckets, &nodes, nelems); }
+  ~Queue() { releaseQueue(this, &nodes); }
   Queue(const Queue &) = delete;
   Queue &operator=(const Queue &) = delete;
 };
@@ -29,20 +28,17 @@ struct Model {
       std::erase(buckets[state[e]], e);
     state[e] = after;
   }
-
   void insert(int b, int e, bool pullBack) {
     takeOut(e, b);
     buckets[b].push_back(e);
     current = pullBack ? std::min(current, b) : current;
   }
-
   int remove(int b) {
     const int e = buckets[b].empty() ? -1 : buckets[b].front();
     if (e >= 0)
       takeOut(e, -2);
     return e;
   }
-
   int isEmpty() {
     for (std::size_t i = 0; i < buckets.size(); ++i) {
       if (!buckets[current].empty())
@@ -54,19 +50,20 @@ struct Model {
 };
 
 void expectEqual(const Queue &queue, const Model &model) {
-  EXPECT_EQ(queue.q.current, model.current);
-  EXPECT_EQ(std::vector<int>(queue.a.bucket, queue.a.bucket + queue.a.nelems), model.state);
-  for (int b = 0; b < queue.q.nbuckets; ++b) {
+  EXPECT_EQ(queue.current, model.current);
+  EXPECT_EQ(std::vector<int>(queue.nodes.bucket, queue.nodes.bucket + queue.nodes.nelems),
+            model.state);
+  for (int b = 0; b < queue.nbuckets; ++b) {
     int previous = -1;
-    int at = queue.q.first[b];
+    int at = queue.first[b];
     for (const int e : model.buckets[b]) {
       ASSERT_EQ(at, e);
-      EXPECT_EQ(queue.a.prev[e], previous);
+      EXPECT_EQ(queue.nodes.prev[e], previous);
       previous = e;
-      at = queue.a.next[e];
+      at = queue.nodes.next[e];
     }
     EXPECT_EQ(at, -1);
-    EXPECT_EQ(queue.q.last[b], previous);
+    EXPECT_EQ(queue.last[b], previous);
   }
 }
 
@@ -84,24 +81,26 @@ TEST(Queue, EqualsTheModel) {
         const int e = pick(random, -1, nelems);
         const bool isBucket = b >= 0 && b < nbuckets;
         const bool isElement = e >= 0 && e < nelems;
+        const bool isWaiting = isElement && model.state[e] >= 0;
         const int move = pick(random, 0, 7);
         if (move < 4) {
-          const bool update = move >= 2;
-          if (isBucket && isElement && (!update || model.state[e] >= 0))
+          if (isBucket && (move < 2 ? isElement : isWaiting))
             model.insert(b, e, move % 2 == 1);
-          moves[move](&queue.q, &queue.a, b, e);
+          moves[move](&queue, &queue.nodes, b, e);
         } else if (move == 4) {
-          if (isElement && model.state[e] >= 0)
+          if (isWaiting)
             model.takeOut(e, -1);
-          removeQueueElem(&queue.q, &queue.a, e);
+          removeQueueElem(&queue, &queue.nodes, e);
         } else if (move == 5) {
-          EXPECT_EQ(removeQueue(&queue.q, &queue.a, b), isBucket ? model.remove(b) : -1);
+          EXPECT_EQ(removeQueue(&queue, &queue.nodes, b), isBucket ? model.remove(b) : -1);
         } else {
-          EXPECT_EQ(isEmpty(&queue.q), model.isEmpty());
-          EXPECT_EQ(removeQueue(&queue.q, &queue.a, queue.q.current), model.remove(model.current));
+          EXPECT_EQ(isEmpty(&queue), model.isEmpty());
+          EXPECT_EQ(removeQueue(&queue, &queue.nodes, queue.current), model.remove(model.current));
         }
         expectEqual(queue, model);
       }
+      resetQueue(&queue, &queue.nodes);
+      expectEqual(queue, {std::vector<std::deque<int>>(nbuckets), std::vector<int>(nelems, -1)});
     }
 }
 
@@ -117,15 +116,14 @@ TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
     Queue queue(c.nbuckets, c.nelems);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
     if (c.message.empty())
-      releaseQueue(&queue.q, &queue.a);
-    resetQueue(&queue.q, &queue.a);
-    insertQueue(&queue.q, &queue.a, 0, 0);
-    updateQueueUpdateCurr(&queue.q, &queue.a, 0, 0);
-    removeQueueElem(&queue.q, &queue.a, 0);
-    EXPECT_EQ(removeQueue(&queue.q, &queue.a, 0), -1);
-    EXPECT_EQ(isEmpty(&queue.q), 1);
+      releaseQueue(&queue, &queue.nodes);
+    insertQueue(&queue, &queue.nodes, 0, 0);
+    removeQueueElem(&queue, &queue.nodes, 0);
+    EXPECT_EQ(removeQueue(&queue, &queue.nodes, 0), -1);
+    expectEqual(queue, {});
+    EXPECT_EQ(isEmpty(&queue), 1);
     for (const int *array :
-         {queue.q.first, queue.q.last, queue.a.prev, queue.a.next, queue.a.bucket})
+         {queue.first, queue.last, queue.nodes.prev, queue.nodes.next, queue.nodes.bucket})
       EXPECT_EQ(array, nullptr);
   }
 }

@@ -23,12 +23,7 @@ TEST(LabelImage, HandImages) {
   const struct {
     Matrix binary, before, labels; // the last row of labels is maxValue
   } cases[] = {
-      {{{0}}, {}, {{0}, {0}}},
-      {{{-1, 7}}, {}, {{0, 1}, {1}}},
-      // A corner joins; the numbers follow the first pixels, not the leftmost.
-      {{{0, 0, 1, 0, 1}, {1, 0, 0, 1, 0}, {1, 0, 0, 0, 0}},
-       {},
-       {{0, 0, 1, 0, 1}, {2, 0, 0, 1, 0}, {2, 0, 0, 0, 0}, {2}}},
+      {{{0, 0}, {-1, 7}}, {}, {{0, 0}, {0, 1}, {1}}},
       // Three arms that meet in the last row; the ends of rows do not.
       {{{1, 0, 1, 0, 1}, {1, 1, 1, 1, 1}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 1}, {1, 0, 0, 0, 0}},
        {},
@@ -48,24 +43,20 @@ Matrix flooded(const imImagePtr &binary, const imImagePtr &before) {
   const NeighborWalk neighbors(binary.get(), imNeighborhood8);
   const imImagePtr labels(imCopyImage(before.get()));
   std::vector<bool> reached(binary->npixels);
-  std::vector<int> waiting;
   int n = 0;
-  const auto reach = [&](int p, int) {
-    if (binary->band[0][p] <= 0 || reached[p])
-      return;
-    reached[p] = true;
-    labels->band[0][p] = n;
-    waiting.push_back(p);
-  };
   for (int p = 0; p < binary->npixels; ++p) {
-    if (binary->band[0][p] <= 0 || labels->band[0][p] != 0)
+    if (binary->band[0][p] <= 0 || labels->band[0][p] != 0 || reached[p])
       continue;
     ++n;
-    for (reach(p, 0); !waiting.empty();) {
-      const int q = waiting.back();
-      waiting.pop_back();
-      neighbors.each(q, reach);
-    }
+    std::vector<int> zone = {p};
+    for (std::size_t i = 0; i < zone.size(); ++i)
+      neighbors.each(zone[i], [&](int q, int) {
+        if (binary->band[0][q] > 0 && !reached[q])
+          zone.push_back(q);
+        reached[q] = true;
+      });
+    for (const int q : zone)
+      labels->band[0][q] = n;
   }
   Matrix rows = bandOf(labels);
   rows.push_back({n});
@@ -113,8 +104,7 @@ TEST(CorrectLabels, OrderOfFirstAppearance) {
     const imImagePtr labels = makeImage(c.before);
     labels->maxValue = -1; // not relied on
     ifCorrectLabels(labels.get());
-    EXPECT_EQ(bandOf(labels), c.after);
-    EXPECT_EQ(labels->maxValue, c.maxValue);
+    expectImage("", imCopyImage(labels.get()), imTypeAscii, c.maxValue, {c.after});
   }
 }
 

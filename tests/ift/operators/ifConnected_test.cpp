@@ -143,12 +143,6 @@ TEST(AreaOpening, IsThatOfEveryThreshold) {
   }
 }
 
-Matrix levelTowards(const Matrix &f, const Matrix &marker) {
-  imImage *levelled = nullptr;
-  printedBy([&] { ifLevel2(makeImage(f).get(), makeImage(marker).get(), &levelled); });
-  return bandOf(imImagePtr(levelled));
-}
-
 TEST(Levelling, OfSmallImages) {
   const imImagePtr f = makeImage({{3, 9, 3}}, imTypeGrey);
   const imImagePtr marker = makeImage({{5, 5, 5}});
@@ -157,10 +151,19 @@ TEST(Levelling, OfSmallImages) {
             (Output{{{3, 5, 5}}, {{1, 0, 0}}, 5, imTypeAscii}));
   EXPECT_EQ(run(ifLevel, f.get(), marker.get(), makeRoots({{0, 2, 7}}).get()),
             (Output{{{7, 7, 5}}, {{2, 2, 0}}, 7, imTypeAscii}));
-  EXPECT_EQ(levelTowards({{0, 0, 0, 1}}, {{1, 1, 1, 0}}), (Matrix{{0, 0, 0, 1}}));
-  EXPECT_EQ(levelTowards({{9, 9, 9, 9, 0}}, {{0, 0, 4, 0, 0}}), (Matrix{{4, 4, 4, 4, 0}}));
-  EXPECT_EQ(levelTowards({{0, 0, 0, 0, 9}}, {{5, 5, 5, 5, 5}}), (Matrix{{5, 5, 5, 5, 5}}));
-  EXPECT_EQ(levelTowards({{4, 4, 4}}, {{0, 0, 0}}), (Matrix{{0, 0, 0}})); // nothing to grow from
+  const struct {
+    Matrix f, marker, levelled;
+  } cases[] = {
+      {{{0, 0, 0, 1}}, {{1, 1, 1, 0}}, {{0, 0, 0, 1}}},
+      {{{9, 9, 9, 9, 0}}, {{0, 0, 4, 0, 0}}, {{4, 4, 4, 4, 0}}},
+      {{{0, 0, 0, 0, 9}}, {{5, 5, 5, 5, 5}}, {{5, 5, 5, 5, 5}}},
+      {{{4, 4, 4}}, {{0, 0, 0}}, {{0, 0, 0}}}, // nothing to grow from
+  };
+  for (const auto &c : cases) {
+    imImage *levelled = nullptr;
+    printedBy([&] { ifLevel2(makeImage(c.f).get(), makeImage(c.marker).get(), &levelled); });
+    EXPECT_EQ(bandOf(imImagePtr(levelled)), c.levelled);
+  }
 }
 
 } // namespace
