@@ -70,10 +70,4 @@ TEST(Scan, ManyEqualOneByOne) {
   }
 }
 
-TEST(Scan, Words) {
-  Text text{std::string_view(" \nP5\tnext")};
-  for (const char *word : {"P5", "next", ""})
-    EXPECT_EQ(scanWord(text), word);
-}
-
 } // namespace

@@ -69,13 +69,4 @@ TEST(NeighborWalk, EqualsTheDefinition) {
   }
 }
 
-TEST(NeighborWalk, AnyStopsAtTheFirst) {
-  const imImagePtr image = blank(3, 3);
-  const NeighborWalk walk(image.get(), imNeighborhood8);
-  int calls = 0;
-  EXPECT_TRUE(walk.any(1, 1, [&calls](int, int k) { return ++calls, k == 2; }));
-  EXPECT_EQ(calls, 3);
-  EXPECT_FALSE(walk.any(1, 1, [](int, int) { return false; }));
-}
-
 } // namespace

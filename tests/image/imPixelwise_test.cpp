@@ -57,8 +57,8 @@ TEST(Pixelwise, BandByBand) {
 
 TEST(Pixelwise, SumsClipByType) {
   const imImagePtr grey = twoBands(imTypeGrey, {250, 3, minInt}, {0, 300, maxInt});
-  expectImage("grey", imAddToPixelValues(grey.get(), 10), 1, 60,
-              {{{255, 13, 0}}, {{10, 255, 255}}});
+  expectImage("grey", imAddToPixelValues(grey.get(), 210), 1, 260,
+              {{{255, 213, 0}}, {{210, 255, 255}}});
   const imImagePtr other = twoBands(imTypeAscii, {250, 3, minInt}, {0, 300, maxInt});
   expectImage("other", imAddToPixelValues(other.get(), 10), 2, 60,
               {{{260, 13, 0}}, {{10, 310, maxInt}}});

@@ -135,6 +135,9 @@ TEST(LabelDifferences, HandImages) {
       // Far apart labels, and values whose differences take more than 32 bits.
       {{{4, 6, 7, 9}}, {{5, 5, maxInt, maxInt}}, maxInt, 1, {{0, 1, 0, 0}}, 1},
       {{{minInt, maxInt}}, {{1, 1}}, 1, 0, {{0, none}}, 1},
+      // Positions are expected in -1 .. 100000, so that beyond it ranges are too wide.
+      {{{100005, 100001}}, {{1, 1}}, 1, 1, {{1, 1}}, 2},
+      {{{-5, -3}}, {{1, 1}}, 1, 1, {{2, 2}}, 3},
   };
   for (const auto &c : cases) {
     const imImagePtr value = makeImage(c.value);

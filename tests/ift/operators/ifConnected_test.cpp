@@ -43,14 +43,16 @@ TEST(Reconstruction, FromRoots) {
   };
   const int low = ifInfiniteCostInverted;
   const Matrix cut = {{3, 3, 0, 0, 0}};
-  EXPECT_EQ(by(ifReconstr, nullptr, 1), (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, 1}));
+  EXPECT_EQ(by(ifReconstr, nullptr, 2), (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, 1}));
   EXPECT_EQ(by(ifReconstr, nullptr, 0), (Output{{{5, 5, 2, 6, 6}}, cut, 6, 1}));
-  EXPECT_EQ(by(ifDualReconstr, f.get(), 1).filtered, (Matrix{{5, 5, 5, 6, 6}}));
+  EXPECT_EQ(by(ifDualReconstr, f.get(), -1).filtered, (Matrix{{5, 5, 5, 6, 6}}));
   EXPECT_EQ(by(ifDualReconstr, f.get(), 0), (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 0, 0}}, 6, 1}));
   EXPECT_EQ(run(ifReconstr, f.get(), nullptr, makeRoots({}).get(), 1),
             (Output{{{low, low, low, low, low}}, {{0, 0, 0, 0, 0}}, 0, 1}));
   // The dual's bound is the second image's: with 2 buckets, cost 2 is served like cost 0.
-  EXPECT_EQ(run(ifDualReconstr, blank(3, 1).get(), makeImage({{1}}).get(),
+  const imImagePtr zeros = makeImage({{0, 0, 0}});
+  zeros->maxValue = 5;
+  EXPECT_EQ(run(ifDualReconstr, zeros.get(), makeImage({{1}}).get(),
                 makeRoots({{0, 1, 0}, {2, 2, 2}}).get(), 1)
                 .labels,
             (Matrix{{1, 1, 2}}));
@@ -157,7 +159,8 @@ TEST(Levelling, OfSmallImages) {
       {{{0, 0, 0, 1}}, {{1, 1, 1, 0}}, {{0, 0, 0, 1}}},
       {{{9, 9, 9, 9, 0}}, {{0, 0, 4, 0, 0}}, {{4, 4, 4, 4, 0}}},
       {{{0, 0, 0, 0, 9}}, {{5, 5, 5, 5, 5}}, {{5, 5, 5, 5, 5}}},
-      {{{4, 4, 4}}, {{0, 0, 0}}, {{0, 0, 0}}}, // nothing to grow from
+      {{{4, 4, 4}}, {{0, 0, 0}}, {{0, 0, 0}}},                // nothing to grow from
+      {{{0, 0}, {0, 9}}, {{5, 0}, {0, 0}}, {{0, 0}, {0, 0}}}, // corners do not touch
   };
   for (const auto &c : cases) {
     imImage *levelled = nullptr;
