@@ -177,7 +177,7 @@ TEST(Tool, Cells) {
        "7 4 2\n4 5 1\n6 5 2\n7 5 2\n",
        {{2, 2, 0, 0, 0, 0, 0, 0}, {2, 2, 0, 0, 1, 1, 1, 1}, {0, 0, 0, 0, 1, 0, 0, 1},
         {0, 0, 0, 0, 1, 0, 0, 0}, {0, 0, 0, 0, 1, 0, 2, 2}, {0, 0, 0, 0, 1, 0, 2, 2}}},
-      {"negative pixels, higher than white when negated", "P2 4 1 9 6 -1 -3 8", 0, 2, 3,
+      {"negative pixels, higher than white when negated", "P2 4 1 9 6 -1 -3 8", 0, 3, 3,
        "0 0 2\n1 0 1\n3 0 2\n", Matrix{{2, 1, 0, 2}}},
       {"an image of 0 has no markers", "P2 2 1 9 0 0", 1, 0, 0, "", Matrix{{0, 0}}},
       // clang-format on
