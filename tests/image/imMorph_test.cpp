@@ -109,9 +109,12 @@ TEST(Morph, DiscsLargerThanTheImage) {
   for (const auto &[ncols, nrows] : {std::pair{9, 300}, {300, 9}, {1, 1}, {40, 40}}) {
     const imImagePtr in = randomIn(random, ncols % 4, 2, ncols, nrows);
     expectLikePlain(discPairs[0], in.get(), 1000);
-    for (const int s : {90065, 2147395599, 2147395600, maxInt})
-      expectSame(run(imMorphErode, in.get(), s).get(), run(imMorphErode, in.get(), 90000).get());
-    expectLikePlain({imMorphErode, plainErode}, in.get(), 90000);
+    for (int b = 0; b < 2; ++b) {
+      const int least = *std::min_element(in->band[b], in->band[b] + in->npixels);
+      for (const int s : {90065, 2147395599, 2147395600, maxInt})
+        EXPECT_EQ(bandOf(run(imMorphErode, in.get(), s), b),
+                  Matrix(nrows, std::vector<int>(ncols, least)));
+    }
   }
 }
 

@@ -45,7 +45,7 @@ TEST(Reconstruction, FromRoots) {
   const Matrix cut = {{3, 3, 0, 0, 0}};
   EXPECT_EQ(by(ifReconstr, nullptr, 2), (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, 1}));
   EXPECT_EQ(by(ifReconstr, nullptr, 0), (Output{{{5, 5, 2, 6, 6}}, cut, 6, 1}));
-  EXPECT_EQ(by(ifDualReconstr, f.get(), -1).filtered, (Matrix{{5, 5, 5, 6, 6}}));
+  EXPECT_EQ(by(ifDualReconstr, f.get(), -1), (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 3, 3}}, 6, 1}));
   EXPECT_EQ(by(ifDualReconstr, f.get(), 0), (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 0, 0}}, 6, 1}));
   EXPECT_EQ(run(ifReconstr, f.get(), nullptr, makeRoots({}).get(), 1),
             (Output{{{low, low, low, low, low}}, {{0, 0, 0, 0, 0}}, 0, 1}));
