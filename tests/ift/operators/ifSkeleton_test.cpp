@@ -19,10 +19,10 @@ Skeleton skeleton(const imImagePtr &image, int type, int threshold) {
   return {largest, imImagePtr(result)};
 }
 
-// What iftSkelNova leaves in four bands, which is made of a literal propagation.
-std::vector<Matrix> literalBands(const imImagePtr &image, const ifRoots2 &roots) {
+// Four bands made of a literal propagation: label, squared distance, predecessor, contour.
+imImagePtr literalBands(const imImagePtr &image, const ifRoots2 &roots) {
   const auto nearDisc = [](int **list) { return imNeighborhood(list, 2); };
-  LiteralEuclid literal =
+  const LiteralEuclid literal =
       literalEuclid(image.get(), nearDisc, 2 * (image->ncols + image->nrows), roots.pixel, roots.n);
   const auto ofRoots = [&literal](const int *values) {
     Matrix band = literal.root;
@@ -31,47 +31,32 @@ std::vector<Matrix> literalBands(const imImagePtr &image, const ifRoots2 &roots)
         i = i < 0 ? 0 : values[i];
     return band;
   };
-  return {ofRoots(roots.label), literal.cost, literal.pred, ofRoots(roots.value)};
-}
-
-TEST(Skeleton, SpreadingEqualsTheLiteralForm) {
-  std::mt19937 random(41);
-  for (int round = 0; round < 100; ++round) {
-    const imImagePtr image = blank(pick(random, 1, 25), pick(random, 1, 25));
-    const int n = pick(random, 0, 12);
-    std::vector<int> pixel(n), label(n), contour(n);
-    for (int i = 0; i < n; ++i) {
-      pixel[i] = pick(random, 0, image->npixels - 1);
-      label[i] = i + 5;
-      contour[i] = -i;
-    }
-    const ifRoots2 roots = {pixel.data(), label.data(), contour.data(), nullptr, n};
-    const imImagePtr work = blankLike(image, 5);
-    iftSkelNova(image.get(), work.get(), &roots);
-    const std::vector<Matrix> expected = literalBands(image, roots);
-    for (int b = 0; b < 4; ++b)
-      EXPECT_EQ(bandOf(work, b + 1), expected[b]) << round;
-  }
+  return makeBands({ofRoots(roots.label), literal.cost, literal.pred, ofRoots(roots.value)},
+                   imTypeWork);
 }
 
 TEST(Skeleton, IsWhereFarPartsOfTheContourMeet) {
   std::mt19937 random(42);
-  for (int round = 0; round < 40; ++round) {
-    const int ncols = pick(random, 8, 40);
-    const int nrows = pick(random, 8, 40);
-    const imImagePtr image = blank(ncols, nrows, 1, imTypeGrey);
+  for (int round = 0; round < 100; ++round) {
+    const imImagePtr image = blank(pick(random, 8, 40), pick(random, 8, 40), 1, imTypeGrey);
     for (int n = pick(random, 0, 4); n > 0; --n) { // rectangles
-      const int x = pick(random, 1, ncols - 3);
-      const int y = pick(random, 1, nrows - 3);
-      for (int h = pick(random, 1, nrows - 1 - y); h > 0; --h)
-        std::fill_n(image->band[0] + image->row[y + h - 1] + x, (ncols - x) / 2, 7);
+      const int x = pick(random, 1, image->ncols - 3);
+      const int y = pick(random, 1, image->nrows - 3);
+      for (int h = pick(random, 1, image->nrows - 1 - y); h > 0; --h)
+        std::fill_n(image->band[0] + image->row[y + h - 1] + x, (image->ncols - x) / 2, 7);
     }
     ifRoots2 roots;
     imImagePtr(ifSkel2Roots(image.get(), &roots));
-    const std::vector<Matrix> bands = literalBands(image, roots);
+    const imImagePtr literal = literalBands(image, roots);
+    const imImagePtr work = blankLike(image, 5);
+    iftSkelNova(image.get(), work.get(), &roots);
     ifReleaseRoots2(&roots);
+    for (int b = 0; b < 4; ++b)
+      EXPECT_EQ(bandOf(work, b + 1), bandOf(literal, b)) << round;
+
     const imImagePtr apart = blankLike(image);
-    ifLabelDifferences(makeImage(bands[0]).get(), makeImage(bands[3]).get(), apart.get(), 0);
+    const imImagePtr contour(imCopyBand(literal.get(), imTypeAscii, 3));
+    ifLabelDifferences(literal.get(), contour.get(), apart.get(), 0);
     for (const int type : {0, 1, 2}) {
       const int threshold = pick(random, -3, 20);
       const Skeleton skel = skeleton(image, type, threshold);
@@ -79,7 +64,7 @@ TEST(Skeleton, IsWhereFarPartsOfTheContourMeet) {
       for (int p = 0; p < image->npixels; ++p) {
         const bool isWanted = type == 0 || (type == 1) == (image->band[0][p] > 0);
         const bool isFar = apart->band[0][p] >= std::min(threshold, apart->maxValue);
-        ASSERT_EQ(skel.image->band[0][p], isWanted && isFar ? bands[1][p / ncols][p % ncols] : 0);
+        ASSERT_EQ(skel.image->band[0][p], isWanted && isFar ? literal->band[1][p] : 0);
       }
     }
   }
