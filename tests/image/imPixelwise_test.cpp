@@ -75,6 +75,7 @@ TEST(Pixelwise, BordersGoAndComeBack) {
       {{{0, 0, 0, 0}, {0, 1, 2, 0}, {0, 0, 0, 0}}, {{0, 0, 0, 0}, {0, -3, 4, 0}, {0, 0, 0, 0}}});
   EXPECT_EQ(errorsOf([&] { EXPECT_EQ(imAddBorder(image.get(), maxInt), nullptr); }),
             "Could not allocate image!\n");
+  EXPECT_FATAL(imRemoveBorder(blank(2, 2).get(), 1), "imRemoveBorder");
 }
 
 TEST(Pixelwise, FalseExtremaLookNoFurtherThanTheirNeighbours) {
