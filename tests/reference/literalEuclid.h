@@ -8,32 +8,28 @@
 #include "support.h"
 
 #include <cstdlib>
+#include <numeric>
 
-struct LiteralEuclid {
-  Matrix cost, pred;
-  Matrix root; // the index of the root that won each pixel, -1 where no path arrives
-};
-
-inline LiteralEuclid literalEuclid(const imImage *image, imNeighborhoodFn adjacency, int nbuckets,
-                                   const int *rootPixel, int nroots) {
+/// The squared distances, the predecessors and, in a band for each of `atRoots`, what the n roots
+/// hand down.
+inline imImagePtr literalEuclid(const imImage *image, imNeighborhoodFn adjacency, int nbuckets,
+                                int n, const int *rootPixel,
+                                const std::vector<const int *> &atRoots) {
   const seedforest::detail::NeighborWalk neighbors(image, adjacency);
-  const Matrix none(image->nrows, std::vector<int>(image->ncols, -1));
-  LiteralEuclid result = {none, none, none};
-  const auto at = [image](Matrix &band, int p) -> int & {
-    return band[p / image->ncols][p % image->ncols];
-  };
-  for (int p = 0; p < image->npixels; ++p) {
-    at(result.cost, p) = ifInfiniteCost;
-    at(result.pred, p) = p;
-  }
+  imImagePtr result = blank(image->ncols, image->nrows, 2 + static_cast<int>(atRoots.size()));
+  int **band = result->band;
+  std::fill_n(band[0], image->npixels, ifInfiniteCost);
+  std::iota(band[1], band[1] + image->npixels, 0);
+  std::vector<int> x(image->npixels), y(image->npixels);
   ifQueue queue;
   ifQueueNodes nodes;
   initQueue(&queue, nbuckets, &nodes, image->npixels);
-  std::vector<int> x(image->npixels), y(image->npixels);
-  for (int i = 0; i < nroots; ++i) {
-    at(result.cost, rootPixel[i]) = 0;
-    at(result.root, rootPixel[i]) = i;
-    insertQueue(&queue, &nodes, 0, rootPixel[i]);
+  for (int i = 0; i < n; ++i) {
+    const int p = rootPixel[i];
+    band[0][p] = 0;
+    for (int b = 2; b < result->nbands; ++b)
+      band[b][p] = atRoots[b - 2][i];
+    insertQueue(&queue, &nodes, 0, p);
   }
   while (isEmpty(&queue) == 0) {
     const int p = removeQueue(&queue, &nodes, queue.current);
@@ -41,13 +37,14 @@ inline LiteralEuclid literalEuclid(const imImage *image, imNeighborhoodFn adjace
       const int nx = x[p] + std::abs(neighbors.dx(k));
       const int ny = y[p] + std::abs(neighbors.dy(k));
       const int cost = nx * nx + ny * ny;
-      if (nodes.bucket[q] == -2 || cost >= at(result.cost, q))
+      if (nodes.bucket[q] == -2 || cost >= band[0][q])
         return;
       x[q] = nx;
       y[q] = ny;
-      at(result.cost, q) = cost;
-      at(result.pred, q) = p;
-      at(result.root, q) = at(result.root, p);
+      band[0][q] = cost;
+      band[1][q] = p;
+      for (int b = 2; b < result->nbands; ++b)
+        band[b][q] = band[b][p];
       insertQueue(&queue, &nodes, cost % nbuckets, q); // moves it when it waits
     });
   }

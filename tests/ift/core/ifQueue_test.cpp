@@ -3,7 +3,6 @@
 #include "support.h"
 
 #include <algorithm>
-#include <deque>
 
 namespace {
 
@@ -16,35 +15,38 @@ struct Queue : ifQueue {
   Queue &operator=(const Queue &) = delete;
 };
 
-// The same queue without links: a list for each bucket, and a state for each element. It is asked
-// only for buckets and elements that exist.
+// The same queue without links: each element's state, and when it was appended. It is asked only for
+// buckets and elements that exist.
 struct Model {
-  std::vector<std::deque<int>> buckets;
-  std::vector<int> state;
+  int nbuckets;
+  std::vector<int> state, order = std::vector<int>(state.size());
   int current = 0;
+  int clock = 0;
 
-  void takeOut(int e, int after) {
-    if (state[e] >= 0)
-      std::erase(buckets[state[e]], e);
-    state[e] = after;
+  std::vector<int> bucket(int b) const {
+    std::vector<int> list;
+    for (std::size_t e = 0; e < state.size(); ++e)
+      if (state[e] == b)
+        list.push_back(static_cast<int>(e));
+    std::sort(list.begin(), list.end(), [this](int a, int c) { return order[a] < order[c]; });
+    return list;
   }
   void insert(int b, int e, bool pullBack) {
-    takeOut(e, b);
-    buckets[b].push_back(e);
+    state[e] = b;
+    order[e] = ++clock;
     current = pullBack ? std::min(current, b) : current;
   }
   int remove(int b) {
-    const int e = buckets[b].empty() ? -1 : buckets[b].front();
-    if (e >= 0)
-      takeOut(e, -2);
-    return e;
+    const std::vector<int> list = bucket(b);
+    if (list.empty())
+      return -1;
+    state[list[0]] = -2;
+    return list[0];
   }
   int isEmpty() {
-    for (std::size_t i = 0; i < buckets.size(); ++i) {
-      if (!buckets[current].empty())
+    for (int i = 0; i < nbuckets; ++i, current = (current + 1) % nbuckets)
+      if (!bucket(current).empty())
         return 0;
-      current = (current + 1) % static_cast<int>(buckets.size());
-    }
     return 1;
   }
 };
@@ -56,7 +58,7 @@ void expectEqual(const Queue &queue, const Model &model) {
   for (int b = 0; b < queue.nbuckets; ++b) {
     int previous = -1;
     int at = queue.first[b];
-    for (const int e : model.buckets[b]) {
+    for (const int e : model.bucket(b)) {
       ASSERT_EQ(at, e);
       EXPECT_EQ(queue.nodes.prev[e], previous);
       previous = e;
@@ -75,7 +77,7 @@ TEST(Queue, EqualsTheModel) {
   for (const int nbuckets : {1, 2, 7})
     for (const int nelems : {0, 1, 12}) {
       Queue queue(nbuckets, nelems);
-      Model model{std::vector<std::deque<int>>(nbuckets), std::vector<int>(nelems, -1)};
+      Model model = {nbuckets, std::vector<int>(nelems, -1)};
       for (int step = 0; step < 2000 && !HasFailure(); ++step) {
         const int b = pick(random, -1, nbuckets);
         const int e = pick(random, -1, nelems);
@@ -89,7 +91,7 @@ TEST(Queue, EqualsTheModel) {
           moves[move](&queue, &queue.nodes, b, e);
         } else if (move == 4) {
           if (isWaiting)
-            model.takeOut(e, -1);
+            model.state[e] = -1;
           removeQueueElem(&queue, &queue.nodes, e);
         } else if (move == 5) {
           EXPECT_EQ(removeQueue(&queue, &queue.nodes, b), isBucket ? model.remove(b) : -1);
@@ -100,7 +102,7 @@ TEST(Queue, EqualsTheModel) {
         expectEqual(queue, model);
       }
       resetQueue(&queue, &queue.nodes);
-      expectEqual(queue, {std::vector<std::deque<int>>(nbuckets), std::vector<int>(nelems, -1)});
+      expectEqual(queue, {nbuckets, std::vector<int>(nelems, -1)});
     }
 }
 
@@ -120,7 +122,7 @@ TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
     insertQueue(&queue, &queue.nodes, 0, 0);
     removeQueueElem(&queue, &queue.nodes, 0);
     EXPECT_EQ(removeQueue(&queue, &queue.nodes, 0), -1);
-    expectEqual(queue, {});
+    expectEqual(queue, {0, {}});
     EXPECT_EQ(isEmpty(&queue), 1);
     for (const int *array :
          {queue.first, queue.last, queue.nodes.prev, queue.nodes.next, queue.nodes.bucket})

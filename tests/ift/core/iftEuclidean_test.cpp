@@ -107,7 +107,7 @@ TEST(Euclidean, EqualsTheLiteralLoop) {
   }
 }
 
-// Relations of more displacements than bytes can name, and than have lists of their own.
+// Relations of more displacements than have lists of their own, and than a byte can name.
 TEST(Euclidean, WideRelationsEqualTheLiteralForm) {
   std::mt19937 random(22);
   const imNeighborhoodFn discs[] = {[](int **list) { return imNeighborhood(list, 25); },
@@ -116,21 +116,15 @@ TEST(Euclidean, WideRelationsEqualTheLiteralForm) {
     const int ncols = pick(random, 1, 30);
     const int nrows = pick(random, 1, 30);
     std::vector<Root> roots;
-    std::vector<int> pixels;
-    for (int i = pick(random, 0, 5); i > 0; --i) {
-      pixels.push_back(pick(random, 0, ncols * nrows - 1));
-      roots.push_back({pixels.back(), static_cast<int>(pixels.size()) - 1});
-    }
+    for (int label = pick(random, 0, 5); label > 0; --label)
+      roots.push_back({pick(random, 0, ncols * nrows - 1), label});
     const imImagePtr fast = distances(ncols, nrows, roots, discs[round % 2]);
-    const LiteralEuclid literal =
-        literalEuclid(fast.get(), discs[round % 2], 2 * (ncols + nrows) + 2, pixels.data(),
-                      static_cast<int>(pixels.size()));
-    Matrix label = literal.root;
-    for (auto &row : label)
-      std::replace(row.begin(), row.end(), -1, 0);
-    EXPECT_EQ(bandOf(fast, 1), label) << round;
-    EXPECT_EQ(bandOf(fast, 2), literal.cost) << round;
-    EXPECT_EQ(bandOf(fast, 3), literal.pred) << round;
+    const ifRootsPtr listed = makeRoots(roots);
+    const imImagePtr literal = literalEuclid(fast.get(), discs[round % 2], 2 * (ncols + nrows) + 2,
+                                             listed->n, listed->pixel, {listed->label});
+    EXPECT_EQ(bandOf(fast, 1), bandOf(literal, 2)) << round;
+    EXPECT_EQ(bandOf(fast, 2), bandOf(literal, 0)) << round;
+    EXPECT_EQ(bandOf(fast, 3), bandOf(literal, 1)) << round;
   }
 }
 
