@@ -70,19 +70,11 @@ TEST(AreaOpening, OfSmallImages) {
       {"larger than the image", {{9, 3, 7, 7}}, 5, {{3, 3, 3, 3}}, {{1, 1, 2, 2}}, {{9, 3, 7, 7}}},
       {"no threshold", {{9, 3, 7, 7}}, 0, zeros, {{1, 1, 2, 2}}, zeros},
       {"no maximum", zeros, 2, zeros, zeros, zeros},
+      // clang-format off
       // of 4 buckets; a cost of -1 is served with those of 3, before 2
-      {"negative values",
-       {{-1, 3, 2, 0}},
-       2,
-       {{-1, -1, -1, -1}},
-       {{1, 1, 1, 1}},
-       {{-1, -1, -1, -1}}},
-      {"negative, unreached",
-       {{-1, 3, 2, -1}},
-       5,
-       {{-1, -1, -1, -1}},
-       {{1, 1, 1, 1}},
-       {{-1, 3, 2, -1}}},
+      {"negative values", {{-1, 3, 2, 0}}, 2, {{-1, -1, -1, -1}}, {{1, 1, 1, 1}}, {{-1, -1, -1, -1}}},
+      {"negative, unreached", {{-1, 3, 2, -1}}, 5, {{-1, -1, -1, -1}}, {{1, 1, 1, 1}}, {{-1, 3, 2, -1}}},
+      // clang-format on
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.what);
