@@ -40,15 +40,10 @@ TEST(Visual, DiscsOfSquaredRadii) {
   const int w = 255;
   const imImagePtr radii = makeImage({{maxInt, 0, 0, 0}, {0, -9, 0, 0}}); // over all
   expectImage("large", imPaintCircles(radii.get()), imTypeGrey, 0, {Matrix(2, {w, w, w, w})});
-  const imImagePtr small = makeImage({{0, 0, 0, 0, 0, 0, 0, 0},
-                                      {0, 0, 4, 0, 0, 0, 0, 0},
-                                      {0, 0, 1, 0, 0, 0, 0, 2},
-                                      {0, 0, 0, 0, 0, 0, 0, 0}});
+  const imImagePtr small =
+      makeImage({{0, 0, 0, 0, 0, 0}, {0, 0, 4, 0, 0, 0}, {0, 0, 1, 0, 0, 0}, {0, 0, 0, 0, 0, 2}});
   expectImage("small", imPaintCircles(small.get()), imTypeGrey, 0,
-              {{{0, w, w, w, 0, 0, 0, 0},
-                {w, w, w, w, w, 0, w, w},
-                {0, w, w, w, 0, 0, w, w},
-                {0, 0, w, 0, 0, 0, w, w}}});
+              {{{0, w, w, w, 0, 0}, {w, w, w, w, w, 0}, {0, w, w, w, w, w}, {0, 0, w, 0, w, w}}});
 }
 
 } // namespace
