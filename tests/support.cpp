@@ -49,6 +49,18 @@ Matrix bandOf(const imImagePtr &image, int b) {
   return bandOf(image.get(), b);
 }
 
+void expectImage(const char *what, imImage *image, char type, int maxValue,
+                 const std::vector<Matrix> &bands) {
+  SCOPED_TRACE(what);
+  const imImagePtr owned(image);
+  ASSERT_NE(image, nullptr);
+  EXPECT_EQ(image->type, type);
+  EXPECT_EQ(image->maxValue, maxValue);
+  ASSERT_EQ(image->nbands, static_cast<int>(bands.size()));
+  for (int b = 0; b < image->nbands; ++b)
+    EXPECT_EQ(bandOf(image, b), bands[b]) << "band " << b;
+}
+
 int pick(std::mt19937 &random, int lo, int hi) {
   return std::uniform_int_distribution(lo, hi)(random);
 }

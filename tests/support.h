@@ -36,6 +36,10 @@ imImagePtr blankLike(const imImagePtr &image, int nbands = 1, char type = imType
 Matrix bandOf(const imImage *image, int b = 0);
 Matrix bandOf(const imImagePtr &image, int b = 0);
 
+/// Takes an image over, which has this type, maxValue and bands.
+void expectImage(const char *what, imImage *image, char type, int maxValue,
+                 const std::vector<Matrix> &bands);
+
 /// A uniformly random value lo .. hi.
 int pick(std::mt19937 &random, int lo, int hi);
 

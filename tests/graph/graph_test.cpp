@@ -91,12 +91,12 @@ TEST(Graph, ManyEdgesAsIfInsertedOneByOne) {
   }
 }
 
-TEST(Graph, WhatCannotBeDoneIsSaid) {
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(createGraph(makeImage({{maxInt}}).get(), 0), nullptr);
-  EXPECT_EQ(allocateGraph(-2, 0), nullptr);
-  EXPECT_EQ(allocateGraph(3, -1), nullptr);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+TEST(Graph, WithoutMemory) {
+  EXPECT_EQ(errorsOf([] {
+              EXPECT_EQ(createGraph(makeImage({{maxInt}}).get(), 0), nullptr);
+              EXPECT_EQ(allocateGraph(-2, 0), nullptr);
+              EXPECT_EQ(allocateGraph(3, -1), nullptr);
+            }),
             "in createGraph: could not allocate memory\n"
             "in allocateGraph: could not allocate memory\n"
             "in allocateGraph: could not allocate memory\n");

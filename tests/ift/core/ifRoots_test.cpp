@@ -53,7 +53,6 @@ TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
   EXPECT_EQ(listOf(roots.get()), (std::vector<Root>{{-7, 1}, {705032704, 2}, {-6, 3}}));
   ifSaveRoots(path.c_str(), image.get(), roots.get());
   EXPECT_EQ(contentsOf(path).substr(0, 10), "3\n-2 -1 1\n");
-  EXPECT_FATAL(ifVisualizeRoots(image.get(), roots.get()), "ifVisualizeRoots.*-7");
 }
 
 TEST(Roots, FaultyFiles) {
@@ -82,7 +81,6 @@ TEST(Roots, WhatCannotBeDoneEndsWithALine) {
   EXPECT_FATAL(ifReadRoots("/proc/self/mem", image.get()), "^ifReadRoots: .*/proc/self/mem");
   EXPECT_FATAL(ifReadRoots("no/folder", image.get()),
                "^Could not open file no/folder for reading\n$");
-  EXPECT_FATAL(seedforest::detail::createRoots(-1), "ifAllocateRoots");
 }
 
 TEST(Roots, NothingWhereSomethingIsNeeded) {
