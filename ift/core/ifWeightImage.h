@@ -6,8 +6,8 @@
 // imReleaseImage, or an imImagePtr, which does both.
 //
 // Reals are computed in double precision and truncated. Errors: no image, one without bands, or no
-// adjacency ends the process with status 1 after a line; allocation failures print the lines of imCreateImage, and
-// none is returned.
+// adjacency end the process with status 1 after a line; allocation failures print the lines of
+// imCreateImage, and none is returned.
 #pragma once
 
 #include "image/imImage.h"

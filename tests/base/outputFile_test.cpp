@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace seedforest::detail;
 
@@ -97,6 +98,22 @@ TEST(OutputFile, LinksStay) {
   EXPECT_FALSE(save(folder.path("loop"), "x"));
   for (const char *name : {"sub/up", "twice", "dangling"})
     EXPECT_TRUE(std::filesystem::is_symlink(folder.path(name))) << name;
+}
+
+TEST(OutputFile, WithoutRightsInTheFolderItWritesInPlace) {
+  if (geteuid() == 0)
+    GTEST_SKIP() << "root has all rights";
+  const TemporaryFolder folder;
+  const std::string path = folder.write("f", "old and long");
+  const std::string locked = folder.write("locked", "old");
+  chmod(locked.c_str(), 0444);
+  EXPECT_FALSE(save(locked, "new"));
+  chmod(folder.path("").c_str(), 0555);
+  EXPECT_TRUE(save(path, "new"));
+  EXPECT_EQ(contentsOf(path), "new");
+  EXPECT_FALSE(save(folder.path("g"), "new"));
+  chmod(folder.path("").c_str(), 0755);
+  EXPECT_EQ(contentsOf(locked), "old");
 }
 
 // What stands behind a descriptor, whatever has been written through it before, stays.
