@@ -7,6 +7,7 @@
 #include "base/scan.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/parseImage.h"
+#include "image/detail/writeImage.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -176,6 +177,10 @@ void writeAscii(Writer &writer, const imImage *image) {
   }
 }
 
+} // namespace
+
+namespace seedforest::detail {
+
 void writeImage(Writer &writer, imImage *image) {
   const bool ascii = image->type == imTypeAscii;
   if (ascii && image->maxValue == 0)
@@ -192,10 +197,6 @@ void writeImage(Writer &writer, imImage *image) {
   else
     writeBinary(writer, image);
 }
-
-} // namespace
-
-namespace seedforest::detail {
 
 imImagePtr parseImage(Text &text, const char *path) {
   const Header header = parseHeader(text, path);

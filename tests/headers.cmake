@@ -20,6 +20,7 @@ foreach(standard 17 20)
   target_link_libraries(public-headers-${standard} PRIVATE seedforest-options)
 endforeach()
 
+
 # Every public function stands on the page that says where to find it.
 file(READ ${PROJECT_SOURCE_DIR}/docs/finding.md page)
 set(found 0)
@@ -35,3 +36,14 @@ foreach(header ${headers})
   endforeach()
 endforeach()
 message(STATUS "docs/finding.md has all ${found} public functions")
+
+# Each header of the C++ interface compiles alone.
+file(GLOB interface CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/api ${PROJECT_SOURCE_DIR}/api/seedforest/*.hpp)
+set(sources)
+foreach(header ${interface})
+  string(REPLACE "/" "-" name ${header})
+  file(CONFIGURE OUTPUT headers/${name}.cpp CONTENT "#include \"${header}\"\n")
+  list(APPEND sources ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
+endforeach()
+add_library(public-headers-interface OBJECT ${sources})
+target_link_libraries(public-headers-interface PRIVATE seedforest::seedforest seedforest-options)

@@ -23,18 +23,7 @@ void saveRoots(const char *operation, const char *path, const imImage *image, in
   OutputFile file(path);
   if (!file.isOpen())
     fatal(About::file, "Could not open file %s for writing\n", path);
-  Writer &writer = file.writer();
-  writer.number(n);
-  writer.text("\n");
-  for (int i = 0; i < n; ++i) {
-    const int y = pixel[i] / image->ncols;
-    writer.number(pixel[i] - y * image->ncols);
-    writer.text(" ");
-    writer.number(y);
-    writer.text(" ");
-    writer.number(label[i]);
-    writer.text("\n");
-  }
+  putRoots(file.writer(), image, n, pixel, label);
   if (!file.close())
     fatal(About::file, "%s: could not write all of %s\n", operation, path);
 }
@@ -65,6 +54,18 @@ void scanSeeds(Text &text, const imImage *image, const ifRoots &roots) {
     out.text("\n");
   }
   out.flush();
+}
+
+// The roots whose count has been scanned from a text of that size.
+ifRootsPtr scanRoots(int n, std::size_t size, Text &lines, const char *path, const imImage *image) {
+  constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
+  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + size) {
+    fail(About::file, "invalid number of roots in file %s\n", path);
+    return nullptr;
+  }
+  ifRootsPtr roots = createRoots(n);
+  scanSeeds(lines, image, *roots);
+  return roots;
 }
 
 } // namespace
@@ -121,15 +122,8 @@ ifRoots *ifReadRoots(const char *path, const imImage *image) {
   scanInt(file, n);
   const Bytes lines = n > 0 ? takeBytes(file, SIZE_MAX) : Bytes();
   requireReadable(file, path);
-  constexpr std::size_t countBeyondSize = 65536; // lines may be missing, but not billions of them
-  if (n <= 0 || static_cast<std::size_t>(n) > countBeyondSize + file.size()) {
-    fail(About::file, "invalid number of roots in file %s\n", path);
-    return nullptr;
-  }
-  ifRootsPtr roots = createRoots(n);
   Text text(lines.view());
-  scanSeeds(text, image, *roots);
-  return roots.release();
+  return scanRoots(n, file.size(), text, path, image).release();
 }
 
 imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots) {
@@ -153,6 +147,27 @@ ifRootsPtr createRoots(int n) {
   ifRootsPtr roots(static_cast<ifRoots *>(allocateZeroed(1, sizeof(ifRoots))));
   ifAllocateRoots(roots.get(), n);
   return roots;
+}
+
+void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, const int *label) {
+  writer.number(n);
+  writer.text("\n");
+  for (int i = 0; i < n; ++i) {
+    const int y = pixel[i] / image->ncols;
+    writer.number(pixel[i] - y * image->ncols);
+    writer.text(" ");
+    writer.number(y);
+    writer.text(" ");
+    writer.number(label[i]);
+    writer.text("\n");
+  }
+}
+
+ifRootsPtr parseRoots(std::string_view bytes, const char *path, const imImage *image) {
+  Text text(bytes);
+  int n = 0;
+  scanInt(text, n);
+  return scanRoots(n, bytes.size(), text, path, image);
 }
 
 void requireRoots(const char *operation, const ifRoots *roots, const imImage *image) {

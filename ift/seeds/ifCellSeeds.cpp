@@ -2,6 +2,7 @@
 
 #include "base/report.h"
 #include "ift/core/iftForest.h"
+#include "ift/seeds/detail/cellClasses.h"
 #include "ift/seeds/ifExtrema.h"
 #include "ift/seeds/ifFrameSeeds.h"
 #include "image/detail/imageTools.h"
@@ -58,7 +59,9 @@ imImagePtr classify(const imImage *basins, const ifRoots *markers) {
 
 } // namespace
 
-ifRoots *ifCellsRoots(imImage *image, int steps) {
+namespace seedforest::detail {
+
+imImagePtr findCellClasses(imImage *image, int steps) {
   requireBands("ifCellsRoots", image, 1);
   if (image->nbands != 1)
     fatal("ifCellsRoots: an image of %d bands where one is needed\n", image->nbands);
@@ -68,7 +71,13 @@ ifRoots *ifCellsRoots(imImage *image, int steps) {
   const ifRootsPtr markers = findMarkers(image, steps);
   progress("ha %d sementes\n", markers->n);
   const imImagePtr forest = floodNegative(image, markers.get());
-  const imImagePtr classes = classify(forest.get(), markers.get());
+  return classify(forest.get(), markers.get());
+}
+
+} // namespace seedforest::detail
+
+ifRoots *ifCellsRoots(imImage *image, int steps) {
+  const imImagePtr classes = findCellClasses(image, steps);
   imSaveImage("labeled.pgm", classes.get());
   return ifLabelsToRoots(classes.get());
 }

@@ -1,12 +1,21 @@
-// Roots that an operation cannot go on without.
+// Roots that an operation cannot go on without, and the text form of roots.
 #pragma once
 
+#include "base/writer.h"
 #include "ift/core/ifRoots.h"
+
+#include <string_view>
 
 namespace seedforest::detail {
 
 /// A new record with n entries of zeros.
 ifRootsPtr createRoots(int n);
+
+/// Writes roots as ifSaveRoots() does.
+void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, const int *label);
+
+/// The roots in a file's bytes, as ifReadRoots() reads them; `path` only names the file in a line.
+ifRootsPtr parseRoots(std::string_view bytes, const char *path, const imImage *image);
 
 /// Ends with an error that names the operation, unless the roots are there and all are pixels of the
 /// image.

@@ -1,0 +1,47 @@
+// Callables with a state, passed to operations that take plain functions without a context.
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+namespace seedforest::detail {
+
+/// As long as one lives, its function calls a callable, in its thread: it finds the callable through
+/// a pointer that each thread has for each type of callable. The callable takes the function's
+/// arguments, or those behind the first. They nest.
+template <class Callable, class Function>
+class Through;
+
+template <class Callable, class First, class... Rest>
+class Through<Callable, int (*)(First, Rest...)> {
+public:
+  explicit Through(Callable &callable) : outer_(std::exchange(current, &callable)) {}
+  ~Through() { current = outer_; }
+  Through(const Through &) = delete;
+  Through &operator=(const Through &) = delete;
+
+  static int call(First first, Rest... rest) {
+    if constexpr (std::is_invocable_r_v<int, Callable &, First, Rest...>)
+      return (*current)(first, rest...);
+    else
+      return (*current)(rest...);
+  }
+
+private:
+  static inline constinit thread_local Callable *current = nullptr;
+  Callable *outer_;
+};
+
+/// use(a function that calls the callable), or the callable itself where it is a function or can
+/// become one.
+template <class Function, class Callable, class Use>
+decltype(auto) withFunction(Callable &callable, Use use) {
+  if constexpr (std::is_convertible_v<Callable &, Function>) {
+    return use(static_cast<Function>(callable));
+  } else {
+    const Through<Callable, Function> through(callable);
+    return use(static_cast<Function>(&Through<Callable, Function>::call));
+  }
+}
+
+} // namespace seedforest::detail

@@ -1,0 +1,29 @@
+// Grey-scale morphology with discs, band by band. A disc is named by its squared radius: 1 is the
+// cross of 5 pixels, 2 the 3 x 3 square; see imMorph.h. Results have the type and bands of the
+// image.
+#pragma once
+
+#include "seedforest/image.hpp"
+
+namespace seedforest {
+
+/// The largest (smallest) value in the disc around each pixel.
+Image dilate(const Image &image, int squaredRadius);
+Image erode(const Image &image, int squaredRadius);
+
+/// Opening takes away what is bright and smaller than the disc, closing what is dark and smaller.
+Image open(const Image &image, int squaredRadius);
+Image close(const Image &image, int squaredRadius);
+
+/// What each step of an alternating filter does first.
+enum class First { open, close };
+
+/// Alternating sequential filter: step i = 1 .. steps opens and closes with the squared radius i; 0
+/// steps or less change nothing. maxValue becomes the largest value.
+Image alternatingFilter(const Image &image, int steps, First first = First::open);
+
+/// Morphological gradient: the largest less the smallest value among each pixel and its 8
+/// neighbours, of the band where this is most; one band of type ascii.
+Image gradient(const Image &image);
+
+} // namespace seedforest

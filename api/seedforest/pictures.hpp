@@ -1,0 +1,31 @@
+// Pictures of results, of type color unless said otherwise. paintRoots() stands with the roots.
+#pragma once
+
+#include "seedforest/image.hpp"
+
+namespace seedforest {
+
+/// A colour, each part 0 .. 255.
+struct Color {
+  int red;
+  int green;
+  int blue;
+};
+
+/// The image with the borders between labels drawn over it, one pixel wide; see imShowSegm. Images
+/// of other types than grey, ascii and color give black.
+Image overlay(const Image &image, const Image &labels, const Color &color = {255, 0, 0});
+
+/// The image with the pixels where the mask is above 0 in a colour.
+/// Throws Error: an image of neither 1 nor 3 bands.
+Image highlight(const Image &image, const Image &mask, const Color &color = {255, 0, 0});
+
+/// The image with every pixel in the average of its region, band by band; of the image's type.
+/// Labels are 0 .. maxValue.
+Image averageColors(const Image &image, const Image &labels);
+
+/// White discs on black, of type grey: around each pixel above 0 those at a squared distance of at
+/// most its value. Of a skeleton's squared distances it makes the shape again.
+Image paintCircles(const Image &squaredRadii);
+
+} // namespace seedforest
