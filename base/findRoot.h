@@ -16,9 +16,9 @@ template <class ParentOf, class SetParent>
   return root;
 }
 
-/// The root of the tree that holds x, in a forest of parent links: find with path compression, after
-/// which every element on the way is a child of the root (Tarjan, "Efficiency of a good but not
-/// linear set union algorithm", 1975).
+/// The root of the tree that holds x, in a forest of parent links: find with path compression,
+/// after which every element on the way is a child of the root (Tarjan, "Efficiency of a good but
+/// not linear set union algorithm", 1975).
 ///   parentOf   int (int x): x's parent; a root is its own
 ///   setParent  void (int x, int root)
 template <class ParentOf, class SetParent>

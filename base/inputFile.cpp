@@ -16,8 +16,8 @@ constexpr std::size_t pieceSize = std::size_t{1} << 16;
 
 #if __has_include(<unistd.h>)
 
-// What there is of the next bytes, at most a piece: a pipe is not waited for until the piece is full.
-// 0 at the end, negative where reading failed.
+// Reads what there is of the next bytes, at most a piece, and returns how many: nobody waits for a
+// pipe to fill it. 0 at the end, negative where reading failed.
 std::ptrdiff_t readPiece(std::FILE *stream, char *to) {
   for (;;) {
     const ssize_t count = read(fileno(stream), to, pieceSize);

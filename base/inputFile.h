@@ -1,5 +1,5 @@
-// Files as text: read piece by piece, no further than somebody asks, so that nothing of a file needs
-// to fit into memory and nobody waits for what is not needed.
+// Files as text: read piece by piece, no further than somebody asks, so that a file need not fit
+// into memory and nobody waits for what is not needed.
 #pragma once
 
 #include "base/buffer.h"

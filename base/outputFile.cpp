@@ -288,7 +288,9 @@ bool putInFile(void *stream, std::string_view part) {
 
 OutputFile::OutputFile(const char *path)
     : stream_(openOutput(path, replacement_)), writer_(putInFile, stream_.get()) {
-  if (stream_ != nullptr)
+  if (stream_ == nullptr)
+    replacement_ = nullptr;
+  else
     std::setvbuf(stream_.get(), nullptr, _IONBF, 0); // the Writer has a buffer
 }
 

@@ -16,9 +16,9 @@ class Replacement;
 /// A regular file, or one that is not there yet, is written beside its place, as
 /// ".seedforest-tmp-" with letters behind it, and renamed over the old one by close(). It has the
 /// old one's permissions, and its owner and group where that is allowed; other hard links keep the
-/// old file. Where the path is a symbolic link, what it points to is replaced, there yet or not, and
-/// the link stays. Until close() succeeds the old file is as it was. Nothing is forced to the disk:
-/// after a power cut the file may be the old one, the new one or, on some file systems, empty.
+/// old file. Where the path is a symbolic link, what it points to is replaced, there yet or not,
+/// and the link stays. Until close() succeeds the old file is as it was. Nothing is forced to the
+/// disk: after a power cut the file may be the old one, the new one or, on some file systems, empty.
 ///
 /// Written in place are: devices, pipes and the like; a file in a folder where no file can be made
 /// or replaced; every file on systems without POSIX. A path that names a descriptor of the process

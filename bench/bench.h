@@ -22,8 +22,7 @@ inline void reportPerItem(benchmark::State &state, const char *name, double item
                                  Counter::kIsRate | Counter::kInvert);
 }
 
-/// Reports the most memory that the process has had so far, in bytes per pixel: run a program with
-/// a
+/// Reports the most memory that the process has had so far, in bytes per pixel: run a program with a
 /// --benchmark_filter that leaves the benchmark of interest alone.
 inline void reportPeakMemory(benchmark::State &state, double pixels) {
   rusage usage = {};

@@ -1,13 +1,14 @@
-// Graphs as edge lists, undirected or directed, with a weight on each edge and integers on each
-// vertex. Its main use is the adjacency of regions: vertex v is the region of label v in the label
-// image that the graph owns.
+// Graphs as adjacency lists, undirected or directed, with a weight on each edge and integers on
+// each vertex. Its main use is the adjacency of regions: vertex v is the region of label v in the
+// label image that the graph owns.
 //
 // A vertex's list holds at most one edge to each target; a new one goes to the head, so a list
 // reads from the youngest edge to the oldest. Insertion scans the list for the target, which takes
-// a time that grows with its length; code that inserts many edges uses graph/edgeInserter.h.
+// a time that grows with its length.
 //
-// Errors, in every operation: no graph or list, or a vertex outside 0 .. nVertices - 1, ends the
-// process with status 1 after a line, as does memory for an edge that cannot be had.
+// Ends with an error, in every operation: no graph or no list, a vertex outside 0 .. nVertices - 1,
+// memory for an edge that cannot be had (an error is a line on standard error and status 1, or an
+// exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"
@@ -38,17 +39,18 @@ struct ifGraph {
 
 /// A new graph with the vertices 0 .. maxValue of the label image, of which it keeps a copy, and
 /// without edges. The caller releases it. Where it cannot be allocated: "in createGraph: could not
-/// allocate memory\n" on standard error, or the image's message, and no graph.
+/// allocate memory\n" on standard error, or the image's message, and no graph; in a scope of
+/// ThrowingErrors that line is thrown.
 [[nodiscard]] ifGraph *createGraph(const imImage *labelImage, int dataSize);
 
 /// A new graph with the vertices 0 .. n, without a label image. The caller releases it. Where it
-/// cannot be allocated: "in allocateGraph: could not allocate memory\n" on standard error, and no
-/// graph.
+/// cannot be allocated: "in allocateGraph: could not allocate memory\n", in the same way.
 [[nodiscard]] ifGraph *allocateGraph(int n, int dataSize);
 
 /// A new graph with a copy of the label image, if there is one, and all edges; each list in reverse
 /// order, the data 0. It has the vertices that createGraph() would make, and no fewer than the old
-/// one. Leaves the old graph's cursors at the ends of the lists. Fails as createGraph() does.
+/// one. Leaves the old graph's cursors at the ends of the lists. Where it cannot be allocated: as
+/// createGraph(). Ends with an error: an edge that leads to no vertex.
 [[nodiscard]] ifGraph *copyBaseGraph(ifGraph *graph, int dataSize);
 
 /// Releases the graph with all that it owns, and clears the caller's pointer.
@@ -71,6 +73,7 @@ void insertDirectedEdge(ifGraph *graph, int a, int b, int weight);
 void removeDirectedEdge(ifGraph *graph, int a, int b);
 
 /// A new empty list with dataSize integers. The caller releases it: listDestroy(), then free().
+/// Ends with an error: a negative dataSize.
 [[nodiscard]] ifVertex *createList(int dataSize);
 
 /// Inserts an edge and returns it; where the target is there already, changes nothing and returns

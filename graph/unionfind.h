@@ -1,5 +1,6 @@
-// Disjoint sets over the integers 0 .. n - 1: union by rank with path compression (Tarjan), with a
-// block of integers for each element and a callback that keeps sums over the sets up to date.
+// Disjoint sets over the integers 0 .. n - 1: union by rank with path compression (Tarjan,
+// "Efficiency of a good but not linear set union algorithm", 1975), with a block of integers for
+// each element and a callback that keeps sums over the sets up to date.
 //
 //   ufStartUnionFind(&uf, n, dataSize);
 //   uf.merge = addAreas; // optional, as is filling in the data
@@ -8,8 +9,9 @@
 //     ufLink(&uf, a, b);
 //   ufReleaseUnionFind(&uf);
 //
-// An element outside 0 .. n - 1, a parent outside it, or parents that lead in a circle end the
-// process with status 1 after a line.
+// Ends with an error, in every operation: no record, an element or a parent outside 0 .. n - 1,
+// parents that lead in a circle (an error is a line on standard error and status 1, or an
+// exception: base/error.h).
 #pragma once
 
 struct ufElement {
@@ -19,6 +21,7 @@ struct ufElement {
 };
 
 /// Folds the data of set b into the data of set a, after b was put under a. The result is not used.
+/// One that throws leaves the sets joined, and the rank of a as it was.
 using ufMergeFn = int (*)(ufElement *elems, int a, int b);
 
 struct ufUnionFind {
@@ -30,8 +33,9 @@ struct ufUnionFind {
 
 /// Makes n sets of one element each (n may be 0), rank 0, data 0, no callback. What the record held
 /// before is not released.
-/// Errors, on standard error, then status 1: "Union/find was not allocated before ufStartUnionFind
-/// \n\n" without a record, "Could not allocate structure for union/find [%d elements]\n\n" (n).
+/// Ends with an error: "Union/find was not allocated before ufStartUnionFind \n\n" without a
+/// record, "Could not allocate structure for union/find [%d elements]\n\n" (n) without memory or
+/// with n below 0.
 void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize);
 
 /// Frees the elements and their data. The fields stay as they are.

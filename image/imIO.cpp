@@ -89,13 +89,16 @@ void scanPixels(Text &text, int *values, std::size_t count) {
   }
 }
 
-// Pixels start .. start + n - 1, from a byte for each band.
-template <int nbands>
-void widen(const unsigned char *bytes, int start, int n, int *const *band) {
-  for (int b = 0; b < nbands; ++b) {
-    int *values = band[b] + start;
-    for (int i = 0; i < n; ++i)
-      values[i] = bytes[std::ptrdiff_t{i} * nbands + b];
+void widen(const unsigned char *bytes, int n, int *values) {
+  for (int i = 0; i < n; ++i)
+    values[i] = bytes[i];
+}
+
+void deinterleave(const unsigned char *bytes, int n, int *red, int *green, int *blue) {
+  for (int i = 0; i < n; ++i) {
+    red[i] = bytes[3 * i];
+    green[i] = bytes[3 * i + 1];
+    blue[i] = bytes[3 * i + 2];
   }
 }
 
@@ -113,7 +116,11 @@ std::size_t readSamples(Text &text, imImage *image) {
     if (count < wanted)
       break;
     const auto *samples = reinterpret_cast<const unsigned char *>(bytes.get());
-    (image->nbands == 1 ? widen<1> : widen<3>)(samples, start, n, image->band);
+    int *const *band = image->band;
+    if (image->nbands == 1)
+      widen(samples, n, band[0] + start);
+    else
+      deinterleave(samples, n, band[0] + start, band[1] + start, band[2] + start);
   }
   return total;
 }

@@ -12,17 +12,20 @@
 using namespace seedforest::detail;
 
 imImage *imCreateImage(int nbands, char type, int ncols, int nrows) {
+  constexpr const char *unavailable = "Could not allocate image!\n";
   const std::int64_t npixels = std::int64_t{ncols} * nrows;
-  imImage *image = nullptr;
-  if (nbands >= 0 && ncols > 0 && nrows > 0 && npixels <= maxInt)
-    image = static_cast<imImage *>(tryAllocateZeroed(1, sizeof(imImage)));
+  if (nbands < 0 || ncols <= 0 || nrows <= 0 || npixels > maxInt) {
+    fail(About::call, unavailable);
+    return nullptr;
+  }
+  auto *image = static_cast<imImage *>(tryAllocateZeroed(1, sizeof(imImage)));
   if (image != nullptr) {
     image->band = static_cast<int **>(tryAllocateZeroed(nbands, sizeof(int *)));
     image->row = static_cast<int *>(tryAllocateZeroed(nrows, sizeof(int)));
   }
   if (image == nullptr || image->band == nullptr || image->row == nullptr) {
     imReleaseImage(&image);
-    fail(About::memory, "Could not allocate image!\n");
+    fail(About::memory, unavailable);
     return nullptr;
   }
   image->nbands = nbands;
@@ -86,6 +89,8 @@ void imHistogram(const imImage *image, const imImage *mask, float **histogram, i
   requireBands("imHistogram", image, 1);
   requireBands("imHistogram", mask, 1);
   requireSameSize("imHistogram", image, mask);
+  requireGiven("imHistogram", "place for the histogram", histogram);
+  requireGiven("imHistogram", "place for its size", size);
   const int *value = image->band[0];
   const int *inside = mask->band[0];
   int largest = 0;
@@ -96,14 +101,16 @@ void imHistogram(const imImage *image, const imImage *mask, float **histogram, i
       fatal("imHistogram: no entry for the value %d at pixel %d\n", value[p], p);
     largest = std::max(largest, value[p]);
   }
-  *size = largest + 1;
-  *histogram = static_cast<float *>(allocateZeroed(*size, sizeof(float)));
+  Array<float> counts = makeZeroedArray<float>(std::size_t{1} + largest);
   for (int p = 0; p < image->npixels; ++p)
     if (inside[p] > 0)
-      (*histogram)[value[p]] += 1.0F;
+      counts[value[p]] += 1.0F;
+  *size = largest + 1;
+  *histogram = counts.release();
 }
 
 void imPrintWindow(std::FILE *stream, const imImage *image, int p, int r) {
+  requireGiven("imPrintWindow", "stream", stream);
   requireBands("imPrintWindow", image, 1);
   requirePixel("imPrintWindow", image, p);
   const std::int64_t reach = r;

@@ -4,6 +4,9 @@
 // costs, distances and negative values. Pixel (x, y) has index p = x + row[y]; x = p mod ncols and
 // y = p div ncols.
 //
+// Where an image, or a place for a result, is needed and not given, an operation ends the process
+// with status 1 after a line that names it.
+//
 // Allocation failures, in every function that makes an image: "Could not allocate image!\n" or
 // "Could not allocate memory for image band %d!\n" on standard error, and no image.
 #pragma once
@@ -12,15 +15,14 @@
 #include <memory>
 
 /// What an image is, which is also the dialect that it came from or is to be written in.
-inline constexpr char imTypeGrey = 1; ///< grey, binary samples: P5
-inline constexpr char imTypeAscii =
-    2; ///< grey, ASCII samples: P2; every computed image of one band
+/// The last four have no file form.
+inline constexpr char imTypeGrey = 1;     ///< grey, binary samples: P5
+inline constexpr char imTypeAscii = 2;    ///< grey, ASCII samples: P2; computed images of one band
 inline constexpr char imTypeColor = 3;    ///< red, green and blue, binary samples: P6
-inline constexpr char imTypeXyz = 6;      ///< colour in a computed space; has no file form
-inline constexpr char imTypeFeatures = 9; ///< bands rescaled to 0 .. 1000; has no file form
-inline constexpr char imTypeWeights =
-    10; ///< one band of weights per arc of an adjacency; no file form
-inline constexpr char imTypeWork = 11; ///< working bands of a transform; no file form
+inline constexpr char imTypeXyz = 6;      ///< colour in a computed space
+inline constexpr char imTypeFeatures = 9; ///< bands rescaled to 0 .. 1000
+inline constexpr char imTypeWeights = 10; ///< a band of weights for each arc of an adjacency
+inline constexpr char imTypeWork = 11;    ///< working bands of a transform
 
 struct imImage {
   int **band;   ///< nbands arrays of npixels values
@@ -36,7 +38,8 @@ struct imImage {
 };
 
 /// A new image: bands of zeros, maxValue and nAdj 0, no adj. The caller releases it.
-/// Sizes without a pixel, or with more than 2^31 - 1, are refused like an allocation that fails.
+/// Sizes without a pixel, or with more than 2^31 - 1, are refused with the line "Could not allocate
+/// image!\n" too. Bands take up memory where they are written; the row table takes 4 bytes a row.
 [[nodiscard]] imImage *imCreateImage(int nbands, char type, int ncols, int nrows);
 
 /// Frees the bands, the row table and the record, but not `adj`: whoever made an arc-weight image

@@ -5,7 +5,8 @@
 // A relation is a function that stores a new list of pairs dx0, dy0, dx1, dy1, ... through its
 // argument, for the caller to free(), and returns the number n of pairs. dx counts columns to the
 // right, dy rows downwards. A neighbour outside the image does not exist; nothing wraps around.
-// A list that cannot be allocated ends the process: "could not allocate memory!\n", status 1.
+// A list that cannot be allocated ends the process: "could not allocate memory!\n", status 1; so
+// does, with a line that names the operation, a null argument.
 #pragma once
 
 using imNeighborhoodFn = int (*)(int **list);

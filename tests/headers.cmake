@@ -20,6 +20,23 @@ foreach(standard 17 20)
   target_link_libraries(public-headers-${standard} PRIVATE seedforest-options)
 endforeach()
 
+
+# Every public function stands on the page that says where to find it.
+file(READ ${PROJECT_SOURCE_DIR}/docs/finding.md page)
+set(found 0)
+foreach(header ${headers})
+  file(STRINGS ${PROJECT_SOURCE_DIR}/${header} declarations
+    REGEX "^(\\[\\[nodiscard\\]\\] )?(int|void|im[A-Z][a-z]+ |if[A-Z][a-z]+ ) ?\\*?[A-Za-z0-9_]+\\(")
+  foreach(declaration ${declarations})
+    string(REGEX REPLACE "^.*[ *]([A-Za-z0-9_]+)\\(.*$" "\\1" function ${declaration})
+    math(EXPR found "${found} + 1")
+    if(NOT page MATCHES "`${function}`")
+      message(SEND_ERROR "docs/finding.md does not have ${function} of ${header}")
+    endif()
+  endforeach()
+endforeach()
+message(STATUS "docs/finding.md has all ${found} public functions")
+
 # Each header of the C++ interface compiles alone.
 file(GLOB interface CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/api ${PROJECT_SOURCE_DIR}/api/seedforest/*.hpp)
 set(sources)

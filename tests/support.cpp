@@ -49,6 +49,18 @@ Matrix bandOf(const imImagePtr &image, int b) {
   return bandOf(image.get(), b);
 }
 
+void expectImage(const char *what, imImage *image, char type, int maxValue,
+                 const std::vector<Matrix> &bands) {
+  SCOPED_TRACE(what);
+  const imImagePtr owned(image);
+  ASSERT_NE(image, nullptr);
+  EXPECT_EQ(image->type, type);
+  EXPECT_EQ(image->maxValue, maxValue);
+  ASSERT_EQ(image->nbands, static_cast<int>(bands.size()));
+  for (int b = 0; b < image->nbands; ++b)
+    EXPECT_EQ(bandOf(image, b), bands[b]) << "band " << b;
+}
+
 int pick(std::mt19937 &random, int lo, int hi) {
   return std::uniform_int_distribution(lo, hi)(random);
 }
@@ -77,6 +89,12 @@ std::vector<Root> listOf(const ifRoots *roots) {
   for (int i = 0; i < roots->n; ++i)
     list.push_back({roots->pixel[i], roots->label[i], roots->value[i]});
   return list;
+}
+
+void expectErrors(const std::vector<Misuse> &misuses) {
+  for (const Misuse &misuse : misuses)
+    EXPECT_EQ(thrownBy(misuse.call).substr(0, misuse.operation.size() + 13),
+              misuse.operation + ": there is no");
 }
 
 TemporaryFolder::TemporaryFolder() {

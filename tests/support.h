@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/arith.h"
+#include "base/error.h"
 #include "base/scan.h"
 #include "ift/core/ifRoots.h"
 #include "image/imImage.h"
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -33,6 +35,10 @@ imImagePtr blankLike(const imImagePtr &image, int nbands = 1, char type = imType
 /// A band as rows.
 Matrix bandOf(const imImage *image, int b = 0);
 Matrix bandOf(const imImagePtr &image, int b = 0);
+
+/// Takes an image over, which has this type, maxValue and bands.
+void expectImage(const char *what, imImage *image, char type, int maxValue,
+                 const std::vector<Matrix> &bands);
 
 /// A uniformly random value lo .. hi.
 int pick(std::mt19937 &random, int lo, int hi);
@@ -68,6 +74,25 @@ std::string errorsOf(Work work) {
   work();
   return testing::internal::GetCapturedStderr();
 }
+
+/// The error that some work throws where errors are thrown; "none" where it throws none.
+template <class Work>
+std::string thrownBy(Work work) {
+  const seedforest::ThrowingErrors throwing;
+  try {
+    work();
+  } catch (const seedforest::Error &error) {
+    return error.what();
+  }
+  return "none";
+}
+
+/// Each operation, given nothing where it needs something, says so in an error that names it.
+struct Misuse {
+  std::string operation;
+  std::function<void()> call;
+};
+void expectErrors(const std::vector<Misuse> &misuses);
 
 /// A new empty folder, removed with all that is in it.
 class TemporaryFolder {

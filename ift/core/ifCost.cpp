@@ -45,6 +45,7 @@ int ifEuclideanDistance(const imImage *image, int p, int q) {
 }
 
 int ifMaxDistance(const imImage *image, int p, int q) {
+  requireBands("ifMaxDistance", image, 0);
   std::int64_t largest = -1;
   for (int b = 0; b < image->nbands; ++b)
     largest = std::max(largest, std::abs(std::int64_t{image->band[b][p]} - image->band[b][q]));
@@ -52,6 +53,7 @@ int ifMaxDistance(const imImage *image, int p, int q) {
 }
 
 int ifChanferDistance(const imImage *image, int p, int q) {
+  requireBands("ifChanferDistance", image, 0);
   const int ncols = image->ncols;
   return p % ncols == q % ncols || p / ncols == q / ncols ? 12 : 17;
 }

@@ -3,6 +3,7 @@
 #include "base/buffer.h"
 #include "base/report.h"
 #include "ift/core/detail/queueErrors.h"
+#include "image/detail/imageTools.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -44,6 +45,11 @@ void unlink(ifQueue *q, ifQueueNodes *a, int e) {
   (behind == none ? q->last[b] : a->prev[behind]) = before;
 }
 
+void requireQueue(const char *operation, const ifQueue *q, const ifQueueNodes *a) {
+  requireGiven(operation, "queue", q);
+  requireGiven(operation, "record of elements", a);
+}
+
 void pullBack(ifQueue *q, int b) {
   q->current = std::min(q->current, b);
 }
@@ -56,6 +62,7 @@ int *tryAllocateInts(int count) {
 } // namespace
 
 void initQueue(ifQueue *q, int nbuckets, ifQueueNodes *a, int nelems) {
+  requireQueue("initQueue", q, a);
   *q = {};
   *a = {};
   if (nbuckets > 0) {
@@ -63,15 +70,15 @@ void initQueue(ifQueue *q, int nbuckets, ifQueueNodes *a, int nelems) {
     q->last = tryAllocateInts(nbuckets);
   }
   if (q->first == nullptr || q->last == nullptr) {
-    complainOfQueue('Q');
-    return releaseQueue(q, a);
+    releaseQueue(q, a);
+    return complainOfQueue('Q');
   }
   a->next = tryAllocateInts(nelems);
   a->prev = tryAllocateInts(nelems);
   a->bucket = tryAllocateInts(nelems);
   if (a->next == nullptr || a->prev == nullptr || a->bucket == nullptr) {
-    complainOfQueue('A');
-    return releaseQueue(q, a);
+    releaseQueue(q, a);
+    return complainOfQueue('A');
   }
   q->nbuckets = nbuckets;
   a->nelems = nelems;
@@ -79,6 +86,7 @@ void initQueue(ifQueue *q, int nbuckets, ifQueueNodes *a, int nelems) {
 }
 
 void resetQueue(ifQueue *q, ifQueueNodes *a) {
+  requireQueue("resetQueue", q, a);
   std::fill_n(q->first, q->nbuckets, none);
   std::fill_n(q->last, q->nbuckets, none);
   std::fill_n(a->bucket, a->nelems, white);
@@ -86,6 +94,7 @@ void resetQueue(ifQueue *q, ifQueueNodes *a) {
 }
 
 void insertQueue(ifQueue *q, ifQueueNodes *a, int b, int e) {
+  requireQueue("insertQueue", q, a);
   if (!isBucket(q, b) || !isElement(a, e))
     return;
   if (isWaiting(a, e))
@@ -94,6 +103,7 @@ void insertQueue(ifQueue *q, ifQueueNodes *a, int b, int e) {
 }
 
 void insertQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e) {
+  requireQueue("insertQueueUpdateCurr", q, a);
   if (!isBucket(q, b) || !isElement(a, e))
     return;
   insertQueue(q, a, b, e);
@@ -101,6 +111,7 @@ void insertQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e) {
 }
 
 int removeQueue(ifQueue *q, ifQueueNodes *a, int b) {
+  requireQueue("removeQueue", q, a);
   if (!isBucket(q, b) || q->first[b] == none)
     return -1;
   const int e = q->first[b];
@@ -110,6 +121,7 @@ int removeQueue(ifQueue *q, ifQueueNodes *a, int b) {
 }
 
 void removeQueueElem(ifQueue *q, ifQueueNodes *a, int e) {
+  requireQueue("removeQueueElem", q, a);
   if (!isWaiting(a, e))
     return;
   unlink(q, a, e);
@@ -117,16 +129,21 @@ void removeQueueElem(ifQueue *q, ifQueueNodes *a, int e) {
 }
 
 void updateQueue(ifQueue *q, ifQueueNodes *a, int b, int e) {
+  requireQueue("updateQueue", q, a);
   if (isWaiting(a, e))
     insertQueue(q, a, b, e);
 }
 
 void updateQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e) {
+  requireQueue("updateQueueUpdateCurr", q, a);
   if (isWaiting(a, e))
     insertQueueUpdateCurr(q, a, b, e);
 }
 
 int isEmpty(ifQueue *q) {
+  requireGiven("isEmpty", "queue", q);
+  if (!isBucket(q, q->current)) // the caller's doing
+    q->current = 0;
   for (int seen = 0; seen < q->nbuckets; ++seen) {
     if (q->first[q->current] != none)
       return 0;
@@ -136,6 +153,8 @@ int isEmpty(ifQueue *q) {
 }
 
 void releaseQueue(ifQueue *q, ifQueueNodes *a) {
+  if (q == nullptr || a == nullptr)
+    return;
   std::free(q->first);
   std::free(q->last);
   std::free(a->next);

@@ -4,10 +4,12 @@
 //
 // An element is white (-1: never inserted, or taken out), grey (0 .. nbuckets - 1: waiting in that
 // bucket) or black (-2: removed as a best element). The queue stores no costs; the caller computes
-// buckets. Each bucket is a list linked through prev and next, so every operation but isEmpty is
-// O(1).
+// buckets. Each bucket is a list linked through prev and next: inserting, moving and removing take
+// constant time, isEmpty() a time that grows with the buckets that it passes, making and emptying
+// the queue one that grows with buckets and elements (R. B. Dial, Algorithm 360, 1969).
 //
-// A bucket or an element out of range is ignored: nothing happens, and removal returns -1.
+// A bucket or an element out of range is ignored: nothing happens, and removal returns -1. A record
+// that is not there ends the process with status 1 after a line that names the operation.
 #pragma once
 
 struct ifQueue {
@@ -52,8 +54,9 @@ void updateQueue(ifQueue *q, ifQueueNodes *a, int b, int e);
 void updateQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e);
 
 /// Moves current forward, round the circle, to the first bucket that is not empty, itself included;
-/// returns 0, or 1 with current where it was when all are empty.
+/// returns 0, or 1 with current where it was when all are empty. A current out of range, which only
+/// the caller can have set, counts as 0.
 int isEmpty(ifQueue *q);
 
-/// Frees the arrays and nulls every field.
+/// Frees the arrays and nulls every field; nothing where a record is not there.
 void releaseQueue(ifQueue *q, ifQueueNodes *a);

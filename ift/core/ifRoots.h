@@ -3,6 +3,9 @@
 // Entry i of the parallel arrays is seed i. The order is that in which the seeds were produced, and
 // every operation keeps it: transforms serve seeds of equal cost in this order. Pixels and labels
 // may repeat.
+//
+// Where an image or a record is needed and not given, an operation ends the process with status 1
+// after a line that names it.
 #pragma once
 
 #include "image/imImage.h"
@@ -29,14 +32,14 @@ struct ifRoots2 {
 /// A negative n, or memory that cannot be had, ends the process with status 1 after a line.
 void ifAllocateRoots(ifRoots *roots, int n);
 
-/// Free the arrays, not the record, which keeps no entries.
+/// Free the arrays, not the record, which keeps no entries. Nothing where there is no record.
 void ifReleaseRoots(ifRoots *roots);
 void ifReleaseRoots2(ifRoots2 *roots);
 
 /// Writes a roots file: the count, then a line "x y label" per seed, in order; the image supplies
-/// the width that splits a pixel index. The values are not stored. Errors, on standard error, then
-/// status 1: "Could not open file %s for writing\n"; a line when the text does not all reach the
-/// file.
+/// the width that splits a pixel index. The values are not stored. An old file is replaced, when
+/// the new one is whole, as by imSaveImage(). Errors, on standard error, then status 1: "Could not
+/// open file %s for writing\n"; a line when the text does not all reach the file.
 void ifSaveRoots(const char *path, const imImage *image, const ifRoots *roots);
 void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots);
 
@@ -44,9 +47,10 @@ void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots)
 /// Numbers may stand apart by any white space. Each seed prints "read: %d %d\n" (pixel and label)
 /// on standard output. Where a line has no number to scan, x, y and label keep their last values (0
 /// at first): a file may have fewer lines than its count, and coordinates outside the image give
-/// pixel indices outside it, which operations on the set reject. Errors, on standard error: "Could
-/// not open file %s for reading\n", then status 1; "invalid number of roots in file %s\n" and no
-/// record when the count is missing, below 1, or larger than 65536 plus the file's size in bytes.
+/// pixel indices outside it, which operations on the set reject. The file is read to its end.
+/// Errors, on standard error: "Could not open file %s for reading\n", or a line for a file that
+/// cannot be read on, then status 1; "invalid number of roots in file %s\n" and no record when the
+/// count is missing, below 1, or larger than 65536 plus the file's size in bytes.
 [[nodiscard]] ifRoots *ifReadRoots(const char *path, const imImage *image);
 
 /// A new image of type ASCII: each seed's label at its pixel, the later seed's where a pixel

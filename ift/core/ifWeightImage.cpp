@@ -20,6 +20,7 @@ template <class Weigh>
 imImage *weightImage(const char *operation, const imImage *image, imNeighborhoodFn adjacency,
                      bool announced, Weigh weigh) {
   requireBands(operation, image, 1);
+  requireGiven(operation, "adjacency", adjacency);
   const NeighborWalk neighbors(image, adjacency);
   imImagePtr weights = tryCreateLike(image, neighbors.size(), imTypeWeights);
   if (weights == nullptr)

@@ -5,9 +5,9 @@
 // maxValue is 1000; nAdj and adj hold the adjacency. The caller releases it: free(adj) and
 // imReleaseImage, or an imImagePtr, which does both.
 //
-// Reals are computed in double precision and truncated. Errors: an image without bands ends the
-// process with status 1 after a line; allocation failures print the lines of imCreateImage, and
-// none is returned.
+// Reals are computed in double precision and truncated. Errors: no image, one without bands, or no
+// adjacency end the process with status 1 after a line; allocation failures print the lines of
+// imCreateImage, and none is returned.
 #pragma once
 
 #include "image/imImage.h"

@@ -1,16 +1,17 @@
-// Image foresting transforms: every pixel gets the best path from some seed.
+// Image foresting transforms: every pixel gets the best path from some seed. With the values of the
+// pixels for weights and the largest of them for a path's cost, that is the watershed from markers.
 //
 // A forest image is a work image of the caller's, of the input's size and with at least three
 // bands; a transform writes its last three:
 //
 //   band nbands - 3   the label of the seed whose path won, 0 where none arrived
 //   band nbands - 2   the cost of that path; the infinite cost where none arrived
-//   band nbands - 1   the pixel before on that path; the pixel itself for seeds and unreached
-//   pixels
+//   band nbands - 1   the pixel before on that path; for seeds and unreached pixels the pixel itself
 //
-// Algorithm: Dijkstra's, on buckets in a circle. The bucket of a cost is the remainder of its
-// division by the number of buckets, folded into range; costs beyond the bound are served in
-// remainder order.
+// Algorithm: Dijkstra's (1959), from several sources, on Dial's buckets in a circle (1969). The bucket
+// of a cost is the remainder of its division by the number of buckets, folded into range; costs
+// beyond the bound are served in remainder order. Time is linear in the arcs and in the costs that
+// occur; memory, beside the images, a few words for each pixel and two for each bucket.
 //
 // Ties: pixels of one bucket are served first in, first out, seeds in the order of their list and
 // neighbours in the order of the adjacency. A pixel keeps the first of several best paths. A seed
@@ -19,16 +20,18 @@
 //
 // Weights come from a function and an adjacency, or from an arc-weight image (ifWeightImage.h),
 // which brings its adjacency along: band k at p weighs the arc by displacement k, a negative weight
-// is no arc, and the input gives the size only.
+// is no arc, and the input gives the size only. With ifWatershedMetric and ifPathCostMax or
+// ifPathCostMaxLocal (maximising: ifPathCostMin, ifPathCostMinLocal), for values and seeds within
+// 0 .. maxCost, a form runs that is several times faster; the result is the same.
 //
 // The transforms of fixed size have buckets for costs up to 49999 and multiply weights, which are
 // expected in 0 .. 1000, by 49 (saturating) before the path cost sees them; seeds' costs enter as
 // they are.
 //
-// Errors, after a line on standard error, with status 1: a negative bound, images of different
-// size, a forest image with too few bands, an arc-weight image without its adjacency, a seed
-// outside the image, memory that cannot be had ("Could not allocate queue (Q) in initQueue\n" for
-// buckets, "(A)" for per-pixel storage).
+// Ends with an error (a line on standard error and status 1, or an exception: base/error.h): a
+// negative bound, something missing, images of different size, a forest image with too few bands, an
+// arc-weight image without its adjacency, a seed outside the image, memory that cannot be had
+// ("Could not allocate queue (Q) in initQueue\n" for buckets, "(A)" for per-pixel storage).
 #pragma once
 
 #include "ift/core/ifCost.h"
@@ -76,7 +79,7 @@ void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const
 /// From seeds of label 1 the maximum of the cost and the values on the way spreads to pixels of
 /// higher cost, from seeds of label 2 the minimum to pixels of lower cost, both in one queue of
 /// buckets for costs up to the marker's maxValue (for label 2 for what they lack of it). A seed's
-/// value replaces the marker's. Each arc from a pixel of another label prints "pixel %d has invalid
-/// label (%d)!\n" on standard error and leads nowhere.
+/// value replaces the marker's. A pixel of another label offers nothing, but prints "pixel %d has
+/// invalid label (%d)!\n" on standard error for each neighbour that has not been settled yet.
 void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
                            imNeighborhoodFn adjacency, const ifRoots *seeds);

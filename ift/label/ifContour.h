@@ -3,8 +3,11 @@
 // sources of neighbouring pixels lie. Skeletons and the seeds of distance transforms build on them.
 //
 // All work on band 0. Outputs are images of the input's size, zeroed by the caller: no operation
-// clears what it does not write. Errors: an image without band 0, or of another size than its
-// partner, ends the process with status 1 after a line.
+// clears what it does not write.
+//
+// Ends with an error, in every operation: no image, one without band 0 or of another size than its
+// partner, memory that cannot be had (an error is a line on standard error and status 1, or an
+// exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"
@@ -27,15 +30,16 @@ int labelContours(const imImage *contour, imImage *labels);
 
 /// Follows a contour depth first from pixel p, taking a step only where the shape lies on its left
 /// and the background on its right (seen in the direction of the step), so that a closed border is
-/// walked in one direction. Every pixel followed is appended to the record and its mask set to 0.
+/// walked in one direction. Every pixel followed is appended to the record and its mask set to 0,
+/// one by one, so that the record, the count and the mask agree when an error is thrown.
 ///   record         in, out: arrays with an entry per pixel of the image; entry k gets the pixel,
 ///                  the label k + 1 and the value `contour`; extra and n are left alone
 ///   count          in, out: entries in use
 ///   mask           in, out: a step leads to pixels >= 1 only; pixel p is not asked
 ///   shape          > 0 is shape, 0 is background, and so is what lies outside the image
 ///   displacements  8 pairs (dx, dy), in the order in which steps are tried
-/// Errors: a p outside the image, or an entry beyond the number of pixels, ends the process with
-/// status 1 after a line.
+/// Ends with an error: no record, count or displacements, a p outside the image, an entry beyond
+/// the number of pixels.
 void ifContourFollow(ifRoots2 *record, int *count, int contour, imImage *mask, const imImage *shape,
                      int p, const int *displacements);
 

@@ -2,14 +2,18 @@
 // labels renumbered without gaps. All work on band 0 and join neighbours by imNeighborhood8.
 //
 // Outputs are images of the input's size, zeroed by the caller: no operation clears what it does
-// not write. Errors: an image without band 0, or of another size than its partner, ends the process
-// with status 1 after a line.
+// not write.
+//
+// Ends with an error, in every operation: no image, one without band 0 or of another size than its
+// partner, memory that cannot be had (an error is a line on standard error and status 1, or an
+// exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"
 
 /// Connected components: numbers the 8-connected sets of pixels > 0 with 1, 2, ... in the order of
-/// their first pixels in raster order. One pass over runs of pixels with a union-find.
+/// their first pixels in raster order. Algorithm: run-based two-scan labelling with a union-find
+/// (He, Chao and Suzuki, "A run-based two-scan labeling algorithm", 2008).
 ///   binary  pixels > 0 are object
 ///   labels  in, out: an object pixel gets the number of its component, others stay as they are.
 ///           In an image that holds labels already, a component counts from its first pixel of
@@ -22,7 +26,7 @@ void ifLabelImage(const imImage *binary, imImage *labels);
 /// root, by a flood from the roots.
 ///   grey    any values
 ///   output  out: 255 where reached, else unchanged; maxValue stays as it is
-/// Errors: a root outside the image ends the process with status 1 after a line.
+/// Ends with an error: no roots record, a root outside the image.
 void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *roots);
 
 /// Renumbers the values of an image 1 .. k, in place, in the order of their first pixels in raster

@@ -1,5 +1,5 @@
 // Connected filters of grey-level images: reconstructions, area openings and closings, levellings.
-// They shift the borders of nothing: a filter lowers or raises flat zones as wholes.
+// They move no contour: a filter lowers or raises flat zones as wholes.
 //
 // All work on band 0 with imNeighborhood8 and ifWatershedMetric, as transforms whose costs are the
 // filtered image. `filtered` and `labels` are new images of one band and f's size, stored through
@@ -8,15 +8,18 @@
 // arrived. Roots give pixel, label and, in `value`, the starting cost. A transform's bound is the
 // maxValue named, or the largest value of that image's band 0 where this is larger.
 //
-// Errors, after a line on standard error, with status 1: no image or no band, images of different
-// size, a root outside the image, a negative bound, memory that cannot be had.
+// Ends with an error, in every operation: no image or no band, images of different size, no roots
+// or one outside the image, a negative bound, no place for a result, memory that cannot be had (an
+// error is a line on standard error and status 1, or an exception: base/error.h). Results are
+// stored last.
 #pragma once
 
 #include "ift/core/ifRoots.h"
 
-/// Reconstruction of f from roots, by dilation: every pixel gets the best over all paths from the
-/// roots of the smallest of the starting cost and f along the path (iftNonNormalizedInverted,
-/// bounded by f's maxValue). Without roots every pixel keeps -2147483648.
+/// Reconstruction of f from roots, by dilation (Vincent, "Morphological grayscale reconstruction in
+/// image analysis", 1993): every pixel gets the best over all paths from the roots of the smallest
+/// of the starting cost and f along the path (iftNonNormalizedInverted, bounded by f's maxValue).
+/// Without roots every pixel keeps -2147483648.
 ///   second  not read; may be null
 ///   flag    not 0: paths by ifPathCostMin. 0: by ifPathCostMinLocal, which go on only where f is
 ///           not below their starting cost; where none arrived, filtered is f.
@@ -28,8 +31,8 @@ void ifReconstr(const imImage *f, const imImage *second, const ifRoots *roots, i
 void ifDualReconstr(const imImage *f, const imImage *g, const ifRoots *roots, int flag,
                     imImage **filtered, imImage **labels);
 
-/// Area opening: lowers each bright peak that is smaller than `area` pixels to the highest level at
-/// which it is not.
+/// Area opening (Vincent, "Grayscale area openings and closings", 1993): lowers each bright peak
+/// that is smaller than `area` pixels to the highest level at which it is not.
 ///   labels  k on what the k-th regional maximum, in raster order, reconstructs
 ///   area    a peak of exactly so many pixels stays. A threshold beyond the number of pixels gives
 ///           the image's lowest value, one of 0 or less gives 0, everywhere.
@@ -55,9 +58,10 @@ void ifAreaClose(imImage *f, imImage **filtered, imImage **labels, int area);
 void ifLevel(const imImage *f, const imImage *second, const ifRoots *roots, imImage **filtered,
              imImage **labels);
 
-/// Levelling of f towards a marker: f reconstructed by dilation from the regional maxima of the
-/// smaller of f and the marker dilated (squared radius 1), and that result by erosion from the
-/// regional minima of the larger of it and the marker eroded. Where one of these envelopes has no
-/// extrema, it takes the place of its reconstruction.
+/// Levelling of f towards a marker (Meyer, "From connected operators to levelings", 1998): f
+/// reconstructed by dilation from the regional maxima of the smaller of f and the marker dilated
+/// (squared radius 1), and that result by erosion from the regional minima of the larger of it and
+/// the marker eroded. Where one of these envelopes has no extrema, it takes the place of its
+/// reconstruction.
 /// Both images have one band. Prints "in ifLabelImage\n" four times on standard output.
 void ifLevel2(const imImage *f, const imImage *marker, imImage **filtered);

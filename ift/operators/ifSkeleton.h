@@ -1,5 +1,9 @@
 // Multiscale skeletons of binary shapes: a pixel lies on the skeleton where its neighbours' nearest
 // border pixels lie far apart along their contour.
+//
+// Ends with an error, in both operations: no image, no roots or no place for the result, images of
+// different size or of a number of bands that does not fit, a root outside the image, memory that
+// cannot be had (an error is a line on standard error and status 1, or an exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"
@@ -12,8 +16,6 @@
 ///          arrives)
 ///   roots  pixel, label and value of each, as ifSkel2Roots() gives them
 /// The adjacency is imNeighborhood(2), and there are 2 * (ncols + nrows) buckets.
-/// Errors, after a line on standard error, with status 1: a work image of another size or with too
-/// few bands, a root outside the image, memory that cannot be had.
 void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots);
 
 /// The skeleton of a binary shape (band 0 > 0; one band only).
@@ -24,7 +26,6 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots);
 ///              the border, 0 elsewhere; the caller releases it. None for any other type, after
 ///              "invalid skelType: %d\n" on standard error
 /// Returns the largest difference that occurs, plus one; -99999 for a shape without roots, whose
-/// skeleton is empty. Algorithm: ifSkel2Roots(), iftSkelNova(), ifLabelDifferences().
-/// Errors: an image of several bands, or memory that cannot be had, ends the process with status 1
-/// after a line.
+/// skeleton is empty whatever the threshold. Algorithm: ifSkel2Roots(), iftSkelNova(),
+/// ifLabelDifferences().
 int ifSkel(const imImage *image, int skelType, int threshold, imImage **result);

@@ -2,17 +2,22 @@
 // features brought to the common range 0 .. 1000. Averages are sums in 64 bits, divided as integers
 // (truncating toward zero).
 //
-// What is returned is new, and the caller's to release. Errors, after a line on standard error,
-// with status 1: no image or no bands, no graph, images of different size, labels out of range,
-// vertices without the data that are read, memory that cannot be had.
+// What is returned is new, and the caller's to release. An image of no bands, or a graph without
+// data, has no features: the results are as empty.
+//
+// Ends with an error, in every operation: no image or no graph, images of different size, labels
+// out of range, edges that lead to no vertex, vertices without the data that dataSize promises,
+// memory that cannot be had (an error is a line on standard error and status 1, or an exception:
+// base/error.h).
 #pragma once
 
 #include "graph/graph.h"
 #include "image/imImage.h"
 
 /// Paints every pixel in the average of its region, band by band.
-///   output  of the image's size, with at least its bands; may be the image itself
+///   output  of the image's size, with at least its bands
 ///   labels  band 0 holds the regions, 0 .. maxValue
+/// Any of the three may be the same image: the labels are painted over last.
 void ifAverageColor(const imImage *image, imImage *output, const imImage *labels);
 
 /// A new image of type features, maxValue 1000: in each band (v - min) * 1000 / (max - min), with

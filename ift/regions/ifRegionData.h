@@ -11,9 +11,13 @@
 //   uf.merge = ifUpdateColorData;
 //   ... ifEdgeWeightColor(image, &uf, p, q) ... ufLink(&uf, a, b) ...
 //
-// Sums are kept in ints and saturate. Errors, after a line on standard error, with status 1: no
-// image or too few bands, fewer elements than pixels or too little data on each, a pixel that is no
-// element.
+// Sums are kept in ints and saturate.
+//
+// Ends with an error, in every operation: no record, no image or too few bands, fewer elements than
+// pixels, fewer integers on each than the measure has, a pixel that is no element (an error is a
+// line on standard error and status 1, or an exception: base/error.h). An update learns from
+// ufLink() how many integers there are; whoever calls one by itself sees to it that both elements
+// have enough.
 #pragma once
 
 #include "graph/graph.h"
@@ -35,8 +39,7 @@ int ifEdgeWeightVolume(const imImage *image, ufUnionFind *uf, int p, int q);
 
 /// Colour, four integers: area, sums of bands 0, 1 and 2. The update returns b's area. The weight
 /// is the largest difference, over the bands, of the regions' means (integer divisions);
-/// saturating. It does not read the image. A region of area 0 ends the process with status 1 after
-/// a line.
+/// saturating. It does not read the image. Ends with an error: a region of area 0.
 void ifInitColorData(ufUnionFind *uf, const imImage *image);
 int ifUpdateColorData(ufElement *elems, int a, int b);
 int ifEdgeWeightColor(const imImage *image, ufUnionFind *uf, int p, int q);
@@ -45,6 +48,7 @@ int ifEdgeWeightColor(const imImage *image, ufUnionFind *uf, int p, int q);
 /// that have its label, or the sum of what their values in band 0 lack of the image's maxValue. The
 /// caller releases it.
 /// Print "will copy base graph %d\n" (the number of vertices) and "done!!!!\n" on standard output.
-/// Errors, too: no graph or no label image, labels that are no vertices, images of different size.
+/// End with an error, before they print: no graph or no label image, labels or edges that lead to
+/// no vertex, images of different size.
 [[nodiscard]] ifGraph *ifComputeArea(ifGraph *graph);
 [[nodiscard]] ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image);

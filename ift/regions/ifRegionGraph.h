@@ -2,10 +2,12 @@
 // integers on the vertices are the regions' features. Label 0 is no region: walks over vertices
 // start at 1, so mosaics meant for merging number their regions from 1.
 //
-// The graphs returned belong to the caller, who releases them with destroyGraph(). Where one cannot
-// be made, its line or the image's is printed, and the process ends with status 1. Errors that end
-// it after a line that names the operation: no graph, no label image or too little data where these
-// are read, labels or edges that lead outside the graph's vertices.
+// The graphs returned belong to the caller, who releases them with destroyGraph().
+//
+// Ends with an error, in every operation: no graph, no label image or too little data where these
+// are read, labels or edges that lead outside the graph's vertices, or what createGraph() says
+// where a graph cannot be made (an error is a line on standard error and status 1, or an exception:
+// base/error.h).
 #pragma once
 
 #include "graph/graph.h"

@@ -1,10 +1,11 @@
 // Minimum spanning trees of pixels and of regions, and the coarser partitions that cutting them
 // gives. For graphs, the rules of ift/regions/ifRegionGraph.h hold.
 //
-// Trees are grown by Prim's algorithm on a bucket queue: the pixel or vertex that the lightest edge
-// reaches comes next; of equal ones the one that has waited longest. Its neighbours are offered the
-// edges to them, in their order, and take a strictly lighter one. The bucket of a weight is its
-// remainder, folded into range, so weights beyond the buckets are served in remainder order.
+// Trees are grown by Prim's algorithm ("Shortest connection networks and some generalizations",
+// 1957) on a bucket queue: the pixel or vertex that the lightest edge reaches comes next; of equal
+// ones the one that has waited longest. Its neighbours are offered the edges to them, in their
+// order, and take a strictly lighter one. The bucket of a weight is its remainder, folded into
+// range, so weights beyond the buckets are served in remainder order.
 //
 // Cuts join sets edge by edge with a union-find by rank, from vertex 1 upward, each list from its
 // head; the representative of a set, and with it the order of numbers, follows from this order.
@@ -22,8 +23,8 @@
 ///              tree does not reach), and the predecessor (else the pixel itself)
 ///   adjacency  called once
 ///   arcWeight  expected in 0 .. 1000: there are 50000 buckets
-/// Errors, after a line on standard error, with status 1: images of different size, too few bands,
-/// memory that cannot be had ("Could not allocate queue (Q) in initQueue\n", "(A)").
+/// Ends with an error: images of different size, too few bands, memory that cannot be had ("Could
+/// not allocate queue (Q) in initQueue\n", "(A)").
 void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight);
 
@@ -49,16 +50,17 @@ void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights);
 ///             maxValue becomes the largest
 ///   fraction  of the largest weight, at least 0; rounded, half to even, to the highest weight that
 ///             stays
-/// Errors: an image without the bands, another size, or a predecessor outside the image ends the
-/// process with status 1 after a line.
+/// Ends with an error: an image without the bands or of another size, a predecessor outside the
+/// image.
 void ifMstThreshold(const imImage *forest, imImage *output, double fraction);
 
 /// Cuts a tree of regions at the weights above `fraction` times 1000, truncated.
 ///   tree      three integers on each vertex, of which the second is the weight to the predecessor
 ///             and the third the predecessor, the vertex itself at a root; a label image
-///   result    the vertices of createGraph() on that image, without data, and the edges that stay;
-///             its label image holds the parts, renumbered by ifCorrectLabels(), label 0 included
-/// Prints "threshold is %d\n" on standard output.
+///   result    the vertices of the tree, without data, and the edges that stay; its label image
+///             holds the parts, renumbered by ifCorrectLabels(), label 0 included
+/// Prints "threshold is %d\n" on standard output. Ends with an error, before that: a predecessor of
+/// an edge that stays which is no vertex.
 [[nodiscard]] ifGraph *ifThresholdGraph(ifGraph *tree, double fraction);
 
 /// Cuts a tree of regions at the weights above the threshold.

@@ -1,4 +1,8 @@
 // Roots on the borders of binary shapes.
+//
+// Ends with an error, in every operation: no image, no band or no record, memory that cannot be had
+// (an error is a line on standard error and status 1, or an exception: base/error.h). Then the
+// record is as it was.
 #pragma once
 
 #include "ift/core/ifRoots.h"
@@ -6,16 +10,12 @@
 /// Roots for a distance transform: the border pixels of the objects (band 0 > 0), in raster order,
 /// values 0. What lies outside the image is no background.
 ///   roots    out: count and new arrays; what the record held before is not released. The caller
-///   owns
-///            the arrays.
-///   contour  not 0: border pixels have a pixel of value 0 among their neighbours in
-///   imNeighborhood4,
-///            and each takes a label of its own, its place along the contour as labelContours()
-///            gives it. 0: border pixels have a pixel <= 0 among their 8 neighbours, and take the
-///            number of their object as ifLabelImage() gives it.
+///            owns the arrays.
+///   contour  not 0: border pixels have a pixel of value 0 among their 4 neighbours, and each takes
+///            a label of its own, its place along the contour as labelContours() gives it.
+///            0: border pixels have a pixel <= 0 among their 8 neighbours, and take the number of
+///            their object as ifLabelImage() gives it.
 /// Prints, with contour 0, "in ifLabelImage\n" on standard output.
-/// Errors: no image or no band ends the process with status 1 after a line, as does memory that
-/// cannot be had.
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
 
 /// Roots for skeletons: the border of the objects (band 0 > 0), followed along its contours. Of the
@@ -30,8 +30,6 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
 /// that following does not reach begin contours of their own.
 /// Returns the shape that was followed, interior and remaining border (type grey, 255 and 0), for
 /// the caller to release. Prints nothing.
-/// Errors: no image or no band ends the process with status 1 after a line, as does memory that
-/// cannot be had.
 [[nodiscard]] imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots);
 
 /// Roots for skeletons: all border pixels of the objects, as above, numbered curve by curve. The
@@ -42,5 +40,5 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
 ///          not released. The caller owns the arrays.
 /// Rows below 100000 count as row 100000 where a curve begins: one that then has no pixel on its
 /// middle row gets no roots.
-/// Prints "in ifLabelImage\n" on standard output. Errors: as ifSkel2Roots.
+/// Prints "in ifLabelImage\n" on standard output.
 void ifSkel2RootsSplit(const imImage *image, ifRoots *roots);

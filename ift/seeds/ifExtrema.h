@@ -5,15 +5,17 @@
 // so a constant image is one minimum and one maximum.
 //
 // They are defined as the places where the image differs from its reconstruction from a copy
-// shifted by one grey level. The shift stays inside the grey scale, and where it cannot move there
-// is no extremum: no maximum at 0 and, in an image of type grey, no minimum at 255. For values
-// inside the scale (at least 0; at most 255 in type grey, below 2^31 - 1 in others) that is what a
-// flood of plateaus finds, which runs then; others go through the reconstruction itself, and its
-// result may hold differences other than 0 and 1.
+// shifted by one grey level (Vincent, "Morphological grayscale reconstruction in image analysis",
+// 1993). The shift stays inside the grey scale, and where it cannot move there is no extremum: no
+// maximum at 0 and, in an image of type grey, no minimum at 255. For values inside the scale (at
+// least 0; at most 255 in type grey, below 2^31 - 1 in others) that is what a flood of plateaus
+// finds, which runs then; others go through the reconstruction itself, and its result may hold
+// differences other than 0 and 1.
 //
 // Each of the first two prints "in ifLabelImage\n" once on standard output, the last two twice.
-// Errors: no image or no band ends the process with status 1 after a line, as does memory that
-// cannot be had.
+// Ends with an error, in every operation: no image or no band, maxima of an image whose values and
+// maxValue are all negative, memory that cannot be had (an error is a line on standard error and
+// status 1, or an exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"

@@ -6,8 +6,8 @@
 
 namespace seedforest::detail {
 
-/// The image that a file's bytes hold, with the errors of imReadImage(), which reads no further than
-/// to its last pixel. `path` only names the file in them.
+/// The image that a file's text holds, read no further than to its last pixel; errors as
+/// imReadImage(), where `path` only names the file.
 imImagePtr parseImage(Text &text, const char *path);
 
 } // namespace seedforest::detail

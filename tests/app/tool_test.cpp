@@ -30,19 +30,20 @@ void expectRun(const TemporaryFolder &folder, const std::string &arguments, int 
   EXPECT_EQ(contentsOf(folder.path("out")), roots);
 }
 
+// The text itself stands in the tool: here are its parts, and its length.
+TEST(Tool, UsageNamesAllOptions) {
+  const TemporaryFolder folder;
+  for (const char *arguments : {"", "in.pgm out"}) { // the image is not looked for
+    const ToolRun run = runTool(folder, arguments);
+    EXPECT_EQ(run.out.find("\n" SEEDFOREST_TOOL " <input image> <output roots file> <opt> "), 0);
+    for (const std::string option : {"regMax", "regMin", "dt", "join", "frame", "labels", "cells"})
+      EXPECT_NE(run.out.find("\n\t" + option + " "), std::string::npos) << option;
+    EXPECT_EQ(run.out.size() - std::string(SEEDFOREST_TOOL).size(), 530);
+    EXPECT_EQ(run.status, 0);
+  }
+}
+
 TEST(Tool, Runs) {
-  const std::string usage =
-      "\n" SEEDFOREST_TOOL " <input image> <output roots file> <opt> [par(s)]\n"
-      "valid <opt> values:\n"
-      "\tregMax (regional maxima in [min, max]) : par(s) = min max\n"
-      "\tregMin (regional minima in [min, max]) : par(s) = min max\n"
-      "\tdt     (contour border of binary img)  : par(s) = none\n"
-      "\tjoin   (joins two roots files)         : par(s) = <roots_file2>\n"
-      "\tframe  (seeds are the frame pixels)    : par(s) = <uniform labels> "
-      "<label, if uniform labels is selected>\n"
-      "\tlabels (label image  -> seeds)         : par(s) = none\n"
-      "\tcells  (seeds to extract cells)        : par(s) = none\n"
-      "\n";
   const std::string frame =
       "10\n0 0 1\n1 0 2\n2 0 3\n3 0 4\n0 2 5\n1 2 6\n2 2 7\n3 2 8\n0 1 9\n3 1 10\n";
   const std::string sevens =
@@ -62,8 +63,6 @@ TEST(Tool, Runs) {
     int status;
     std::string out, err, roots;
   } cases[] = {
-      {"", 0, usage, "", none},
-      {"in.pgm out", 0, usage, "", none},
       {"in.pgm out labels", 0, four, "", sampleLabels},
       {"in.pgm out labels more 1 2", 0, four, "", sampleLabels},
       {"in.pgm out frame", 0, wasRead, "value not suplied for <uniform label>\n", none},
@@ -206,6 +205,8 @@ TEST(Tool, Cells) {
        "7 4 2\n4 5 1\n6 5 2\n7 5 2\n",
        {{2, 2, 0, 0, 0, 0, 0, 0}, {2, 2, 0, 0, 1, 1, 1, 1}, {0, 0, 0, 0, 1, 0, 0, 1},
         {0, 0, 0, 0, 1, 0, 0, 0}, {0, 0, 0, 0, 1, 0, 2, 2}, {0, 0, 0, 0, 1, 0, 2, 2}}},
+      {"negative pixels, higher than white when negated", "P2 4 1 9 6 -1 -3 8", 0, 3, 3,
+       "0 0 2\n1 0 1\n3 0 2\n", Matrix{{2, 1, 0, 2}}},
       {"an image of 0 has no markers", "P2 2 1 9 0 0", 1, 0, 0, "", Matrix{{0, 0}}},
       // clang-format on
   };

@@ -10,7 +10,7 @@ using namespace seedforest::detail;
 namespace {
 
 struct Vast {
-  char bytes[std::size_t{1} << 62];
+  char bytes[std::size_t{1} << 60];
 };
 
 TEST(Buffer, MemoryThatCannotBeHadIsAnError) {

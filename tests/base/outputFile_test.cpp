@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace seedforest::detail;
 
@@ -26,6 +27,24 @@ TEST(OutputFile, PadsAndKeepsOrder) {
   file.writer().text(longText);
   EXPECT_TRUE(file.close());
   EXPECT_TRUE(contentsOf(folder.path("f")) == expected + "-2147483648" + longText);
+}
+
+TEST(Writer, StopsWhereAPartFails) {
+  struct Target {
+    int parts = 0;
+    std::string text;
+  } target;
+  Writer writer(
+      [](void *to, std::string_view part) {
+        auto *into = static_cast<Target *>(to);
+        into->text += part;
+        return ++into->parts != 2; // a disk that is full once
+      },
+      &target);
+  const std::string chunks(4 * Writer::chunk, 'x');
+  writer.text(chunks);
+  EXPECT_FALSE(writer.flush());
+  EXPECT_EQ(target.text, chunks.substr(0, 2 * Writer::chunk));
 }
 
 bool save(const std::string &path, std::string_view text) {
@@ -79,6 +98,22 @@ TEST(OutputFile, LinksStay) {
   EXPECT_FALSE(save(folder.path("loop"), "x"));
   for (const char *name : {"sub/up", "twice", "dangling"})
     EXPECT_TRUE(std::filesystem::is_symlink(folder.path(name))) << name;
+}
+
+TEST(OutputFile, WithoutRightsInTheFolderItWritesInPlace) {
+  if (geteuid() == 0)
+    GTEST_SKIP() << "root has all rights";
+  const TemporaryFolder folder;
+  const std::string path = folder.write("f", "old and long");
+  const std::string locked = folder.write("locked", "old");
+  chmod(locked.c_str(), 0444);
+  EXPECT_FALSE(save(locked, "new"));
+  chmod(folder.path("").c_str(), 0555);
+  EXPECT_TRUE(save(path, "new"));
+  EXPECT_EQ(contentsOf(path), "new");
+  EXPECT_FALSE(save(folder.path("g"), "new"));
+  chmod(folder.path("").c_str(), 0755);
+  EXPECT_EQ(contentsOf(locked), "old");
 }
 
 // What stands behind a descriptor, whatever has been written through it before, stays.

@@ -1,6 +1,5 @@
 #include "image/imIO.h"
 
-#include "base/error.h"
 #include "image/detail/parseImage.h"
 #include "support.h"
 
@@ -19,13 +18,7 @@ imImagePtr parse(std::string_view bytes) {
 
 // The line of the error that reading the text ends in, without a newline.
 std::string errorOf(seedforest::detail::Text &&text) {
-  const seedforest::ThrowingErrors throwing;
-  try {
-    parseImage(text, "file");
-  } catch (const seedforest::FileError &error) {
-    return error.what();
-  }
-  return "none";
+  return thrownBy([&text] { parseImage(text, "file"); });
 }
 
 TEST(ReadImage, Ascii) {

@@ -3,70 +3,69 @@
 #include "support.h"
 
 #include <algorithm>
-#include <deque>
 
 namespace {
 
-struct Queue {
-  ifQueue q;
-  ifQueueNodes a;
+struct Queue : ifQueue {
+  ifQueueNodes nodes;
 
-  Queue(int nbuckets, int nelems) { initQueue(&q, nbuckets, &a, nelems); }
-  ~Queue() { releaseQueue(&q, &a); }
+  Queue(int nbuckets, int nelems) { initQueue(this, nbuckets, &nodes, nelems); }
+  ~Queue() { releaseQueue(this, &nodes); }
   Queue(const Queue &) = delete;
   Queue &operator=(const Queue &) = delete;
 };
 
-// The same queue without links: a list for each bucket, and a state for each element. It is asked
-// only for buckets and elements that exist.
+// The same queue without links: each element's state, and when it was appended. It is asked only for
+// buckets and elements that exist.
 struct Model {
-  std::vector<std::deque<int>> buckets;
-  std::vector<int> state;
+  int nbuckets;
+  std::vector<int> state, order = std::vector<int>(state.size());
   int current = 0;
+  int clock = 0;
 
-  void takeOut(int e, int after) {
-    if (state[e] >= 0)
-      std::erase(buckets[state[e]], e);
-    state[e] = after;
+  std::vector<int> bucket(int b) const {
+    std::vector<int> list;
+    for (std::size_t e = 0; e < state.size(); ++e)
+      if (state[e] == b)
+        list.push_back(static_cast<int>(e));
+    std::sort(list.begin(), list.end(), [this](int a, int c) { return order[a] < order[c]; });
+    return list;
   }
-
   void insert(int b, int e, bool pullBack) {
-    takeOut(e, b);
-    buckets[b].push_back(e);
+    state[e] = b;
+    order[e] = ++clock;
     current = pullBack ? std::min(current, b) : current;
   }
-
   int remove(int b) {
-    const int e = buckets[b].empty() ? -1 : buckets[b].front();
-    if (e >= 0)
-      takeOut(e, -2);
-    return e;
+    const std::vector<int> list = bucket(b);
+    if (list.empty())
+      return -1;
+    state[list[0]] = -2;
+    return list[0];
   }
-
   int isEmpty() {
-    for (std::size_t i = 0; i < buckets.size(); ++i) {
-      if (!buckets[current].empty())
+    for (int i = 0; i < nbuckets; ++i, current = (current + 1) % nbuckets)
+      if (!bucket(current).empty())
         return 0;
-      current = (current + 1) % static_cast<int>(buckets.size());
-    }
     return 1;
   }
 };
 
 void expectEqual(const Queue &queue, const Model &model) {
-  EXPECT_EQ(queue.q.current, model.current);
-  EXPECT_EQ(std::vector<int>(queue.a.bucket, queue.a.bucket + queue.a.nelems), model.state);
-  for (int b = 0; b < queue.q.nbuckets; ++b) {
+  EXPECT_EQ(queue.current, model.current);
+  EXPECT_EQ(std::vector<int>(queue.nodes.bucket, queue.nodes.bucket + queue.nodes.nelems),
+            model.state);
+  for (int b = 0; b < queue.nbuckets; ++b) {
     int previous = -1;
-    int at = queue.q.first[b];
-    for (const int e : model.buckets[b]) {
+    int at = queue.first[b];
+    for (const int e : model.bucket(b)) {
       ASSERT_EQ(at, e);
-      EXPECT_EQ(queue.a.prev[e], previous);
+      EXPECT_EQ(queue.nodes.prev[e], previous);
       previous = e;
-      at = queue.a.next[e];
+      at = queue.nodes.next[e];
     }
     EXPECT_EQ(at, -1);
-    EXPECT_EQ(queue.q.last[b], previous);
+    EXPECT_EQ(queue.last[b], previous);
   }
 }
 
@@ -78,30 +77,32 @@ TEST(Queue, EqualsTheModel) {
   for (const int nbuckets : {1, 2, 7})
     for (const int nelems : {0, 1, 12}) {
       Queue queue(nbuckets, nelems);
-      Model model{std::vector<std::deque<int>>(nbuckets), std::vector<int>(nelems, -1)};
+      Model model = {nbuckets, std::vector<int>(nelems, -1)};
       for (int step = 0; step < 2000 && !HasFailure(); ++step) {
         const int b = pick(random, -1, nbuckets);
         const int e = pick(random, -1, nelems);
         const bool isBucket = b >= 0 && b < nbuckets;
         const bool isElement = e >= 0 && e < nelems;
+        const bool isWaiting = isElement && model.state[e] >= 0;
         const int move = pick(random, 0, 7);
         if (move < 4) {
-          const bool update = move >= 2;
-          if (isBucket && isElement && (!update || model.state[e] >= 0))
+          if (isBucket && (move < 2 ? isElement : isWaiting))
             model.insert(b, e, move % 2 == 1);
-          moves[move](&queue.q, &queue.a, b, e);
+          moves[move](&queue, &queue.nodes, b, e);
         } else if (move == 4) {
-          if (isElement && model.state[e] >= 0)
-            model.takeOut(e, -1);
-          removeQueueElem(&queue.q, &queue.a, e);
+          if (isWaiting)
+            model.state[e] = -1;
+          removeQueueElem(&queue, &queue.nodes, e);
         } else if (move == 5) {
-          EXPECT_EQ(removeQueue(&queue.q, &queue.a, b), isBucket ? model.remove(b) : -1);
+          EXPECT_EQ(removeQueue(&queue, &queue.nodes, b), isBucket ? model.remove(b) : -1);
         } else {
-          EXPECT_EQ(isEmpty(&queue.q), model.isEmpty());
-          EXPECT_EQ(removeQueue(&queue.q, &queue.a, queue.q.current), model.remove(model.current));
+          EXPECT_EQ(isEmpty(&queue), model.isEmpty());
+          EXPECT_EQ(removeQueue(&queue, &queue.nodes, queue.current), model.remove(model.current));
         }
         expectEqual(queue, model);
       }
+      resetQueue(&queue, &queue.nodes);
+      expectEqual(queue, {nbuckets, std::vector<int>(nelems, -1)});
     }
 }
 
@@ -117,16 +118,30 @@ TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
     Queue queue(c.nbuckets, c.nelems);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
     if (c.message.empty())
-      releaseQueue(&queue.q, &queue.a);
-    resetQueue(&queue.q, &queue.a);
-    insertQueue(&queue.q, &queue.a, 0, 0);
-    updateQueueUpdateCurr(&queue.q, &queue.a, 0, 0);
-    removeQueueElem(&queue.q, &queue.a, 0);
-    EXPECT_EQ(removeQueue(&queue.q, &queue.a, 0), -1);
-    EXPECT_EQ(isEmpty(&queue.q), 1);
+      releaseQueue(&queue, &queue.nodes);
+    insertQueue(&queue, &queue.nodes, 0, 0);
+    removeQueueElem(&queue, &queue.nodes, 0);
+    EXPECT_EQ(removeQueue(&queue, &queue.nodes, 0), -1);
+    expectEqual(queue, {0, {}});
+    EXPECT_EQ(isEmpty(&queue), 1);
     for (const int *array :
-         {queue.q.first, queue.q.last, queue.a.prev, queue.a.next, queue.a.bucket})
+         {queue.first, queue.last, queue.nodes.prev, queue.nodes.next, queue.nodes.bucket})
       EXPECT_EQ(array, nullptr);
+  }
+  const seedforest::ThrowingErrors throwing; // what was had is given back, which leak checks see
+  ifQueue buckets;
+  ifQueueNodes elements;
+  EXPECT_THROW(initQueue(&buckets, 5, &elements, -1), seedforest::OutOfMemory);
+  EXPECT_EQ(isEmpty(&buckets), 1);
+}
+
+TEST(Queue, ASearchFromNowhereStartsAtTheFirstBucket) {
+  Queue queue(3, 2);
+  insertQueue(&queue, &queue.nodes, 2, 1);
+  for (const int nowhere : {-1, 3, maxInt}) {
+    queue.current = nowhere;
+    EXPECT_EQ(isEmpty(&queue), 0);
+    EXPECT_EQ(queue.current, 2);
   }
 }
 

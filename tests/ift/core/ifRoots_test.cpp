@@ -1,6 +1,8 @@
+#include "ift/core/ifCost.h"
+#include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
+#include "ift/core/ifWeightImage.h"
 
-#include "base/error.h"
 #include "ift/core/detail/rootsTools.h"
 #include "support.h"
 
@@ -51,7 +53,6 @@ TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
   EXPECT_EQ(listOf(roots.get()), (std::vector<Root>{{-7, 1}, {705032704, 2}, {-6, 3}}));
   ifSaveRoots(path.c_str(), image.get(), roots.get());
   EXPECT_EQ(contentsOf(path).substr(0, 10), "3\n-2 -1 1\n");
-  EXPECT_FATAL(ifVisualizeRoots(image.get(), roots.get()), "ifVisualizeRoots.*-7");
 }
 
 TEST(Roots, FaultyFiles) {
@@ -80,7 +81,25 @@ TEST(Roots, WhatCannotBeDoneEndsWithALine) {
   EXPECT_FATAL(ifReadRoots("/proc/self/mem", image.get()), "^ifReadRoots: .*/proc/self/mem");
   EXPECT_FATAL(ifReadRoots("no/folder", image.get()),
                "^Could not open file no/folder for reading\n$");
-  EXPECT_FATAL(seedforest::detail::createRoots(-1), "ifAllocateRoots");
+}
+
+TEST(Roots, NothingWhereSomethingIsNeeded) {
+  const ifRootsPtr roots = makeRoots({});
+  ifRoots *read = nullptr;
+  imImage *made = nullptr;
+  expectErrors({
+      {"ifAllocateRoots", [] { ifAllocateRoots(nullptr, 1); }},
+      {"ifSaveRoots", [&] { ifSaveRoots(nullptr, image.get(), roots.get()); }},
+      {"ifSaveRoots", [&] { ifSaveRoots("/dev/null", nullptr, roots.get()); }},
+      {"ifSaveRoots2", [] { ifSaveRoots2("/dev/null", image.get(), nullptr); }},
+      {"ifReadRoots", [&] { read = ifReadRoots("/dev/null", nullptr); }},
+      {"ifVisualizeRoots", [&] { made = ifVisualizeRoots(nullptr, roots.get()); }},
+      {"ifVisualizeRoots", [&] { made = ifVisualizeRoots(image.get(), nullptr); }},
+      {"gaussianWF", [&] { made = gaussianWF(image.get(), nullptr); }},
+      {"ifMaxDistance", [] { ifMaxDistance(nullptr, 0, 0); }},
+      {"isEmpty", [] { isEmpty(nullptr); }},
+  });
+  ifReleaseRoots(nullptr);
 }
 
 TEST(Roots, PaintedInOrder) {

@@ -2,6 +2,7 @@
 
 #include "ift/core/detail/forestTransforms.h"
 #include "image/detail/neighborWalk.h"
+#include "reference/literalEuclid.h"
 #include "reference/literalTransform.h"
 #include "support.h"
 
@@ -19,15 +20,8 @@ imImagePtr distances(int ncols, int nrows, const std::vector<Root> &roots,
 TEST(Euclidean, SmallPictures) {
   const imImagePtr corner = distances(3, 3, {{0, 7, 0}});
   EXPECT_EQ(bandOf(corner, 2), (Matrix{{0, 1, 4}, {1, 2, 5}, {4, 5, 8}}));
-  EXPECT_EQ(bandOf(corner, 1), Matrix(3, {7, 7, 7}));
-  EXPECT_EQ(bandOf(corner, 0), Matrix(3, {0, 0, 0}));
   // The middle goes to the root listed first; a pixel listed twice takes its later label and place.
-  EXPECT_EQ(bandOf(distances(5, 1, {{4, 2}, {0, 1}}), 1), (Matrix{{1, 1, 2, 2, 2}}));
   EXPECT_EQ(bandOf(distances(5, 1, {{4, 2}, {0, 1}, {4, 3}}), 1), (Matrix{{1, 1, 1, 3, 3}}));
-  const imImagePtr none = distances(2, 1, {});
-  EXPECT_EQ(bandOf(none, 1), (Matrix{{0, 0}}));
-  EXPECT_EQ(bandOf(none, 2), (Matrix{{ifInfiniteCost, ifInfiniteCost}}));
-  EXPECT_EQ(bandOf(none, 3), (Matrix{{0, 1}}));
   const imImagePtr point = distances(37, 23, {{5 * 37 + 30, 1}}); // exact for one root
   for (int p = 0; p < point->npixels; ++p) {
     const int dx = p % 37 - 30;
@@ -117,11 +111,25 @@ TEST(Euclidean, EqualsTheLiteralLoop) {
   }
 }
 
-TEST(Euclidean, RefusesWhatItCannotDo) {
-  EXPECT_FATAL(distances(2, 1, {{2, 1, 0}}), "iftEuclideanDT.*2");
-  const imImagePtr two = blank(2, 1, 2);
-  EXPECT_FATAL(iftEuclideanDT(two.get(), two.get(), imNeighborhood8, makeRoots({}).get()),
-               "iftEuclideanDT");
+// Relations of more displacements than have lists of their own, and than a byte can name.
+TEST(Euclidean, WideRelationsEqualTheLiteralForm) {
+  std::mt19937 random(22);
+  const imNeighborhoodFn discs[] = {[](int **list) { return imNeighborhood(list, 25); },
+                                    [](int **list) { return imNeighborhood(list, 100); }};
+  for (int round = 0; round < 40; ++round) {
+    const int ncols = pick(random, 1, 30);
+    const int nrows = pick(random, 1, 30);
+    std::vector<Root> roots;
+    for (int label = pick(random, 0, 5); label > 0; --label)
+      roots.push_back({pick(random, 0, ncols * nrows - 1), label});
+    const imImagePtr fast = distances(ncols, nrows, roots, discs[round % 2]);
+    const ifRootsPtr listed = makeRoots(roots);
+    const imImagePtr literal = literalEuclid(fast.get(), discs[round % 2], 2 * (ncols + nrows) + 2,
+                                             listed->n, listed->pixel, {listed->label});
+    EXPECT_EQ(bandOf(fast, 1), bandOf(literal, 2)) << round;
+    EXPECT_EQ(bandOf(fast, 2), bandOf(literal, 0)) << round;
+    EXPECT_EQ(bandOf(fast, 3), bandOf(literal, 1)) << round;
+  }
 }
 
 } // namespace

@@ -19,32 +19,13 @@ struct Forest {
 };
 
 Forest run(Transform transform, const imImagePtr &input, const std::vector<Root> &seeds,
-           int maxCost, ifPathCostFn pathCost, ifArcWeightFn weight = ifWatershedMetric) {
+           int maxCost, ifPathCostFn pathCost, ifArcWeightFn weight = ifWatershedMetric,
+           imNeighborhoodFn adjacency = imNeighborhood8) {
   const imImagePtr output = blankLike(input, 3, imTypeWork);
-  transform(input.get(), output.get(), imNeighborhood8, weight, maxCost, pathCost,
+  transform(input.get(), output.get(), adjacency, weight, maxCost, pathCost,
             makeRoots(seeds).get());
   return {bandOf(output, 0), bandOf(output, 1), bandOf(output, 2)};
 }
-
-// Variants in the place of iftNonNormalized, with the watershed weight.
-void throughWeightImage(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
-                        ifArcWeightFn, int maxCost, ifPathCostFn pathCost, const ifRoots *seeds) {
-  const imImagePtr weights(watershedWF(input, adjacency));
-  iftNonNormalizedWF(input, output, weights.get(), maxCost, pathCost, seeds);
-}
-void throughScaledMask(const imImage *input, imImage *output, imNeighborhoodFn adjacency,
-                       ifArcWeightFn weight, int, ifPathCostFn pathCost, const ifRoots *seeds) {
-  std::vector<Root> scaled = listOf(seeds);
-  for (std::size_t i = 0; i < scaled.size(); ++i)
-    scaled[i].value = 49 * seeds->value[i];
-  const imImagePtr mask = blank(input->ncols, input->nrows);
-  std::fill_n(mask->band[0], mask->npixels, 1);
-  iftMask(input, output, mask.get(), adjacency, weight, pathCost, makeRoots(scaled).get());
-  for (int p = 0; p < output->npixels; ++p)
-    if (int &cost = output->band[1][p]; cost != ifInfiniteCost)
-      cost /= 49;
-}
-constexpr Transform variants[] = {throughWeightImage, throughScaledMask};
 
 TEST(Forest, TiesOnPlateaus) {
   const Matrix odd = {{0, 0, 0, 0, 0, 0, 0, 0, 0}};
@@ -73,10 +54,6 @@ TEST(Forest, TiesOnPlateaus) {
     SCOPED_TRACE(c.what);
     const imImagePtr image = makeImage(c.image);
     EXPECT_EQ(run(iftNonNormalized, image, c.seeds, c.bound, ifPathCostMax).label, c.label);
-    if (c.bound == 9) { // those of fixed size have their own
-      for (const Transform variant : variants)
-        EXPECT_EQ(run(variant, image, c.seeds, c.bound, ifPathCostMax).label, c.label);
-    }
     // Mirrored: the negative image and costs, maximised.
     for (int p = 0; p < image->npixels; ++p)
       image->band[0][p] = c.bound - image->band[0][p];
@@ -122,17 +99,35 @@ TEST(Forest, OfSmallImages) {
   EXPECT_EQ(bandOf(sums, 1), (Matrix{{0, high, high, high}}));
 }
 
-TEST(Forest, RefusesWhatItCannotDo) {
-  const imImagePtr image = makeImage({{0, 0}});
-  const imImagePtr output = blank(2, 1, 3);
-  const auto with = [&image](const imImagePtr &out, const std::vector<Root> &seeds, int maxCost) {
-    iftNonNormalized(image.get(), out.get(), imNeighborhood8, ifWatershedMetric, maxCost,
-                     ifPathCostMax, makeRoots(seeds).get());
-  };
-  EXPECT_FATAL(with(image, {}, 1), "iftNonNormalized");
-  EXPECT_FATAL(with(blank(1, 2, 3), {}, 1), "iftNonNormalized");
-  EXPECT_FATAL(with(output, {}, -1), "iftNonNormalized.*-1");
-  EXPECT_FATAL(with(output, {{2, 1, 0}}, 1), "iftNonNormalized.*2");
+// The weight that transforms recognise against one that does the same unknown to them: with more
+// displacements than a byte can name, and with values up to 24 bits, which is as many as can be
+// packed beside others, and beyond.
+TEST(Forest, RecognisedWeightsEqualOthers) {
+  const ifArcWeightFn unknown = [](const imImage *image, int, int q) { return image->band[0][q]; };
+  const imNeighborhoodFn relations[] = {imNeighborhood8,
+                                        [](int **list) { return imNeighborhood(list, 25); },
+                                        [](int **list) { return imNeighborhood(list, 100); }};
+  const int tops[] = {1, 255, 256, (1 << 24) - 1, 1 << 24, (1 << 25) + 1, maxInt - 1};
+  std::mt19937 random(13);
+  for (int round = 0; round < 210; ++round) {
+    SCOPED_TRACE(round);
+    const int top = tops[round % std::size(tops)];
+    const int least = round % 2 == 0 ? std::max(0, top - 4) : 0; // plateaus or hardly any
+    const imImagePtr image =
+        randomImage(random, 1, imTypeAscii, pick(random, 1, 25), pick(random, 1, 25), least, top);
+    std::vector<Root> seeds;
+    for (int label = pick(random, 0, 5); label > 0; --label)
+      seeds.push_back({pick(random, 0, image->npixels - 1), label, pick(random, least, top)});
+    const auto expectEqual = [&](Transform transform, ifPathCostFn pathCost) {
+      const imNeighborhoodFn adjacency = relations[round % std::size(relations)];
+      EXPECT_EQ(run(transform, image, seeds, top, pathCost, ifWatershedMetric, adjacency),
+                run(transform, image, seeds, top, pathCost, unknown, adjacency));
+    };
+    expectEqual(iftNonNormalized, ifPathCostMax);
+    expectEqual(iftNonNormalized, ifPathCostMaxLocal);
+    expectEqual(iftNonNormalizedInverted, ifPathCostMin);
+    expectEqual(iftNonNormalizedInverted, ifPathCostMinLocal);
+  }
 }
 
 // Random problems, for the certificate and the comparison below.
@@ -265,36 +260,34 @@ TEST(Forest, Certificate) {
     const ifPathCostFn pathCost =
         maximise ? ifPathCostMin : (round % 3 == 0 ? ifPathCostMax : ifPathCostSum);
     const Transform transform = maximise ? iftNonNormalizedInverted : iftNonNormalized;
-    const auto with = [&](int bound) {
-      return run(transform, problem.image, problem.seeds, bound, pathCost, weight);
+    const imImagePtr forest = blankLike(problem.image, 3, imTypeWork);
+    const auto grow = [&](int bound) {
+      transform(image, forest.get(), imNeighborhood8, weight, bound, pathCost,
+                makeRoots(problem.seeds).get());
+      return std::tuple(bandOf(forest, 0), bandOf(forest, 1), bandOf(forest, 2));
     };
-    const Forest forest = with(20000);
-    EXPECT_EQ(forest, with(maxInt));
-    if (weight == ifWatershedMetric && pathCost == ifPathCostMax) {
-      for (const Transform variant : variants)
-        EXPECT_EQ(forest, run(variant, problem.image, problem.seeds, 20000, pathCost));
-    }
-    std::vector<Root> seedAt(image->npixels, {-1, 0, 0});
-    for (const Root &seed : problem.seeds)
-      seedAt[seed.pixel] = seed;
-    const int w = image->ncols;
-    const auto at = [w](const Matrix &band, int p) { return band[p / w][p % w]; };
+    EXPECT_EQ(grow(20000), grow(maxInt));
+    const int *label = forest->band[0];
+    const int *cost = forest->band[1];
+    const int *pred = forest->band[2];
     const NeighborWalk neighbors(image, imNeighborhood8);
     for (int p = 0; p < image->npixels && !problem.seeds.empty(); ++p) {
-      const int pred = at(forest.pred, p);
-      if (pred == p) {
-        EXPECT_EQ(seedAt[p], (Root{p, at(forest.label, p), at(forest.cost, p)}));
+      if (pred[p] == p) { // the last of the seeds there
+        const auto seed = std::find_if(problem.seeds.rbegin(), problem.seeds.rend(),
+                                       [p](const Root &root) { return root.pixel == p; });
+        ASSERT_NE(seed, problem.seeds.rend());
+        EXPECT_EQ(*seed, (Root{p, label[p], cost[p]}));
       } else {
-        EXPECT_EQ(at(forest.cost, p), pathCost(at(forest.cost, pred), weight(image, pred, p)));
-        EXPECT_EQ(at(forest.label, p), at(forest.label, pred));
+        EXPECT_EQ(cost[p], pathCost(cost[pred[p]], weight(image, pred[p], p)));
+        EXPECT_EQ(label[p], label[pred[p]]);
       }
-      int steps = 0;
-      for (int r = p; at(forest.pred, r) != r && steps < image->npixels; ++steps)
-        r = at(forest.pred, r);
-      EXPECT_LT(steps, image->npixels);
+      int end = p;
+      for (int steps = 0; pred[end] != end && steps < image->npixels; ++steps)
+        end = pred[end];
+      EXPECT_EQ(pred[end], end);
       neighbors.each(p, [&](int q, int) {
-        const int offer = pathCost(at(forest.cost, p), weight(image, p, q));
-        EXPECT_TRUE(maximise ? offer <= at(forest.cost, q) : offer >= at(forest.cost, q));
+        const int offer = pathCost(cost[p], weight(image, p, q));
+        EXPECT_TRUE(maximise ? offer <= cost[q] : offer >= cost[q]);
       });
     }
   }

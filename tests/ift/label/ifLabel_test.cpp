@@ -10,66 +10,29 @@ using seedforest::detail::NeighborWalk;
 
 namespace {
 
-Matrix labelled(const imImage *binary, const Matrix &before = {}) {
-  const imImagePtr labels =
-      before.empty() ? blank(binary->ncols, binary->nrows) : makeImage(before);
-  EXPECT_EQ(printedBy([&] { ifLabelImage(binary, labels.get()); }), "in ifLabelImage\n");
-  Matrix rows = bandOf(labels);
-  rows.push_back({labels->maxValue});
-  return rows;
-}
-
-TEST(LabelImage, HandImages) {
-  const struct {
-    Matrix binary, before, labels; // the last row of labels is maxValue
-  } cases[] = {
-      {{{0}}, {}, {{0}, {0}}},
-      {{{-1, 7}}, {}, {{0, 1}, {1}}},
-      // A corner joins; the numbers follow the first pixels, not the leftmost.
-      {{{0, 0, 1, 0, 1}, {1, 0, 0, 1, 0}, {1, 0, 0, 0, 0}},
-       {},
-       {{0, 0, 1, 0, 1}, {2, 0, 0, 1, 0}, {2, 0, 0, 0, 0}, {2}}},
-      // Three arms that meet in the last row; the ends of rows do not.
-      {{{1, 0, 1, 0, 1}, {1, 1, 1, 1, 1}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 1}, {1, 0, 0, 0, 0}},
-       {},
-       {{1, 0, 1, 0, 1}, {1, 1, 1, 1, 1}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 2}, {3, 0, 0, 0, 0}, {3}}},
-      // Labelled before: the first component starts counting at its last pixel and is renumbered
-      // whole, the second at once, the third not at all; background keeps what it carries.
-      {{{1, 0, 5, 0, 1}, {1, 0, 5, 0, 1}, {1, 0, 0, 0, 0}},
-       {{9, 8, 0, 8, 4}, {9, 8, 7, 8, 4}, {0, 8, 8, 8, 8}},
-       {{2, 8, 1, 8, 4}, {2, 8, 1, 8, 4}, {2, 8, 8, 8, 8}, {2}}},
-  };
-  for (const auto &c : cases)
-    EXPECT_EQ(labelled(makeImage(c.binary).get(), c.before), c.labels);
-}
-
-// A flood from each unlabelled object pixel in raster order.
-Matrix flooded(const imImagePtr &binary, const imImagePtr &before) {
+// A flood from each unlabelled object pixel in raster order. Components may carry labels, and are
+// renumbered whole from their first pixel that does not; background keeps what it carries.
+imImagePtr flooded(const imImagePtr &binary, const imImagePtr &before) {
   const NeighborWalk neighbors(binary.get(), imNeighborhood8);
-  const imImagePtr labels(imCopyImage(before.get()));
+  imImagePtr labels(imCopyImage(before.get()));
   std::vector<bool> reached(binary->npixels);
-  std::vector<int> waiting;
   int n = 0;
-  const auto reach = [&](int p, int) {
-    if (binary->band[0][p] <= 0 || reached[p])
-      return;
-    reached[p] = true;
-    labels->band[0][p] = n;
-    waiting.push_back(p);
-  };
   for (int p = 0; p < binary->npixels; ++p) {
-    if (binary->band[0][p] <= 0 || labels->band[0][p] != 0)
+    if (binary->band[0][p] <= 0 || labels->band[0][p] != 0 || reached[p])
       continue;
     ++n;
-    for (reach(p, 0); !waiting.empty();) {
-      const int q = waiting.back();
-      waiting.pop_back();
-      neighbors.each(q, reach);
-    }
+    std::vector<int> zone = {p};
+    for (std::size_t i = 0; i < zone.size(); ++i)
+      neighbors.each(zone[i], [&](int q, int) {
+        if (binary->band[0][q] > 0 && !reached[q])
+          zone.push_back(q);
+        reached[q] = true;
+      });
+    for (const int q : zone)
+      labels->band[0][q] = n;
   }
-  Matrix rows = bandOf(labels);
-  rows.push_back({n});
-  return rows;
+  labels->maxValue = n;
+  return labels;
 }
 
 TEST(LabelImage, EqualsTheFlood) {
@@ -85,7 +48,10 @@ TEST(LabelImage, EqualsTheFlood) {
         randomImage(random, 1, imTypeAscii, ncols, nrows, 0, round % 3 * (round % 5 + 1));
     if (round % 6 == 5)
       std::replace(before->band[0], before->band[0] + before->npixels / 2, 0, 3);
-    ASSERT_EQ(labelled(binary.get(), bandOf(before)), flooded(binary, before)) << round;
+    const imImagePtr expected = flooded(binary, before);
+    EXPECT_EQ(printedBy([&] { ifLabelImage(binary.get(), before.get()); }), "in ifLabelImage\n");
+    ASSERT_EQ(bandOf(before), bandOf(expected)) << round;
+    ASSERT_EQ(before->maxValue, expected->maxValue) << round;
   }
 }
 
@@ -99,8 +65,6 @@ TEST(ConnectedComponents, FlatZonesOfTheRoots) {
   };
   EXPECT_EQ(zones(1, 2, 1), (Matrix{{255, 255, 255, 255}, {0, 255, 255, 255}, {255, 0, 0, 255}}));
   EXPECT_EQ(zones(9, 10, 4), (Matrix{{0, 0, 0, 0}, {255, 0, 0, 0}, {0, 255, 255, 9}}));
-  EXPECT_FATAL(zones(0, 12, 0), "ifConnectedComponents.*12");
-  EXPECT_FATAL(zones(0, 0, -1), "ifConnectedComponents.*-1");
 }
 
 TEST(CorrectLabels, OrderOfFirstAppearance) {
@@ -115,8 +79,7 @@ TEST(CorrectLabels, OrderOfFirstAppearance) {
     const imImagePtr labels = makeImage(c.before);
     labels->maxValue = -1; // not relied on
     ifCorrectLabels(labels.get());
-    EXPECT_EQ(bandOf(labels), c.after);
-    EXPECT_EQ(labels->maxValue, c.maxValue);
+    expectImage("", imCopyImage(labels.get()), imTypeAscii, c.maxValue, {c.after});
   }
 }
 

@@ -1,13 +1,13 @@
 #include "ift/operators/ifConnected.h"
 
-#include "ift/core/iftForest.h"
+#include "ift/core/ifCost.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/ifExtrema.h"
 #include "image/imPixelwise.h"
-#include "reference/literalAreaLevels.h"
 #include "support.h"
 
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -43,14 +43,16 @@ TEST(Reconstruction, FromRoots) {
   };
   const int low = ifInfiniteCostInverted;
   const Matrix cut = {{3, 3, 0, 0, 0}};
-  EXPECT_EQ(by(ifReconstr, nullptr, 1), (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, 1}));
+  EXPECT_EQ(by(ifReconstr, nullptr, 2), (Output{{{5, 5, 2, 2, 2}}, {{3, 3, 3, 3, 3}}, 5, 1}));
   EXPECT_EQ(by(ifReconstr, nullptr, 0), (Output{{{5, 5, 2, 6, 6}}, cut, 6, 1}));
-  EXPECT_EQ(by(ifDualReconstr, f.get(), 1).filtered, (Matrix{{5, 5, 5, 6, 6}}));
+  EXPECT_EQ(by(ifDualReconstr, f.get(), -1), (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 3, 3}}, 6, 1}));
   EXPECT_EQ(by(ifDualReconstr, f.get(), 0), (Output{{{5, 5, 5, 6, 6}}, {{3, 3, 3, 0, 0}}, 6, 1}));
   EXPECT_EQ(run(ifReconstr, f.get(), nullptr, makeRoots({}).get(), 1),
             (Output{{{low, low, low, low, low}}, {{0, 0, 0, 0, 0}}, 0, 1}));
   // The dual's bound is the second image's: with 2 buckets, cost 2 is served like cost 0.
-  EXPECT_EQ(run(ifDualReconstr, blank(3, 1).get(), makeImage({{1}}).get(),
+  const imImagePtr zeros = makeImage({{0, 0, 0}});
+  zeros->maxValue = 5;
+  EXPECT_EQ(run(ifDualReconstr, zeros.get(), makeImage({{1}}).get(),
                 makeRoots({{0, 1, 0}, {2, 2, 2}}).get(), 1)
                 .labels,
             (Matrix{{1, 1, 2}}));
@@ -68,6 +70,11 @@ TEST(AreaOpening, OfSmallImages) {
       {"larger than the image", {{9, 3, 7, 7}}, 5, {{3, 3, 3, 3}}, {{1, 1, 2, 2}}, {{9, 3, 7, 7}}},
       {"no threshold", {{9, 3, 7, 7}}, 0, zeros, {{1, 1, 2, 2}}, zeros},
       {"no maximum", zeros, 2, zeros, zeros, zeros},
+      // clang-format off
+      // of 4 buckets; a cost of -1 is served with those of 3, before 2
+      {"negative values", {{-1, 3, 2, 0}}, 2, {{-1, -1, -1, -1}}, {{1, 1, 1, 1}}, {{-1, -1, -1, -1}}},
+      {"negative, unreached", {{-1, 3, 2, -1}}, 5, {{-1, -1, -1, -1}}, {{1, 1, 1, 1}}, {{-1, 3, 2, -1}}},
+      // clang-format on
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.what);
@@ -82,71 +89,52 @@ TEST(AreaOpening, OfSmallImages) {
             "in ifLabelImage\nin ifLabelImage\nThere are 2 regional maxima\n");
 }
 
-// What a pixel keeps: the highest threshold at which its component has `area` pixels.
-Matrix byThresholds(const imImagePtr &f, int area) {
-  const imImagePtr result = blankLike(f);
-  for (int t = 1; t <= f->maxValue; ++t) {
-    const imImagePtr above(imThreshold(f.get(), imTypeAscii, t, f->maxValue));
+// What each pixel keeps: the highest threshold at which its component has `area` pixels.
+imImagePtr byThresholds(const imImagePtr &f, int area) {
+  const int *value = f->band[0];
+  imImagePtr result = blankLike(f);
+  for (const int t : std::set<int>(value, value + f->npixels)) {
+    const imImagePtr above(imThreshold(f.get(), imTypeAscii, t, maxInt));
     const imImagePtr labels = blankLike(f);
-    printedBy([&] { ifLabelImage(above.get(), labels.get()); });
+    ifLabelImage(above.get(), labels.get());
     const int *label = labels->band[0];
     for (int p = 0; p < f->npixels; ++p)
       if (label[p] > 0 && std::count(label, label + f->npixels, label[p]) >= area)
         result->band[0][p] = t;
   }
-  return bandOf(result);
+  return result;
 }
 
 TEST(AreaOpening, IsThatOfEveryThreshold) {
   std::mt19937 random(31);
-  for (int round = 0; round < 12; ++round) {
+  for (int round = 0; round < 150; ++round) {
+    const char type = round % 2 == 0 ? imTypeGrey : imTypeAscii;
+    const int top = round % 3 != 0 ? pick(random, 1, 9) : type == imTypeGrey ? 255 : 3000;
     const imImagePtr f =
-        randomImage(random, 1, imTypeGrey, pick(random, 1, 7), pick(random, 1, 7), 0, 5);
-    for (int area = 1; area <= f->npixels; ++area)
-      EXPECT_EQ(runArea(ifAreaOpen, f.get(), area).filtered, byThresholds(f, area)) << round;
-  }
-}
-
-// The opening through the literal levels; its last step is the reconstruction all the same.
-Output literalAreaOpen(const imImage *f, int area, bool old) {
-  ifRootsPtr maxima;
-  printedBy([&] { maxima.reset(ifRegionalMaximaAsRoots(f)); });
-  const LiteralLevels levels = literalAreaLevels(f, maxima.get(), area);
-  std::vector<Root> roots = listOf(maxima.get());
-  if (old)
-    std::erase_if(roots, [&](const Root &root) { return levels.area[root.label] < area; });
-  for (Root &root : roots)
-    root.value = levels.level[root.label];
-  return run(ifReconstr, f, nullptr, makeRoots(roots).get(), !old && !roots.empty());
-}
-
-TEST(AreaOpening, EqualsOneFloodForEachMaximum) {
-  std::mt19937 random(32);
-  for (int round = 0; round < 600; ++round) {
-    const int lo = round % 3 == 0 ? -4 : 0; // negative values leave the circle of the buckets
-    const int hi = round % 3 == 2 ? 3000 : pick(random, 1, 9);
-    const imImagePtr f = randomImage(random, 1, round % 2 == 0 ? imTypeGrey : imTypeAscii,
-                                     pick(random, 1, 12), pick(random, 1, 12), lo, hi);
-    f->maxValue = hi / (1 + round % 5 / 4) + (round % 7 == 0 ? 3 : 0);
-    const int area = pick(random, 1, f->npixels + 2);
-    EXPECT_EQ(runArea(ifAreaOpen, f.get(), area), literalAreaOpen(f.get(), area, false)) << round;
-    EXPECT_EQ(runArea(ifAreaOpenOld, f.get(), area), literalAreaOpen(f.get(), area, true)) << round;
-    if (lo < 0)
-      continue;
-    const imImagePtr negative(imNegative(f.get(), f->type));
-    const Output opened = literalAreaOpen(negative.get(), area, false);
+        randomImage(random, 1, type, pick(random, 1, 9), pick(random, 1, 9), 0, top);
+    f->maxValue = round % 5 == 0 ? 1 : top; // less than what the file has
+    const int area = pick(random, 1, f->npixels);
+    const imImagePtr negative(imNegative(f.get(), type));
+    imImagePtr opened, dual;
+    ifRootsPtr maxima;
+    printedBy([&] {
+      opened = byThresholds(f, area);
+      dual = byThresholds(negative, area);
+      maxima.reset(ifRegionalMaximaAsRoots(f.get()));
+    });
+    EXPECT_EQ(runArea(ifAreaOpen, f.get(), area).filtered, bandOf(opened)) << round;
+    // The old form lets each maximum keep to where it is no higher than the image.
+    for (int i = 0; i < maxima->n; ++i)
+      maxima->value[i] = opened->band[0][maxima->pixel[i]];
+    EXPECT_EQ(runArea(ifAreaOpenOld, f.get(), area),
+              run(ifReconstr, f.get(), nullptr, maxima.get(), 0))
+        << round;
     const Output closed = runArea(ifAreaClose, f.get(), area);
-    EXPECT_EQ(closed.labels, opened.labels) << round;
-    const int white = f->type == imTypeGrey ? 255 : f->maxValue;
+    EXPECT_EQ(closed.maxValue, type == imTypeGrey ? 255 : 0);
+    const int white = negative->band[0][0] + f->band[0][0];
     for (int p = 0, w = f->ncols; p < f->npixels; ++p)
-      EXPECT_EQ(closed.filtered[p / w][p % w], white - opened.filtered[p / w][p % w]) << round;
+      EXPECT_EQ(closed.filtered[p / w][p % w], white - dual->band[0][p]) << round;
   }
-}
-
-Matrix levelTowards(const Matrix &f, const Matrix &marker) {
-  imImage *levelled = nullptr;
-  printedBy([&] { ifLevel2(makeImage(f).get(), makeImage(marker).get(), &levelled); });
-  return bandOf(imImagePtr(levelled));
 }
 
 TEST(Levelling, OfSmallImages) {
@@ -157,10 +145,20 @@ TEST(Levelling, OfSmallImages) {
             (Output{{{3, 5, 5}}, {{1, 0, 0}}, 5, imTypeAscii}));
   EXPECT_EQ(run(ifLevel, f.get(), marker.get(), makeRoots({{0, 2, 7}}).get()),
             (Output{{{7, 7, 5}}, {{2, 2, 0}}, 7, imTypeAscii}));
-  EXPECT_EQ(levelTowards({{0, 0, 0, 1}}, {{1, 1, 1, 0}}), (Matrix{{0, 0, 0, 1}}));
-  EXPECT_EQ(levelTowards({{9, 9, 9, 9, 0}}, {{0, 0, 4, 0, 0}}), (Matrix{{4, 4, 4, 4, 0}}));
-  EXPECT_EQ(levelTowards({{0, 0, 0, 0, 9}}, {{5, 5, 5, 5, 5}}), (Matrix{{5, 5, 5, 5, 5}}));
-  EXPECT_EQ(levelTowards({{4, 4, 4}}, {{0, 0, 0}}), (Matrix{{0, 0, 0}})); // nothing to grow from
+  const struct {
+    Matrix f, marker, levelled;
+  } cases[] = {
+      {{{0, 0, 0, 1}}, {{1, 1, 1, 0}}, {{0, 0, 0, 1}}},
+      {{{9, 9, 9, 9, 0}}, {{0, 0, 4, 0, 0}}, {{4, 4, 4, 4, 0}}},
+      {{{0, 0, 0, 0, 9}}, {{5, 5, 5, 5, 5}}, {{5, 5, 5, 5, 5}}},
+      {{{4, 4, 4}}, {{0, 0, 0}}, {{0, 0, 0}}},                // nothing to grow from
+      {{{0, 0}, {0, 9}}, {{5, 0}, {0, 0}}, {{0, 0}, {0, 0}}}, // corners do not touch
+  };
+  for (const auto &c : cases) {
+    imImage *levelled = nullptr;
+    printedBy([&] { ifLevel2(makeImage(c.f).get(), makeImage(c.marker).get(), &levelled); });
+    EXPECT_EQ(bandOf(imImagePtr(levelled)), c.levelled);
+  }
 }
 
 } // namespace

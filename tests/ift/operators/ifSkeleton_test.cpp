@@ -1,29 +1,16 @@
 #include "ift/operators/ifSkeleton.h"
 
-#include "support.h"
+#include "ift/label/ifContour.h"
+#include "ift/seeds/ifContourSeeds.h"
+#include "reference/literalEuclid.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace {
-
-using Inside = std::function<bool(int x, int y)>;
-
-// A shape of ncols x nrows pixels, 7 where inside(x, y).
-imImagePtr shape(int ncols, int nrows, const Inside &inside) {
-  imImagePtr image = blank(ncols, nrows, 1, imTypeGrey);
-  for (int p = 0; p < image->npixels; ++p)
-    image->band[0][p] = inside(p % ncols, p / ncols) ? 7 : 0;
-  return image;
-}
 
 struct Skeleton {
   int largest;
   imImagePtr image;
-
-  auto size() const {
-    return image->npixels - std::count(image->band[0], image->band[0] + image->npixels, 0);
-  }
 };
 
 Skeleton skeleton(const imImagePtr &image, int type, int threshold) {
@@ -32,81 +19,73 @@ Skeleton skeleton(const imImagePtr &image, int type, int threshold) {
   return {largest, imImagePtr(result)};
 }
 
-TEST(Skeleton, SpreadsLabelsAndContours) {
-  const imImagePtr work = blank(4, 1, 5);
-  int pixel[] = {0, 3};
-  int label[] = {5, 6};
-  int contour[] = {1, 2};
-  const ifRoots2 roots = {pixel, label, contour, nullptr, 2};
-  iftSkelNova(blank(4, 1).get(), work.get(), &roots);
-  const Matrix expected = {{0, 0, 0, 0}, {5, 5, 6, 6}, {0, 1, 1, 0}, {0, 0, 3, 3}, {1, 1, 2, 2}};
-  for (int b = 0; b < 5; ++b)
-    EXPECT_EQ(bandOf(work, b)[0], expected[b]);
+int nearDisc(int **list) {
+  return imNeighborhood(list, 2);
 }
 
-TEST(Skeleton, OfABarIsItsMiddleLine) {
-  const imImagePtr bar =
-      shape(40, 20, [](int x, int y) { return x >= 5 && x < 35 && y >= 5 && y < 14; });
-  const Skeleton inner = skeleton(bar, 1, 20);
-  const Matrix rows = bandOf(inner.image);
-  for (int y = 0; y < 20; ++y)
-    for (int x = 12; x < 28; ++x)
-      EXPECT_EQ(rows[y][x], y == 9 ? 16 : 0) << x << ", " << y;
-  EXPECT_GT(skeleton(bar, 1, 2).size(), inner.size());
-}
+TEST(Skeleton, IsWhereFarPartsOfTheContourMeet) {
+  std::mt19937 random(42);
+  for (int round = 0; round < 100; ++round) {
+    const imImagePtr image = blank(pick(random, 8, 40), pick(random, 8, 40), 1, imTypeGrey);
+    for (int n = pick(random, 0, 4); n > 0; --n) { // rectangles
+      const int x = pick(random, 1, image->ncols - 3);
+      const int y = pick(random, 1, image->nrows - 3);
+      for (int h = pick(random, 1, image->nrows - 1 - y); h > 0; --h)
+        std::fill_n(image->band[0] + image->row[y + h - 1] + x, (image->ncols - x) / 2, 7);
+    }
+    ifRoots2 roots;
+    imImagePtr(ifSkel2Roots(image.get(), &roots));
+    const imImagePtr literal =
+        literalEuclid(image.get(), nearDisc, 2 * (image->ncols + image->nrows), roots.n,
+                      roots.pixel, {roots.label, roots.value});
+    const imImagePtr work = blankLike(image, 5);
+    iftSkelNova(image.get(), work.get(), &roots);
+    ifReleaseRoots2(&roots);
+    for (const auto &[made, expected] : {std::pair{1, 2}, {2, 0}, {3, 1}, {4, 3}})
+      EXPECT_EQ(bandOf(work, made), bandOf(literal, expected)) << round;
 
-TEST(Skeleton, InsideAndOutsideMakeTheWhole) {
-  const auto disc = [](int x, int y, int cx, int cy, int r) {
-    return (x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r;
-  };
-  const auto beam = [](int u, int v) { return u > 20 && u < 30 && v > 4 && v < 46; };
-  const Inside shapes[] = {
-      [=](int x, int y) { return beam(x, y) || beam(y, x); },                          // a cross
-      [=](int x, int y) { return disc(x, y, 25, 25, 20) && !disc(x, y, 25, 25, 10); }, // a ring
-      [=](int x, int y) { return disc(x, y, 12, 25, 8) || disc(x, y, 36, 25, 9); },
-  };
-  for (const Inside &inside : shapes) {
-    const imImagePtr image = shape(50, 50, inside);
-    const Skeleton whole = skeleton(image, 0, 8);
-    const Skeleton inner = skeleton(image, 1, 8);
-    const Skeleton outer = skeleton(image, 2, 8);
-    EXPECT_GT(inner.size(), 0);
-    EXPECT_GT(outer.size(), 0);
-    // What lies between two contours belongs to the skeleton at every scale; a cross has one.
-    const Skeleton last = skeleton(image, 0, maxInt);
-    EXPECT_EQ(last.size() > 0, &inside != shapes);
-    EXPECT_EQ(bandOf(last.image), bandOf(skeleton(image, 0, whole.largest).image));
-    for (int p = 0; p < image->npixels; ++p) {
-      EXPECT_EQ(inner.image->band[0][p], image->band[0][p] > 0 ? whole.image->band[0][p] : 0);
-      EXPECT_EQ(outer.image->band[0][p], image->band[0][p] > 0 ? 0 : whole.image->band[0][p]);
+    const imImagePtr label(imCopyBand(literal.get(), imTypeAscii, 2));
+    const imImagePtr contour(imCopyBand(literal.get(), imTypeAscii, 3));
+    const imImagePtr apart = blankLike(image);
+    ifLabelDifferences(label.get(), contour.get(), apart.get(), 0);
+    for (const int type : {0, 1, 2}) {
+      const int threshold = pick(random, -3, 20);
+      const Skeleton skel = skeleton(image, type, threshold);
+      EXPECT_EQ(skel.largest, apart->maxValue);
+      for (int p = 0; p < image->npixels; ++p) {
+        const bool isWanted = type == 0 || (type == 1) == (image->band[0][p] > 0);
+        const bool isFar = apart->band[0][p] >= std::min(threshold, apart->maxValue);
+        ASSERT_EQ(skel.image->band[0][p], isWanted && isFar ? literal->band[0][p] : 0);
+      }
     }
   }
 }
 
-TEST(Skeleton, EmptyShapesInvalidTypesAndImages) {
-  const Skeleton none = skeleton(blank(9, 7), 0, -99999);
-  const Skeleton filled = skeleton(shape(9, 7, [](int, int) { return true; }), 0, minInt);
-  EXPECT_EQ(none.largest, -99999);
-  EXPECT_EQ(filled.largest, -99999);
-  EXPECT_EQ(none.size() + filled.size(), 0);
-  for (const int type : {3, -1}) {
-    const std::string line = "invalid skelType: " + std::to_string(type) + "\n";
-    const auto fail = [&] {
-      const Skeleton skel = skeleton(blank(9, 7), type, 1);
-      EXPECT_EQ(skel.image, nullptr);
-      EXPECT_EQ(skel.largest, none.largest);
-    };
-    EXPECT_EQ(errorsOf(fail), line);
+TEST(Skeleton, EmptyShapesAndInvalidTypes) {
+  for (const int value : {0, 7}) {
+    const imImagePtr image = makeImage(Matrix(7, std::vector<int>(9, value)));
+    for (const int threshold : {1, -99999, minInt}) {
+      const Skeleton none = skeleton(image, 0, threshold);
+      EXPECT_EQ(none.largest, -99999);
+      EXPECT_EQ(bandOf(none.image), Matrix(7, std::vector<int>(9, 0)));
+    }
+    for (const int type : {3, -1}) {
+      const auto fail = [&] { EXPECT_EQ(skeleton(image, type, 1).image, nullptr); };
+      EXPECT_EQ(errorsOf(fail), "invalid skelType: " + std::to_string(type) + "\n");
+    }
   }
-  EXPECT_FATAL(skeleton(blank(4, 4, 3), 0, 1), "ifSkel");
 }
 
-// A comb whose border is more than a million pixels long: no stack is that deep.
+// A comb whose border is more than a million pixels long: no stack is that deep. Pixels half as far
+// apart along it meet at its spine.
 TEST(Skeleton, ContourOfAMillionPixels) {
-  const imImagePtr comb = shape(1800, 1800, [](int x, int y) {
-    return x > 0 && x < 1799 && y > 0 && y < 1799 && (y < 4 || x % 6 < 3);
-  });
-  EXPECT_GT(skeleton(comb, 1, 100).largest, 500000);
+  const imImagePtr comb = blank(1800, 1800, 1, imTypeGrey);
+  for (int y = 1; y < 1799; ++y)
+    for (int x = 1; x < 1799; ++x)
+      comb->band[0][x + comb->row[y]] = y < 4 || x % 6 < 3 ? 1 : 0;
+  const Skeleton skel = skeleton(comb, 0, 500000);
+  EXPECT_GT(skel.largest, 500000);
+  EXPECT_GT(*std::max_element(skel.image->band[0], skel.image->band[0] + comb->npixels), 0);
 }
 
 } // namespace

@@ -1,115 +1,96 @@
 #include "ift/regions/iftSpanning.h"
 
-#include "graph/detail/disjointSets.h"
-#include "graph/unionfind.h"
 #include "graphs.h"
+#include "ift/core/ifQueue.h"
 #include "ift/core/ifWeightImage.h"
-#include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
 
 #include <algorithm>
-#include <set>
 
 using namespace seedforest::detail;
 
 namespace {
 
-// The weight of a minimum spanning forest, by Kruskal's algorithm.
-std::int64_t kruskal(int nVertices, std::vector<Edge> edges) {
-  std::sort(edges.begin(), edges.end(),
-            [](const Edge &a, const Edge &b) { return a.weight < b.weight; });
-  DisjointSets sets(nVertices);
-  std::int64_t sum = 0;
-  for (const Edge &edge : edges)
-    if (sets.find(edge.a) != sets.find(edge.b)) {
-      sets.join(edge.a, edge.b);
-      sum += edge.weight;
-    }
-  return sum;
+// Prim's algorithm as one would write it down, on the public queue: `n` elements, grown from one of
+// this cost, whose neighbours and their weights `arcs` tells in order.
+struct Tree {
+  std::vector<int> cost, predecessor;
+  std::vector<Edge> taken; // in this order
+};
+template <class Arcs>
+Tree literalPrim(int n, int root, int rootCost, int nbuckets, Arcs arcs) {
+  Tree tree = {std::vector<int>(n, ifInfiniteCost), std::vector<int>(n), {}};
+  std::iota(tree.predecessor.begin(), tree.predecessor.end(), 0);
+  ifQueue queue;
+  ifQueueNodes nodes;
+  initQueue(&queue, nbuckets, &nodes, n);
+  tree.cost[root] = rootCost;
+  insertQueue(&queue, &nodes, 0, root);
+  while (isEmpty(&queue) == 0) {
+    const int p = removeQueue(&queue, &nodes, queue.current);
+    if (p != root)
+      tree.taken.push_back({tree.predecessor[p], p, tree.cost[p]});
+    for (const auto &[q, weight] : arcs(p))
+      if (nodes.bucket[q] != -2 && weight < tree.cost[q]) {
+        tree.cost[q] = weight;
+        tree.predecessor[q] = p;
+        insertQueueUpdateCurr(&queue, &nodes, weight % nbuckets, q); // moves it when it waits
+      }
+  }
+  releaseQueue(&queue, &nodes);
+  return tree;
 }
 
-TEST(Trees, OfPixelsAreMinimal) {
+TEST(Trees, OfPixelsEqualTheLiteralForm) {
   std::mt19937 random(31);
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 200; ++round) {
     const imNeighborhoodFn adjacency = round % 2 == 0 ? imNeighborhood4 : imNeighborhood8;
     const imImagePtr image = randomImage(random, 2, imTypeAscii, pick(random, 1, 12),
                                          pick(random, 1, 12), 0, round % 3 == 0 ? 3 : 1000);
-    const auto weight = [&](int p, int q) { return 49 * ifEuclideanDistance(image.get(), p, q); };
     const NeighborWalk neighbors(image.get(), adjacency);
-    std::vector<Edge> edges;
-    for (int p = 0; p < image->npixels; ++p)
-      neighbors.each(p, [&](int q, int) { edges.push_back({p, q, weight(p, q)}); });
-    const imImagePtr byFunction = blankLike(image, 3);
-    const imImagePtr byImage = blankLike(image, 3);
-    iftPrim(image.get(), byFunction.get(), adjacency, ifEuclideanDistance);
-    iftPrimWF(image.get(), byImage.get(), imImagePtr(euclideanWF(image.get(), adjacency)).get());
-    EXPECT_EQ(bandOf(byFunction, 1), bandOf(byImage, 1));
-    EXPECT_EQ(bandOf(byFunction, 2), bandOf(byImage, 2));
-    const int *cost = byFunction->band[1];
-    for (int p = 1; p < image->npixels; ++p)
-      EXPECT_EQ(cost[p], weight(p, byFunction->band[2][p]));
-    EXPECT_EQ(cost[0], 0);
-    EXPECT_EQ(std::accumulate(cost, cost + image->npixels, std::int64_t{0}),
-              kruskal(image->npixels, edges));
+    const Tree tree = literalPrim(image->npixels, 0, 0, 50000, [&](int p) {
+      std::vector<Arc> arcs;
+      neighbors.each(p, [&](int q, int) {
+        arcs.push_back({q, 49 * ifEuclideanDistance(image.get(), p, q)});
+      });
+      return arcs;
+    });
+    const imImagePtr forest = blankLike(image, 3);
+    const auto expectTree = [&] {
+      EXPECT_TRUE(std::equal(tree.cost.begin(), tree.cost.end(), forest->band[1])) << round;
+      EXPECT_TRUE(std::equal(tree.predecessor.begin(), tree.predecessor.end(), forest->band[2]));
+    };
+    iftPrim(image.get(), forest.get(), adjacency, ifEuclideanDistance);
+    expectTree();
+    iftPrimWF(image.get(), forest.get(), imImagePtr(euclideanWF(image.get(), adjacency)).get());
+    expectTree();
   }
 }
 
-TEST(Trees, OfRegionsAreMinimal) {
+TEST(Trees, OfRegionsEqualTheLiteralForm) {
   std::mt19937 random(32);
   for (int round = 0; round < 300; ++round) {
     const int n = pick(random, 2, 13);
-    const ifGraphPtr graph = makeGraph(n, {}, 2);
-    for (int v = 0; v <= n; ++v)
-      for (int i = 0; i < 2; ++i)
-        graph->vertices[v].data[i] = pick(random, 0, round % 2 == 0 ? 3 : 899);
-    std::vector<Edge> edges;
-    for (int v = 2; v <= n; ++v) // connected, and more
-      for (const int u : {pick(random, 1, v - 1), pick(random, 1, v - 1)}) {
-        insertEdge(graph.get(), u, v, 0);
-        edges.push_back({u, v, ifGraphEuclideanDistance(graph.get(), u, v)});
-      }
-    const ifGraphPtr tree(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
-    std::int64_t sum = 0;
-    int nEdges = 0;
-    const Lists lists = listsOf(tree.get());
-    for (int v = 1; v <= n; ++v) {
-      EXPECT_EQ(tree->vertices[v].data[0], 1);
-      for (const Arc &arc : lists[v]) {
-        EXPECT_EQ(arc.weight, ifGraphEuclideanDistance(graph.get(), v, arc.target));
-        sum += arc.weight;
-        ++nEdges;
-      }
+    const ifGraphPtr graph = makeGraph(n, {}, 1);
+    for (int v = 0; v <= n; ++v) // weights 999 .. 1002 go once round the 1001 buckets
+      graph->vertices[v].data[0] = round % 2 == 0 ? pick(random, 0, 3) : pick(random, 999, 1002);
+    for (int edges = pick(random, 0, 2 * n); edges > 0; --edges)
+      insertEdge(graph.get(), pick(random, 1, n), pick(random, 1, n), 0);
+    const int rootCost = graph->vertices[1].data[0];
+    const Tree tree = literalPrim(n + 1, 1, rootCost, 1001, [&](int u) {
+      std::vector<Arc> arcs = listsOf(graph.get())[u];
+      for (Arc &arc : arcs)
+        arc.weight = ifGraphWatershedDistance(graph.get(), u, arc.target);
+      return arcs;
+    });
+    const ifGraphPtr made(iftPrimGraph(graph.get(), ifGraphWatershedDistance));
+    EXPECT_EQ(listsOf(made.get()), listsOf(makeGraph(n, tree.taken).get())) << round;
+    EXPECT_EQ(bandOf(made->labelImage), bandOf(graph->labelImage));
+    for (int v = 0; v <= n; ++v) {
+      const int number = v == 1 || tree.predecessor[v] != v ? 1 : 0;
+      EXPECT_EQ(dataOf(made)[v], (std::vector<int>{number, tree.cost[v], tree.predecessor[v]}));
     }
-    EXPECT_EQ(nEdges, 2 * (n - 1));
-    EXPECT_EQ(sum, 2 * kruskal(n + 1, edges));
   }
-}
-
-TEST(Trees, LightEdgesComeFirst) {
-  // The 900 in the middle is paid for once; then the light edges behind it are taken before others.
-  const imImagePtr image = makeImage({{0, 20, 900, 900}, {40, 0, 0, 905}});
-  const imImagePtr forest = blankLike(image, 2);
-  iftPrim(image.get(), forest.get(), imNeighborhood4, ifMaxDistance);
-  EXPECT_EQ(bandOf(forest, 0), (Matrix{{0, 980, 43120, 0}, {1960, 980, 0, 245}})); // 49 each
-  EXPECT_EQ(bandOf(forest, 1), (Matrix{{0, 0, 1, 2}, {0, 1, 5, 3}}));
-}
-
-TEST(Trees, OfRegionsThatAreApart) {
-  const ifGraphPtr graph = makeGraph(4, {{1, 2, 0}, {3, 4, 0}}, 1);
-  graph->vertices[1].data[0] = 17;
-  const ifGraphPtr tree(iftPrimGraph(graph.get(), ifGraphWatershedDistance));
-  const int far = ifInfiniteCost;
-  EXPECT_EQ(dataOf(tree), (Matrix{{0, far, 0}, {1, 17, 1}, {1, 0, 1}, {0, far, 3}, {0, far, 4}}));
-  EXPECT_EQ(listsOf(tree.get()), (Lists{{}, {{2, 0}}, {{1, 0}}, {}, {}}));
-  EXPECT_EQ(bandOf(tree->labelImage), (Matrix{{0, 1, 2, 3, 4}}));
-
-  // A weight of 1000 has a bucket of its own: vertex 3 is taken first.
-  const ifGraphPtr heavy = withData({{0}, {0}, {1000}, {5}}, {{1, 3, 0}, {1, 2, 0}});
-  const ifGraphPtr light(iftPrimGraph(heavy.get(), ifGraphWatershedDistance));
-  EXPECT_EQ(listsOf(light.get())[1], (std::vector<Arc>{{2, 1000}, {3, 5}}));
-
-  const ifGraphPtr bare = makeGraph(2, {{1, 2, 3}});
-  EXPECT_FATAL(iftPrimGraph(bare.get(), ifGraphMinDistance), "iftPrimGraph");
   const ifGraphPtr alone = makeGraph(0, {}, 1);
   EXPECT_EQ(ifGraphPtr(iftPrimGraph(alone.get(), ifGraphMinDistance))->nVertices, 1);
 }
@@ -229,64 +210,6 @@ TEST(Cuts, OfAForestOfPixels) {
     EXPECT_EQ(bandOf(parts)[0], expected);
     EXPECT_EQ(parts->maxValue, 5);
   }
-}
-
-// The pairs of vertices that have an edge.
-std::set<std::pair<int, int>> pairsOf(const ifGraph *graph) {
-  std::set<std::pair<int, int>> pairs;
-  const Lists lists = listsOf(graph);
-  for (int v = 0; v < graph->nVertices; ++v)
-    for (const Arc &arc : lists[v])
-      pairs.insert({v, arc.target});
-  return pairs;
-}
-
-// Whatever is made of a mosaic, its graph joins what touches in its label image: all of that after
-// a collapse, the edges that were cut after a cut.
-TEST(Cuts, GraphsAgreeWithTheirLabelImages) {
-  std::mt19937 random(33);
-  for (int round = 0; round < 200; ++round) {
-    const imImagePtr labels = blank(pick(random, 1, 12), pick(random, 1, 12));
-    for (int p = 0; p < labels->npixels; ++p)
-      labels->band[0][p] = 1 + p % labels->ncols / 3 + 4 * (p / labels->ncols / 2);
-    labels->maxValue = largestValue(labels.get(), 0);
-    const ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
-    for (int v = 0; v < graph->nVertices; ++v)
-      graph->vertices[v].data[0] = pick(random, 1, 6);
-    const auto touching = [](const ifGraphPtr &made) {
-      return pairsOf(ifGraphPtr(ifMosaicToGraph(made->labelImage)).get());
-    };
-    const ifGraphPtr collapsed(ifColapseGraph(graph.get()));
-    EXPECT_EQ(pairsOf(collapsed.get()), touching(collapsed));
-
-    const ifGraphPtr tree(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
-    const int n = std::min(3, labels->maxValue);
-    const ifGraphPtr regions(ifThresholdMST_nRegions(tree.get(), n));
-    testing::internal::CaptureStdout();
-    const ifGraphPtr parts(ifThresholdMST(tree.get(), 2));
-    const ifGraphPtr merged(ifThresholdGraph(tree.get(), 0.002));
-    testing::internal::GetCapturedStdout();
-    for (const ifGraphPtr *cut : {&regions, &parts}) {
-      const auto edges = pairsOf(cut->get());
-      const auto all = touching(*cut);
-      EXPECT_TRUE(std::includes(all.begin(), all.end(), edges.begin(), edges.end()));
-    }
-    const int *part = merged->labelImage->band[0];
-    std::vector<int> partOf(graph->nVertices);
-    for (int p = 0; p < labels->npixels; ++p)
-      partOf[labels->band[0][p]] = part[p];
-    for (const auto &[u, v] : pairsOf(merged.get()))
-      EXPECT_EQ(partOf[u], partOf[v]); // the edges that stay are those inside
-  }
-}
-
-TEST(CutsDeathTest, WhatIsMissingEndsWithALine) {
-  const ifGraphPtr graph = makeGraph(2, {{1, 2, 3}});
-  EXPECT_FATAL(ifThresholdGraph(graph.get(), 1), "ifThresholdGraph");
-  graph->labelImage->band[0][0] = 3;
-  EXPECT_FATAL(ifThresholdMST(graph.get(), 1), "ifThresholdMST: labels");
-  setLabelImage(graph.get(), nullptr);
-  EXPECT_FATAL(ifThresholdMST_nRegions(graph.get(), 1), "ifThresholdMST_nRegions");
 }
 
 } // namespace
