@@ -116,11 +116,12 @@ void runSteps(const char *operation, const imImage *in, imImage *out, const Step
     return fillWithStart(in, out, steps.back().extremum);
   inNarrowestType(in, [&]<class T>(int base, T) {
     const Array<T> row = makeArray<T>(in->ncols);
+    Meter meter(std::int64_t{in->npixels} * in->nbands);
     int largest = leastStart;
     for (int b = 0; b < in->nbands; ++b) {
       BandRows<T> from(in, b, base);
       Chain<T> chain(steps, in, from);
-      for (int y = 0; y < in->nrows; ++y) {
+      for (int y = 0; y < in->nrows; ++y, meter.advance(in->ncols)) {
         chain.next(row.get());
         if (!from.fit())
           return false;
@@ -156,13 +157,15 @@ void alternate(const char *operation, const imImage *in, imImage *out, int n, co
     for (int b = 0; b < in->nbands; ++b)
       if (!loadRow(in->band[b], in->npixels, base, planes.get() + npixels * b))
         return false;
+    constexpr int manySteps = 1 << 20; // nobody waits for the end of more
+    Meter meter(std::int64_t{in->npixels} * in->nbands * std::min(n, manySteps));
     for (int i = 1; i <= n; ++i) {
       progress(line, i);
       for (int b = 0; b < in->nbands; ++b) {
         T *plane = planes.get() + npixels * b;
         PlaneRows<T> from(plane, in->ncols);
         Chain<T> chain(filterSteps(outer, inner, i, n), in, from);
-        for (int y = 0; y < in->nrows; ++y)
+        for (int y = 0; y < in->nrows; ++y, meter.advance(in->ncols))
           chain.next(plane + in->row[y]);
       }
     }

@@ -2,6 +2,7 @@
 
 #include "base/arith.h"
 #include "base/findRoot.h"
+#include "base/report.h"
 #include "ift/core/detail/forestTransforms.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
@@ -158,6 +159,8 @@ void forEachMaximum(const ifRoots *maxima, int count, Look look) {
 void findByComponents(const imImage *image, const ifRoots *maxima, int count, int area,
                       AreaLevel *levels) {
   constexpr int lookahead = 16;
+  constexpr int stride = 4096;
+  Meter meter(image->npixels);
   GrowingComponents components(image, area);
   const Array<int> sorted = sortByFallingValue(image);
   const int *value = image->band[0];
@@ -170,6 +173,8 @@ void findByComponents(const imImage *image, const ifRoots *maxima, int count, in
   for (const int *next = begin; next != end; ++next) {
     if (components.growing() == 0 && next >= lowerPixels)
       break; // every maximum has its level
+    if ((next - begin) % stride == stride - 1)
+      meter.advance(stride);
     components.prefetch(end - next > lookahead ? next[lookahead] : *next);
     components.add(*next);
   }
