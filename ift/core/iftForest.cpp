@@ -54,12 +54,12 @@ void grow(Base base, int npixels, const ifRoots &seeds) {
   propagate(transform, queue);
 }
 
-template <class Direction, class Arcs>
+template <class Towards, class Arcs>
 void growForest(const Task &task, Arcs arcs, const ifRoots *seeds) {
   requireGiven(task.operation, "path cost", task.pathCost);
   const int npixels = task.input->npixels;
-  std::fill_n(task.forest().cost, npixels, Direction::infinite);
-  grow(ForestTransform<Direction, Arcs>{task.forest(), std::move(arcs), task.pathCost}, npixels,
+  std::fill_n(task.forest().cost, npixels, Towards::direction.unreached);
+  grow(ForestTransform<Towards, Arcs>{task.forest(), std::move(arcs), task.pathCost}, npixels,
        *seeds);
 }
 
@@ -86,23 +86,23 @@ void growMasked(const Task &task, Arcs arcs, const imImage *mask) {
 }
 
 // Whether the loop may inline what the pointers name, and did: see iftPacked.h.
-template <class Direction>
+template <class Towards>
 bool ranPacked(const Task &task, const FunctionArcs &arcs) {
-  constexpr bool maximise = Direction::isBetter(1, 0);
-  const bool local = task.pathCost == (maximise ? ifPathCostMinLocal : ifPathCostMaxLocal);
-  const bool extreme = task.pathCost == (maximise ? ifPathCostMin : ifPathCostMax);
+  const Direction &direction = Towards::direction;
+  const bool isLocal = task.pathCost == direction.localPathCost;
+  const bool isKnown = isLocal || task.pathCost == direction.pathCost;
   int **bands = task.bands();
-  return arcs.weigh.function == ifWatershedMetric && (local || extreme) &&
-         runPacked({task.input, arcs.neighbors, task.seeds, task.maxCost, maximise, local, bands[0],
-                    bands[1], bands[2]});
+  return arcs.weigh.function == ifWatershedMetric && isKnown &&
+         runPacked({task.input, arcs.neighbors, task.seeds, task.maxCost,
+                    direction.best == Extremum::largest, isLocal, bands[0], bands[1], bands[2]});
 }
 
-template <class Direction>
+template <class Towards>
 void nonNormalized(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
   check(task);
   FunctionArcs arcs = functionArcs(task.operation, task.input, adjacency, arcWeight);
-  if (!ranPacked<Direction>(task, arcs))
-    growForest<Direction>(task, std::move(arcs), task.seeds);
+  if (!ranPacked<Towards>(task, arcs))
+    growForest<Towards>(task, std::move(arcs), task.seeds);
 }
 
 void withWeightImage(const Task &task, const imImage *weights) {

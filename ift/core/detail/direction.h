@@ -1,8 +1,11 @@
-// The two directions of a transform, for operators that choose one at run time.
+// The two directions of a transform: for operations that choose one at run time, and as types for
+// loops that are compiled for each.
 #pragma once
 
 #include "base/extremum.h"
 #include "ift/core/ifCost.h"
+
+#include <cstdint>
 
 namespace seedforest::detail {
 
@@ -22,5 +25,18 @@ inline constexpr Direction byDilation = {Extremum::largest, ifInfiniteCostInvert
 /// Minimising, as a reconstruction by erosion; it finds regional minima.
 inline constexpr Direction byErosion = {Extremum::smallest, ifInfiniteCost, ifPathCostMax,
                                         ifPathCostMaxLocal};
+
+/// The same as types, with the strict test, and the key by which a cost finds its bucket when costs
+/// are expected up to maxCost.
+struct Minimising {
+  static constexpr const Direction &direction = byErosion;
+  static constexpr bool isBetter(int a, int b) { return a < b; }
+  static std::int64_t key(int cost, int) { return cost; }
+};
+struct Maximising {
+  static constexpr const Direction &direction = byDilation;
+  static constexpr bool isBetter(int a, int b) { return a > b; }
+  static std::int64_t key(int cost, int maxCost) { return std::int64_t{maxCost} - cost; }
+};
 
 } // namespace seedforest::detail

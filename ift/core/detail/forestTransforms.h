@@ -7,6 +7,7 @@
 #include "base/inline.h"
 #include "base/report.h"
 #include "base/require.h"
+#include "ift/core/detail/direction.h"
 #include "ift/core/detail/iftPropagate.h"
 #include "ift/core/ifCost.h"
 #include "image/detail/imageTools.h"
@@ -98,22 +99,10 @@ struct Masked : Arcs {
   }
 };
 
-/// The two directions of a transform: which of two costs is better, what an unreached pixel has,
-/// and the key by which a cost finds its bucket when costs are expected up to maxCost.
-struct Minimising {
-  static constexpr int infinite = ifInfiniteCost;
-  static constexpr bool isBetter(int a, int b) { return a < b; }
-  static std::int64_t key(int cost, int) { return cost; }
-};
-struct Maximising {
-  static constexpr int infinite = ifInfiniteCostInverted;
-  static constexpr bool isBetter(int a, int b) { return a > b; }
-  static std::int64_t key(int cost, int maxCost) { return std::int64_t{maxCost} - cost; }
-};
-
-template <class Direction>
+/// The bucket of a cost among those for costs up to maxCost.
+template <class Towards>
 int bucketOf(int cost, int maxCost) {
-  return circularBucket(Direction::key(cost, maxCost), std::int64_t{maxCost} + 1);
+  return circularBucket(Towards::key(cost, maxCost), std::int64_t{maxCost} + 1);
 }
 
 /// What a pixel of a forest image gains: a label, a cost and a predecessor. The queue has buckets
@@ -133,14 +122,14 @@ struct ForestBands {
 };
 
 /// The forest transforms: one path cost, one direction.
-template <class Direction, class Arcs, class PathCost = ifPathCostFn>
+template <class Towards, class Arcs, class PathCost = ifPathCostFn>
 struct ForestTransform : ForestBands {
   Arcs arcs;
   PathCost pathCost;
 
   int extend(int p, int q, int k) const { return pathCost(cost[p], arcs.weight(p, q, k)); }
-  bool improves(int offered, int q) const { return Direction::isBetter(offered, cost[q]); }
-  int bucket(int offered, int) const { return bucketOf<Direction>(offered, maxCost); }
+  bool improves(int offered, int q) const { return Towards::isBetter(offered, cost[q]); }
+  int bucket(int offered, int) const { return bucketOf<Towards>(offered, maxCost); }
 };
 
 /// Levelling: label 1 grows upwards by the maximum, label 2 downwards by the minimum, side by side

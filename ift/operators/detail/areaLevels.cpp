@@ -229,7 +229,7 @@ public:
     });
   }
   bool improves(int cost, int q) const {
-    return cost > (reachedBy_[q] == label_ ? cost_[q] : Maximising::infinite);
+    return cost > (reachedBy_[q] == label_ ? cost_[q] : ifInfiniteCostInverted);
   }
   void conquer(int, int q, int, int cost) {
     cost_[q] = cost;
