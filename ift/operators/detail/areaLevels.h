@@ -9,9 +9,10 @@
 //
 // The components of all thresholds come out of one pass over the pixels by falling value, with a
 // union-find: near linear time, however many maxima there are. It takes values of at least 0. Where
-// some are negative, the circle of the flood's buckets, one for each cost of 0 .. the largest, is
-// too small for its costs, and serves them in the order of remainders: then each maximum is flooded
-// by itself, in time proportional to the number of maxima times the area.
+// some are negative, the flood's circle of buckets, one for each cost of 0 .. the largest, is too
+// small for its costs and serves them in the order of remainders, which is no order of values: in the
+// row -3 2 -4 with area 2 the circle of three buckets serves -4 before -3, so the level is -4. Then
+// each maximum is flooded by itself, in time proportional to the number of maxima times the area.
 #pragma once
 
 #include "base/buffer.h"
