@@ -1,11 +1,14 @@
 #include "base/outputFile.h"
 
 #include "base/buffer.h"
+#include "base/report.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <charconv>
+#include <exception>
+#include <iterator>
 #include <random>
 #include <string_view>
 
@@ -59,19 +62,28 @@ struct Place {
 };
 Place places[64];
 
+void drawLetters(char *at) {
+  try {
+    std::random_device random;
+    for (std::size_t i = 0; i < letters; ++i)
+      *at++ = "abcdefghijklmnopqrstuvwxyz234567"[random() % 32];
+  } catch (const std::exception &) {
+    fatal(About::file, "the system gives no random numbers, for the name of a temporary file\n");
+  }
+}
+
 // The name of a temporary file in a folder.
 class TemporaryName {
 public:
   explicit TemporaryName(int folder) {
+    char name[sizeof Place::name] = {};
+    drawLetters(std::copy(prefix.begin(), prefix.end(), name));
     for (Place &place : places)
       if (!place.isTaken.exchange(true)) {
         place_ = &place;
         break;
       }
-    std::random_device random;
-    char *at = std::copy(prefix.begin(), prefix.end(), place_->name);
-    for (std::size_t i = 0; i < letters; ++i)
-      *at++ = "abcdefghijklmnopqrstuvwxyz234567"[random() % 32];
+    std::copy(std::begin(name), std::end(name), place_->name);
     place_->folder = folder;
     place_->isFilled = true;
   }
