@@ -15,11 +15,12 @@ struct Vast {
 
 TEST(Buffer, MemoryThatCannotBeHadIsAnError) {
   const std::size_t beyond = PTRDIFF_MAX / sizeof(int);
+  [[maybe_unused]] static const void *volatile used; // else a compiler drops the memory
   const std::function<void()> cases[] = {
-      [=] { makeArray<int>(beyond); },
-      [=] { makeZeroedArray<int>(beyond); },
-      [=] { Vector<int>{}.reserve(beyond); },
-      [] { makeUnique<Vast>(); },
+      [=] { used = makeArray<int>(beyond).get(); },
+      [=] { used = makeZeroedArray<int>(beyond).get(); },
+      [=] { used = Vector<int>(beyond / 2).data(); },
+      [] { used = makeUnique<Vast>().get(); },
   };
   for (const auto &allocate : cases) {
     EXPECT_FATAL(allocate(), "^(==.*\n)?could not allocate memory!\n$");
