@@ -31,8 +31,7 @@ int imReadImage(const char *path, imImage **image);
 ///   ASCII (P2): every value as "%5d ", 16 to a line, with maxValue as the declared maximum; a
 ///   maxValue of 0 is first set, in the image itself, to the largest value (0 where all are
 ///   negative)
-///   any other type, or no image: "Could not write image. Unknown type." on standard error, and an
-///   empty file
+///   any other type: "Could not write image. Unknown type." on standard error, and an empty file
 /// A regular file is written under a temporary name in the same folder, which begins with
 /// ".seedforest-tmp-", and then renamed over the old one, with its permissions: a write that fails
 /// leaves the old file unchanged. Symbolic links stay. After a power cut the file may be the old

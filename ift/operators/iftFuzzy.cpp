@@ -52,8 +52,8 @@ private:
   Array<int> cost_;
 };
 
-// The transform of one object. A path never gets better as it grows, so neighbours that cost no more
-// than the pixel itself need no offer, and an entry is outdated exactly when its pixel's cost
+// The transform of one object. A path never gets better as it grows, so neighbours that cost no
+// more than the pixel itself need no offer, and an entry is outdated exactly when its pixel's cost
 // belongs elsewhere: each bucket holds a single cost.
 class ConnectednessTransform {
 public:

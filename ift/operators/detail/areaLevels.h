@@ -1,11 +1,10 @@
 // To which level an area opening lowers each regional maximum. Internal; the operations are in
 // ifConnected.h.
 //
-// The level of a maximum is found by a flood that starts at the first of its pixels and always takes
-// the front pixel whose path has the highest minimum. It stops at `area` pixels; the minimum of the
-// path to the last of them is the level. So it is the
-// highest threshold at which the maximum's component has `area` pixels or, in a smaller image, the
-// lowest value of all.
+// The level of a maximum is found by a flood that starts at the first of its pixels and always
+// takes the front pixel whose path has the highest minimum. It stops at `area` pixels; the minimum
+// of the path to the last of them is the level. So it is the highest threshold at which the
+// maximum's component has `area` pixels or, in a smaller image, the lowest value of all.
 //
 // The components of all thresholds come out of one pass over the pixels by falling value, with a
 // union-find: near linear time, however many maxima there are. It takes values of at least 0. Where
