@@ -50,7 +50,8 @@ struct ifGraph {
 /// A new graph with a copy of the label image, if there is one, and all edges; each list in reverse
 /// order, the data 0. It has the vertices that createGraph() would make, and no fewer than the old
 /// one. Leaves the old graph's cursors at the ends of the lists. Where it cannot be allocated: as
-/// createGraph(). Ends with an error: an edge that leads to no vertex.
+/// createGraph().
+/// Ends with an error: an edge that leads to no vertex.
 [[nodiscard]] ifGraph *copyBaseGraph(ifGraph *graph, int dataSize);
 
 /// Releases the graph with all that it owns, and clears the caller's pointer.

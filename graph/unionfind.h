@@ -32,9 +32,10 @@ struct ufUnionFind {
 };
 
 /// Makes n sets of one element each (n may be 0), rank 0, data 0, no callback. Memory that the
-/// record held before is not released. Ends with an error: "Union/find was not allocated before
-/// ufStartUnionFind \n\n" without a record, "Could not allocate structure for union/find [%d
-/// elements]\n\n" (n) without memory or with n below 0.
+/// record held before is not released.
+/// Ends with an error: "Union/find was not allocated before ufStartUnionFind \n\n" without a
+/// record, "Could not allocate structure for union/find [%d elements]\n\n" (n) without memory or
+/// with n below 0.
 void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize);
 
 /// Frees the elements and their data. The fields stay as they are.

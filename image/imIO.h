@@ -19,11 +19,12 @@
 /// 32 bits take the nearest value. The file is read no further than to its last pixel, or to the
 /// place where its numbers end. White space and the comment may be of any length. For a P5 or P6
 /// file that is too short, memory is taken for the bytes that it has, not for the size in its
-/// header. Ends with an error, and `image` unchanged: no path or no place for the image; "could not
-/// open file %s\n"; "unknown file format; trying to read %s\n" with the first word; "error reading
-/// file %s; expecting %d pixels, read %d\n" where binary samples are missing (in a P6 it counts
-/// bytes); a header without three numbers of 32 bits or with an impossible size; a read error;
-/// memory that cannot be had, with the lines of imCreateImage().
+/// header.
+/// Ends with an error, and `image` unchanged: no path or no place for the image; "could not open
+/// file %s\n"; "unknown file format; trying to read %s\n" with the first word; "error reading file
+/// %s; expecting %d pixels, read %d\n" where binary samples are missing (in a P6 it counts bytes);
+/// a header without three numbers of 32 bits or with an impossible size; a read error; memory that
+/// cannot be had, with the lines of imCreateImage().
 int imReadImage(const char *path, imImage **image);
 
 /// Writes an image in the dialect of its type.
@@ -37,7 +38,7 @@ int imReadImage(const char *path, imImage **image);
 /// leaves the old file unchanged. Symbolic links stay. After a power cut the file may be the old
 /// one, the new one or, on some file systems, empty. Devices, pipes, and files in a folder where
 /// nothing can be created are written in place. A path that names a descriptor of the process, such
-/// as "/dev/stdout", is appended to. Ends with an error: no path; "could not open file %s for
-/// writing\n"; "error writing image %s\n" when not all bytes reach the file; an image with fewer
-/// bands than its type needs.
+/// as "/dev/stdout", is appended to.
+/// Ends with an error: no path, no image; "could not open file %s for writing\n"; "error writing
+/// image %s\n" when not all bytes reach the file; an image with fewer bands than its type needs.
 void imSaveImage(const char *path, imImage *image);

@@ -52,7 +52,8 @@ void imReleaseImage(imImage **image);
 [[nodiscard]] imImage *imCopyImage(const imImage *image);
 
 /// A new image of one band, a copy of band b, with the type given; maxValue is the band's largest
-/// value, 0 where all are negative. Ends with an error: no such band.
+/// value, 0 where all are negative.
+/// Ends with an error: no such band.
 [[nodiscard]] imImage *imCopyBand(const imImage *image, char type, int b);
 
 /// Histogram of band 0 over the pixels where band 0 of the mask is > 0.
@@ -64,7 +65,8 @@ void imHistogram(const imImage *image, const imImage *mask, float **histogram, i
 
 /// Prints band 0 of the (2r + 1) x (2r + 1) window centred on pixel p, row by row: "%6d " for each
 /// position inside the image, nothing for one outside, "\n" after each row. A negative r prints
-/// nothing. Ends with an error: no stream, a pixel outside the image.
+/// nothing.
+/// Ends with an error: no stream, a pixel outside the image.
 void imPrintWindow(std::FILE *stream, const imImage *image, int p, int r);
 
 /// Copies band 0 of `grey` into bands 0, 1 and 2 of `colour`, an image of the same size.

@@ -38,7 +38,8 @@ int ifPathCostMinLocal(int cost, int weight);
 int ifWatershedMetric(const imImage *image, int p, int q);
 
 /// The integer part of the root mean square difference of the bands, the mean an integer division;
-/// saturating. Ends with an error: no image, an image without bands (base/error.h).
+/// saturating.
+/// Ends with an error: no image, an image without bands (base/error.h).
 int ifEuclideanDistance(const imImage *image, int p, int q);
 
 /// The largest absolute difference of the bands, saturating; -1 for an image without bands. Ends
@@ -46,5 +47,6 @@ int ifEuclideanDistance(const imImage *image, int p, int q);
 int ifMaxDistance(const imImage *image, int p, int q);
 
 /// The chamfer metric: 12 for pixels in one row or column, 17 for others; reads only the image's
-/// width. Ends with an error: no image.
+/// width.
+/// Ends with an error: no image.
 int ifChanferDistance(const imImage *image, int p, int q);

@@ -49,15 +49,17 @@ void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots)
 /// standard output. Where no number can be scanned, x, y or label keeps its last value (0 at
 /// first), so a file may have fewer lines than its count. Coordinates outside the image give pixel
 /// indices outside it, or other pixels of it; operations on the set reject the indices outside. The
-/// file is read to its end. Ends with an error: "Could not open file %s for reading\n"; a read
-/// error; memory that cannot be had. Where the count is missing, below 1, or larger than 65536 plus
-/// the file's size in bytes: "invalid number of roots in file %s\n" on standard error, and no
-/// record; in a scope of ThrowingErrors that line is thrown.
+/// file is read to its end.
+/// Ends with an error: "Could not open file %s for reading\n"; a read error; memory that cannot be
+/// had. Where the count is missing, below 1, or larger than 65536 plus the file's size in bytes:
+/// "invalid number of roots in file %s\n" on standard error, and no record; in a scope of
+/// ThrowingErrors that line is thrown.
 [[nodiscard]] ifRoots *ifReadRoots(const char *path, const imImage *image);
 
 /// A new image of type ASCII: each seed's label at its pixel, the later seed's where a pixel
-/// repeats, and 0 elsewhere; maxValue 0. Ends with an error: a seed outside the image. Where the
-/// image cannot be allocated: as imCreateImage().
+/// repeats, and 0 elsewhere; maxValue 0.
+/// Ends with an error: a seed outside the image. Where the image cannot be allocated: as
+/// imCreateImage().
 [[nodiscard]] imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots);
 
 struct ifRootsDeleter {

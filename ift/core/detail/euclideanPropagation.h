@@ -27,8 +27,8 @@ struct EuclideanProblem {
   std::initializer_list<InheritedBand> inherited;
 };
 
-/// Writes the bands of the problem. Ends with an error: a root outside the image, memory that
-/// cannot be had.
+/// Writes the bands of the problem.
+/// Ends with an error: a root outside the image, memory that cannot be had.
 void propagateEuclidean(const EuclideanProblem &problem);
 
 } // namespace seedforest::detail

@@ -39,8 +39,8 @@ struct AnyOffer {
 /// - isCurrent(entry, bucket): whether no better entry has replaced this one and its pixel is not
 ///   settled;
 /// - offers(entry, offer): the path to the entry's pixel is final; calls offer(q, k, cost) for each
-///   of its neighbours q, by displacement k, in the order of the adjacency, with the cost of the path
-///   through it; neighbours that cannot be improved may be left out;
+///   of its neighbours q, by displacement k, in the order of the adjacency, with the cost of the
+///   path through it; neighbours that cannot be improved may be left out;
 /// - improves(cost, q): the strict test;
 /// - conquer(p, q, k, cost): q gains the path through p;
 /// - bucket(cost, q) and entry(q, k, cost): the bucket in which q waits then, and its entry;
