@@ -37,8 +37,8 @@ Image contourDifferences(const Image &values, const Image &labels, bool absolute
 /// Which skeleton of a shape.
 enum class Side { inside = 1, outside = 2, both = 0 };
 
-/// A skeleton: the squared distance to the border on its pixels, 0 elsewhere; and the value that
-/// ifSkel returns, at which larger scales are cut off, -99999 for a shape without interior.
+/// A skeleton: the squared distance to the border on its pixels, 0 elsewhere; and the largest
+/// useful scale (larger ones count as this one), -99999 for a shape without interior.
 struct Skeleton {
   Image squaredDistances;
   int largestScale;

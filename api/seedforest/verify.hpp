@@ -24,8 +24,8 @@ std::optional<Violation> verifyForest(const Forest &forest, const Image &image, 
 /// root's label and value, that its cost grows along neighbours as `cost` says, and that no arc and
 /// no root offers any pixel a better cost. For path costs that never get better along a path, no
 /// better forest exists then. The arguments are those of the call of forest().
-///   result  empty where all holds; else the first violation in raster order, of the paths before the
-///           offers
+///   result  empty where all holds; else the first violation in raster order, of the paths before
+///           the offers
 /// Takes time linear in the number of arcs. Does not check which of several equal paths won.
 /// Throws Error: images of different size, a root outside the image.
 template <class Cost, class Weight>
