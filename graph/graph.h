@@ -7,8 +7,8 @@
 // proportional to its length.
 //
 // Ends with an error, in every operation but destroyGraph(): no graph or no list, a vertex outside
-// 0 .. nVertices - 1, memory for an edge that cannot be had (an error is a line on standard error
-// and status 1, or an exception: base/error.h).
+// 0 .. nVertices - 1, memory for an edge that cannot be allocated (an error is a line on standard
+// error and status 1, or an exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"

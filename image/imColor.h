@@ -17,8 +17,8 @@
 // the nearest value. Pixels may hold any values, in range or not.
 //
 // Ends with an error, in every conversion: no image, images with fewer than three bands or of
-// different size, memory that cannot be had (an error is a line on standard error and status 1, or
-// an exception: base/error.h).
+// different size, memory that cannot be allocated (an error is a line on standard error and status
+// 1, or an exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"

@@ -16,15 +16,15 @@
 /// Each pixel of a P2 file is one scan of a decimal integer. Where a sign has no digits behind it,
 /// the pixel is 0 and the next scan starts behind the sign. At anything else that is no number, or
 /// at the end of the file, this pixel and all later ones are 0. That is no error. Samples outside
-/// 32 bits take the nearest value. The file is read no further than to its last pixel, or to the
-/// place where its numbers end. White space and the comment may be of any length. For a P5 or P6
-/// file that is too short, memory is taken for the bytes that it has, not for the size in its
-/// header.
+/// 32 bits take the nearest value.
+/// Whatever follows the last pixel, or the place where the numbers end, is ignored and not waited
+/// for. White space and the comment may be of any length. For a P5 or P6 file that is too short,
+/// memory is taken for the bytes that it has, not for the size in its header.
 /// Ends with an error, and `image` unchanged: no path or no place for the image; "could not open
 /// file %s\n"; "unknown file format; trying to read %s\n" with the first word; "error reading file
 /// %s; expecting %d pixels, read %d\n" where binary samples are missing (in a P6 it counts bytes);
 /// a header without three numbers of 32 bits or with an impossible size; a read error; memory that
-/// cannot be had, with the lines of imCreateImage().
+/// cannot be allocated, with the lines of imCreateImage().
 int imReadImage(const char *path, imImage **image);
 
 /// Writes an image in the dialect of its type.

@@ -11,8 +11,8 @@
 // is not changed.
 //
 // Ends with an error, in every operation: no image, too few bands in the output, images of
-// different size, memory that cannot be had (an error is a line on standard error and status 1, or
-// an exception: base/error.h).
+// different size, memory that cannot be allocated (an error is a line on standard error and status
+// 1, or an exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"

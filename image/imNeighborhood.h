@@ -6,8 +6,8 @@
 // argument, for the caller to free(), and returns the number n of pairs. dx counts columns to the
 // right, dy rows downwards. A neighbour outside the image does not exist; nothing wraps around.
 //
-// Ends with an error, in every relation: a null argument, memory that cannot be had ("could not
-// allocate memory!\n"; an error is a line on standard error and status 1, or an exception:
+// Ends with an error, in every relation: a null argument, memory that cannot be allocated ("could
+// not allocate memory!\n"; an error is a line on standard error and status 1, or an exception:
 // base/error.h).
 #pragma once
 

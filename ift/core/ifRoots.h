@@ -29,7 +29,7 @@ struct ifRoots2 {
 };
 
 /// Gives the record n entries of zeros (n may be 0); arrays that it held before are not released.
-/// Ends with an error: a negative n, memory that cannot be had.
+/// Ends with an error: a negative n, memory that cannot be allocated.
 void ifAllocateRoots(ifRoots *roots, int n);
 
 /// Free the arrays, not the record, which is left empty. Null is allowed.
@@ -51,8 +51,8 @@ void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots)
 /// indices outside it, or other pixels of it; operations on the set reject the indices outside. The
 /// file is read to its end.
 /// Ends with an error: "Could not open file %s for reading\n"; a read error; memory that cannot be
-/// had. Where the count is missing, below 1, or larger than 65536 plus the file's size in bytes:
-/// "invalid number of roots in file %s\n" on standard error, and no record; in a scope of
+/// allocated. Where the count is missing, below 1, or larger than 65536 plus the file's size in
+/// bytes: "invalid number of roots in file %s\n" on standard error, and no record; in a scope of
 /// ThrowingErrors that line is thrown.
 [[nodiscard]] ifRoots *ifReadRoots(const char *path, const imImage *image);
 

@@ -19,6 +19,6 @@
 /// Algorithm: Dijkstra's, on 2 * (ncols + nrows) + 2 buckets in a circle. The first of several
 /// equally short paths keeps a pixel. A distance that does not fit into 31 bits conquers nothing.
 /// Ends with an error: a null argument, a result of another size or with too few bands, a root
-/// outside the image, memory that cannot be had (base/error.h).
+/// outside the image, memory that cannot be allocated (base/error.h).
 void iftEuclideanDT(const imImage *image, imImage *result, imNeighborhoodFn adjacency,
                     const ifRoots *roots);

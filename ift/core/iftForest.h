@@ -33,7 +33,7 @@
 //
 // Ends with an error (a line on standard error and status 1, or an exception: base/error.h): a
 // negative bound, a null argument, images of different size, a forest image with too few bands, an
-// arc-weight image without its adjacency, a seed outside the image, memory that cannot be had
+// arc-weight image without its adjacency, a seed outside the image, memory that cannot be allocated
 // ("Could not allocate queue (Q) in initQueue\n" for buckets, "(A)" for per-pixel storage).
 #pragma once
 

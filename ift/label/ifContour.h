@@ -6,8 +6,8 @@
 // operation does not write keep their values.
 //
 // Ends with an error, in every operation: no image, one without band 0 or of another size than its
-// partner, memory that cannot be had (an error is a line on standard error and status 1, or an
-// exception: base/error.h).
+// partner, memory that cannot be allocated (an error is a line on standard error and status 1, or
+// an exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"

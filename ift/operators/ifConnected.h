@@ -10,9 +10,9 @@
 // larger.
 //
 // Ends with an error, in every operation: no image or no band, images of different size, no roots
-// or one outside the image, a negative bound, no place for a result, memory that cannot be had (an
-// error is a line on standard error and status 1, or an exception: base/error.h). Results are
-// stored last.
+// or one outside the image, a negative bound, no place for a result, memory that cannot be
+// allocated (an error is a line on standard error and status 1, or an exception: base/error.h).
+// Results are stored last.
 #pragma once
 
 #include "ift/core/ifRoots.h"

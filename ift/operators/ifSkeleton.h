@@ -4,7 +4,8 @@
 //
 // Ends with an error, in both operations: no image, no roots or no place for the result, images of
 // different size or of a number of bands that does not fit, a root outside the image, memory that
-// cannot be had (an error is a line on standard error and status 1, or an exception: base/error.h).
+// cannot be allocated (an error is a line on standard error and status 1, or an exception:
+// base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"

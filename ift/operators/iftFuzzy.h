@@ -13,9 +13,9 @@
 // negative sigma gives costs of 0 and less, down to 255 - (2^31 - 1).
 //
 // Ends with an error, in every operation: a sigma of 0, no image, no adjacency, no list, images
-// without band 0 or of different size, a seed outside the image, memory that cannot be had (an
-// error is a line on standard error and status 1, or an exception: base/error.h). Where an image
-// that is returned cannot be allocated: as imCreateImage().
+// without band 0 or of different size, a seed outside the image, memory that cannot be allocated
+// (an error is a line on standard error and status 1, or an exception: base/error.h). Where an
+// image that is returned cannot be allocated: as imCreateImage().
 #pragma once
 
 #include "ift/core/ifRoots.h"

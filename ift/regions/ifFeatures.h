@@ -7,8 +7,8 @@
 //
 // Ends with an error, in every operation: no image or no graph, images of different size, labels
 // out of range, edges that lead to no vertex, vertices without the data that dataSize promises,
-// memory that cannot be had (an error is a line on standard error and status 1, or an exception:
-// base/error.h).
+// memory that cannot be allocated (an error is a line on standard error and status 1, or an
+// exception: base/error.h).
 #pragma once
 
 #include "graph/graph.h"

@@ -23,8 +23,8 @@
 ///              tree does not reach), and the predecessor (else the pixel itself)
 ///   adjacency  called once
 ///   arcWeight  expected in 0 .. 1000: there are 50000 buckets
-/// Ends with an error: images of different size, too few bands, memory that cannot be had ("Could
-/// not allocate queue (Q) in initQueue\n", "(A)").
+/// Ends with an error: images of different size, too few bands, memory that cannot be allocated
+/// ("Could not allocate queue (Q) in initQueue\n", "(A)").
 void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight);
 

@@ -19,5 +19,5 @@
 /// "in ifLabelImage\n" twice, "ha %d sementes\n" with the number of marker pixels.
 /// Ends with an error (a line on standard error and status 1, or an exception: base/error.h): no
 /// image, one of another number of bands, or more than 1000000 steps, all before anything is
-/// printed; what imSaveImage() reports, memory that cannot be had.
+/// printed; what imSaveImage() reports, memory that cannot be allocated.
 [[nodiscard]] ifRoots *ifCellsRoots(imImage *image, int steps);

@@ -1,8 +1,8 @@
 // Roots on the borders of binary shapes.
 //
-// Ends with an error, in every operation: no image, no band or no record, memory that cannot be had
-// (an error is a line on standard error and status 1, or an exception: base/error.h). The record is
-// then unchanged.
+// Ends with an error, in every operation: no image, no band or no record, memory that cannot be
+// allocated (an error is a line on standard error and status 1, or an exception: base/error.h). The
+// record is then unchanged.
 #pragma once
 
 #include "ift/core/ifRoots.h"

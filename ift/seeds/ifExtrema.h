@@ -14,8 +14,8 @@
 //
 // Each of the first two prints "in ifLabelImage\n" once on standard output, the last two twice.
 // Ends with an error, in every operation: no image or no band, maxima of an image whose values and
-// maxValue are all negative, memory that cannot be had (an error is a line on standard error and
-// status 1, or an exception: base/error.h).
+// maxValue are all negative, memory that cannot be allocated (an error is a line on standard error
+// and status 1, or an exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"

@@ -28,7 +28,7 @@ struct EuclideanProblem {
 };
 
 /// Writes the bands of the problem.
-/// Ends with an error: a root outside the image, memory that cannot be had.
+/// Ends with an error: a root outside the image, memory that cannot be allocated.
 void propagateEuclidean(const EuclideanProblem &problem);
 
 } // namespace seedforest::detail

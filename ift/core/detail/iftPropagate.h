@@ -15,7 +15,7 @@
 //   iftPrimGraph                 the edge's weight, no path            <       cost, pulled back
 //   an area opening's flood      min(cost of p, value of q)            >       bound - cost
 //
-// Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
+// Ties: within a bucket first in, first out; a pixel conquered again waits behind all that are in
 // its new bucket; an equal cost never conquers. Buckets are served in a circle, costs beyond the
 // last one in the order of their remainders.
 #pragma once

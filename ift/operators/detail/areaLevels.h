@@ -28,7 +28,7 @@ struct AreaLevel {
 ///   maxima   the roots of the labels; the first root of each label after those of smaller labels
 ///   maxCost  at least 0, and at least the largest value of band 0
 ///   area     in pixels; 0 or less: all levels are 0, and reached
-/// Ends with an error: memory that cannot be had; for a queue, with the line of initQueue().
+/// Ends with an error: memory that cannot be allocated; for a queue, with the line of initQueue().
 Array<AreaLevel> findAreaLevels(const imImage *image, const ifRoots *maxima, int count, int maxCost,
                                 int area);
 
