@@ -110,7 +110,7 @@ Components splitTouching(const Image &shape, int h) {
     if (farthest == ifInfiniteCost)
       return components(shape);
     const int scale = distanceScale(truncatedSqrt(farthest), h);
-    // Raised by more than h, so that each component's highest maximum stands out by more than h.
+    // Raised by more than h above the outside, so that each component has a maximum that counts.
     const Image distances = liftedDistances(squared, scale, scale * h + 1);
     Components maxima = components(masked(hMaxima(distances, scale * h), shape));
     const Roots roots = rootsOf(maxima.labels);

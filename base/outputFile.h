@@ -50,8 +50,8 @@ private:
   Writer writer_;
 };
 
-/// Removes the temporary files of all OutputFiles of the process, or of the first 64 where there
-/// are more. Safe in a signal handler.
+/// Removes the temporary files of all OutputFiles of the process, or of 64 of them where there are
+/// more. Safe in a signal handler.
 void removeUnfinishedFiles();
 
 } // namespace seedforest::detail

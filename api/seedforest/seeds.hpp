@@ -35,7 +35,8 @@ Roots markers(const Image &image, int h, int steps = 0);
 
 /// The cells of a micrograph: label 2 for markers on bright objects, 1 for the lines between them;
 /// values 0. `steps` are those of the filter. See ifCellsRoots; this function does not write its
-/// image. Throws Error: an image of several bands, or more than 1000000 steps.
+/// image.
+/// Throws Error: an image of several bands, or more than 1000000 steps.
 Roots cellRoots(const Image &image, int steps);
 
 /// The labels of roots on borders.

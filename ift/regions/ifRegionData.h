@@ -47,8 +47,9 @@ int ifEdgeWeightColor(const imImage *image, ufUnionFind *uf, int p, int q);
 
 /// A copy of the graph (see copyBaseGraph) with one integer on each vertex: the number of pixels
 /// that have its label, or the sum over these pixels of the image's maxValue minus their value in
-/// band 0. The caller releases it. Print "will copy base graph %d\n" (the number of vertices) and
-/// "done!!!!\n" on standard output. End with an error, before they print: no graph or no label
-/// image, labels or edges that lead to no vertex, images of different size.
+/// band 0. The caller releases it.
+/// Print "will copy base graph %d\n" (the number of vertices) and "done!!!!\n" on standard output.
+/// Ends with an error, before printing: no graph or no label image, labels or edges that lead to no
+/// vertex, images of different size.
 [[nodiscard]] ifGraph *ifComputeArea(ifGraph *graph);
 [[nodiscard]] ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image);

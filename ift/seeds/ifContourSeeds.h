@@ -38,7 +38,7 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
 /// curve's middle row (the upper one of two), and the numbers run on from curve to curve.
 ///   roots  out: count and new arrays, in raster order, values 0, which the caller owns; arrays
 ///          that the record held before are not released
-/// For the middle row, a curve that begins below row 100000 counts as beginning there; if it has no
-/// pixel in that middle row it gets no roots.
+/// For the middle row, a curve that begins in a row beyond 100000 counts as beginning in row
+/// 100000; if it has no pixel in that middle row it gets no roots.
 /// Prints "in ifLabelImage\n" on standard output.
 void ifSkel2RootsSplit(const imImage *image, ifRoots *roots);
