@@ -42,8 +42,8 @@ int ifWatershedMetric(const imImage *image, int p, int q);
 /// Ends with an error: no image, an image without bands (base/error.h).
 int ifEuclideanDistance(const imImage *image, int p, int q);
 
-/// The largest absolute difference of the bands, saturating; -1 for an image without bands. Ends
-/// with an error: no image.
+/// The largest absolute difference of the bands, saturating; -1 for an image without bands.
+/// Ends with an error: no image.
 int ifMaxDistance(const imImage *image, int p, int q);
 
 /// The chamfer metric: 12 for pixels in one row or column, 17 for others; reads only the image's

@@ -6,7 +6,8 @@
 //
 //   band nbands - 3   the label of the seed whose path won, 0 where none arrived
 //   band nbands - 2   the cost of that path; the infinite cost where none arrived
-//   band nbands - 1   the pixel before on that path; for seeds and unreached pixels themselves
+//   band nbands - 1   the pixel before on that path; at seeds and unreached pixels, the pixel
+//                     itself
 //
 // Algorithm: Dijkstra's ("A note on two problems in connexion with graphs", 1959), from several
 // sources, on Dial's circle of buckets ("Algorithm 360: shortest-path forest with topological

@@ -5,9 +5,11 @@
 // extrema, one level for each half-width among the disc's runs; a level comes from the one before
 // by two or three reads per pixel. Output row y is the extremum, over dy, of input row y + dy at
 // the level of dy. Input rows are read in batches of four, so that an output row is loaded and
-// stored once for four of them. (The running extrema of van Herk, 1992, and of Gil and Werman,
-// 1993, take constant time for one width; a disc needs many, each of which is one step from the
-// next narrower.)
+// stored once for four of them.
+//
+// The running extrema of van Herk ("A fast algorithm for local minimum and maximum filters", 1992)
+// and of Gil and Werman ("Computing 2-D min, median, and max filters", 1993) take constant time per
+// pixel for one width. A disc needs many widths, and here each is one step from the next narrower.
 //
 // Stages are chained: an opening, or a whole step of an alternating filter, passes over the image
 // once, with only some rows of each stage in memory.
