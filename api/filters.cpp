@@ -29,8 +29,9 @@ Filtered filtered(Filter filter) {
   });
 }
 
-// A reconstruction goes out from the marker's local extrema: from any other pixel a path leads up
-// (down) to one, along which the marker there arrives with as much.
+// The marker's local extrema are enough as roots of a reconstruction: from any other pixel a path
+// leads up (down) to one of them, and a path that starts there arrives with at least as good a
+// cost.
 Roots extremaOf(const Image &marker, imImage *(*find)(const imImage *image)) {
   Roots roots = rootsOf(made(find(marker.get())));
   roots.startAt(marker);
@@ -43,7 +44,7 @@ Filtered dilated(const Image &image, const Roots &roots, int flag) {
   });
 }
 
-// The bound of costs is that of the largest of the image and the roots' values.
+// The bound of costs is the largest value of the image and the roots.
 Filtered eroded(const Image &image, const Roots &roots, int flag) {
   return filtered([&](imImage **result, imImage **labels) {
     imImage bound = changeable(image);

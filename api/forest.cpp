@@ -24,8 +24,8 @@ int largestOf(const int *values, int n, int largest) {
   return largest;
 }
 
-// How many costs a transform is ready for where the caller does not say. Values of at least 0 and
-// their differences fit; who knows what a function of the caller's returns.
+// The largest cost that the queue has a bucket for, unless the caller gives one. It covers values
+// of at least 0 and their differences; the weights of the caller's own functions are not known.
 int boundOf(const Image &image, ifArcWeightFn weight, const ForestOptions &options) {
   constexpr int chamferStep = 17;
   constexpr int unknown = 65535;
@@ -50,7 +50,7 @@ Forest grown(const Image &image, const Roots &roots, Transform transform) {
   return forest;
 }
 
-// A transform of the family without scale, from roots whose values may be others than the caller's.
+// A transform without scaled weights, from `start`: the roots, perhaps with other values.
 Forest grow(const Image &image, const Roots &roots, const ifRoots &start, ifPathCostFn cost,
             ifArcWeightFn weight, const ForestOptions &options) {
   const auto transform = options.best == Best::least ? iftNonNormalized : iftNonNormalizedInverted;

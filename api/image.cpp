@@ -18,7 +18,7 @@ using namespace detail;
 
 namespace {
 
-// The number of bands of a size that so many values fill.
+// The number of bands of this size that nvalues values fill.
 int bandsOf(std::size_t nvalues, int ncols, int nrows) {
   const std::int64_t npixels = std::int64_t{ncols} * nrows;
   if (ncols <= 0 || nrows <= 0 || nvalues == 0 || nvalues % npixels != 0 ||

@@ -14,7 +14,7 @@ using namespace detail;
 
 namespace {
 
-// What an operation writes into a new image like its input.
+// The result of an operation that writes into an image like its input.
 Image morphed(void (*operation)(const imImage *in, imImage *out, int parameter), const Image &image,
               int parameter) {
   return quietly([&] {

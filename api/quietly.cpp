@@ -88,7 +88,7 @@ Adjacency listOf(int n, const int *list) {
   return Adjacency::of(std::move(displacements));
 }
 
-// What one of the library's relations lists.
+// The list of one of the library's adjacency relations.
 template <class... Arguments>
 Adjacency relation(int (*neighborhood)(int **, Arguments...), Arguments... arguments) {
   return detail::quietly([&] {

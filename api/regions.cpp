@@ -61,7 +61,7 @@ ifGraph *Graph::record() const {
 
 Graph Graph::copy() const {
   return quietly([&] {
-    // Each copy turns the lists round.
+    // A copy has its lists reversed; the copy of a copy has them in order.
     const ifGraphPtr turned = owned(copyBaseGraph(record(), 0));
     Graph copy(owned(copyBaseGraph(turned.get(), record()->dataSize)));
     for (int v = 0; v < size(); ++v)

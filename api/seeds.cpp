@@ -26,7 +26,7 @@ Roots taken(ifRoots *roots) {
   return Roots(ifRootsPtr(roots));
 }
 
-// The roots that make(record) leaves in a record.
+// The roots that make(record) stores in a record.
 template <class Make>
 Roots filledIn(Make make) {
   ifRootsPtr roots = createRoots(0);
@@ -35,7 +35,7 @@ Roots filledIn(Make make) {
   return Roots(std::move(roots));
 }
 
-// The image, turned over for minima, moved so that its least value less h is 1.
+// The image, negated for minima, shifted so that its least value minus h is 1.
 Image raised(const Image &image, int h, bool minima) {
   if (h < 0)
     fatal("extrema cannot stand out by more than %d\n", h);

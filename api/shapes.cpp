@@ -20,9 +20,9 @@ using namespace detail;
 
 namespace {
 
-// By how much distances are multiplied before they become integers. The roots of whole numbers up
-// to d * d lie 1 / (2 d) apart at least, so that this keeps all distances up to d apart; less where
-// distances and h, twice over, would not fit 32 bits.
+// The factor by which distances are multiplied before they are truncated. The square roots of
+// different integers up to d * d differ by at least 1 / (2 d), so with a factor above 2 d different
+// distances stay different. It is smaller where twice the distances and h would not fit 32 bits.
 int distanceScale(int d, int h) {
   if (h < 0)
     fatal("splitTouching: h is %d\n", h);
@@ -32,7 +32,7 @@ int distanceScale(int d, int h) {
   return static_cast<int>(std::min(std::int64_t{2} * d + 3, largest));
 }
 
-// The distances (not squared) within a shape, scaled and moved up by `lift`; 0 outside.
+// The distances (not squared) within a shape, scaled and raised by `lift`; 0 outside.
 Image liftedDistances(const Image &squared, int scale, int lift) {
   Image result = like(squared);
   std::ranges::transform(squared.pixels(), result.pixels().begin(), [scale, lift](int value) {
@@ -110,7 +110,7 @@ Components splitTouching(const Image &shape, int h) {
     if (farthest == ifInfiniteCost)
       return components(shape);
     const int scale = distanceScale(truncatedSqrt(farthest), h);
-    // Lifted by more than h, so that a component's highest maximum counts however low it is.
+    // Raised by more than h above the outside, so that each component has a maximum that counts.
     const Image distances = liftedDistances(squared, scale, scale * h + 1);
     Components maxima = components(masked(hMaxima(distances, scale * h), shape));
     const Roots roots = rootsOf(maxima.labels);

@@ -57,7 +57,8 @@ private:
            std::to_string(p / image_->ncols) + ")";
   }
 
-  // The cost by which a pixel and its label follow from the one before, or from a root.
+  // Whether a pixel's cost and label do not follow from its predecessor or, at a start, from a
+  // root.
   Found wrongStep(int p) const {
     const int from = predecessor_[p];
     if (from < 0 || from >= image_->npixels)
@@ -91,7 +92,8 @@ private:
     return std::nullopt;
   }
 
-  // Follows a path up to a pixel whose path is known to end. A second pass marks the way.
+  // Follows a path to a pixel whose path is known to end, or that is its own predecessor. A second
+  // pass marks the pixels on the way.
   bool endsInCircle(int p) {
     enum : char { unseen, onTheWay, ends };
     int q = p;

@@ -1,7 +1,7 @@
 // The tool: reads an image, makes roots by the option named on the command line, writes them.
 //
-// One table says what each option asks of its arguments and how it makes its roots; a new option is
-// a line in it. Argument errors are found only after the image has been read.
+// One table says how many arguments each option takes and how it makes its roots; a new option is a
+// line in it. Argument errors are reported only after the image has been read.
 
 #include "app/signals.h"
 #include "base/report.h"
@@ -37,7 +37,8 @@ struct CommandLine {
 
 enum CommandLinePosition { imagePath = 1, rootsPath = 2, optionWord = 3, firstParameter = 4 };
 
-// How many arguments an option takes, and what is said, and returned to the shell, otherwise.
+// How many arguments an option takes; for other counts, the message, its stream and the exit
+// status.
 struct ArgumentRule {
   int least;
   int most;
@@ -46,7 +47,8 @@ struct ArgumentRule {
   int status;
 };
 
-// Makes an option's roots. None means that it has printed why, and that the run ends with status 0.
+// Makes an option's roots. Null where it has printed why there are none; the run ends with status
+// 0.
 using MakeRootsFn = ifRootsPtr (*)(const CommandLine &, imImage *);
 
 struct Option {
@@ -200,7 +202,7 @@ int run(const CommandLine &line) {
 int main(int argc, const char **argv) {
   removeUnfinishedFilesOnSignals();
   const int status = run({argc, argv});
-  // An error in the middle is remembered by the stream.
+  // ferror() reports earlier writes that failed.
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
     fatal("%s: could not write to standard output\n", argc > 0 ? argv[0] : "seedforest");
   return status;

@@ -10,7 +10,7 @@ namespace {
 
 void removeAndEnd(int signal) {
   seedforest::detail::removeUnfinishedFiles();
-  raise(signal); // which is back to what it did, and waits for the end of this function
+  raise(signal); // takes its default action (SA_RESETHAND) as soon as this function returns
 }
 
 } // namespace

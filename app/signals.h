@@ -1,6 +1,6 @@
-// What the tool does when it is ended from outside.
+// Removal of unfinished files when a signal ends the tool.
 #pragma once
 
-/// From now on a signal that ends the process removes first what is being written, unless whoever
-/// started the tool has it ignored.
+/// From now on a signal that ends the process first removes the temporary files of outputs. Signals
+/// that the process was started to ignore stay ignored.
 void removeUnfinishedFilesOnSignals();

@@ -1,4 +1,5 @@
-// Integer arithmetic with its edges settled: saturating and wrapping ways back to 32 bits.
+// Arithmetic that is defined for all values: conversions to 32 bits that saturate or wrap, and
+// sums.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +22,7 @@ constexpr int wrap(std::int64_t value) {
   return static_cast<int>(static_cast<std::uint32_t>(value));
 }
 
-/// The integer part, saturating; 0 for what is no number.
+/// The integer part, saturating; 0 for NaN.
 inline int truncate(double value) {
   // Without a branch, so that loops become vector code.
   const double number = std::isnan(value) ? 0.0 : value;
@@ -29,7 +30,7 @@ inline int truncate(double value) {
   return static_cast<int>(least > double{maxInt} ? double{maxInt} : least);
 }
 
-/// (a - b)^2: up to 64 bits without a sign.
+/// (a - b)^2, which needs up to 64 unsigned bits.
 constexpr std::uint64_t squaredDifference(int a, int b) {
   const std::uint64_t d =
       a > b ? std::uint64_t(a) - std::uint64_t(b) : std::uint64_t(b) - std::uint64_t(a);
@@ -47,7 +48,7 @@ inline int truncatedSqrt(int value) {
   return static_cast<int>(std::sqrt(value));
 }
 
-/// Whether all values lie in least .. most. In vector code, without an early end.
+/// Whether all values lie in least .. most. Without an early exit, so that it becomes vector code.
 inline bool allWithin(const int *values, int n, int least, int most) {
   int outside = 0;
   for (int i = 0; i < n; ++i)

@@ -1,6 +1,6 @@
-// Memory: blocks from malloc and calloc, so that callers may free() what a record holds, with large
-// blocks put on huge pages where the system grants them. Memory that cannot be had ends the process
-// through outOfMemory(), unless the function says otherwise.
+// Memory allocation. Blocks come from malloc and calloc, so that callers can free() the arrays of a
+// record; large blocks are put on huge pages where the system grants them. A function that cannot
+// allocate ends with an error through outOfMemory(), unless its comment says otherwise.
 #pragma once
 
 #include "base/inline.h"
@@ -18,15 +18,15 @@
 
 namespace seedforest::detail {
 
-/// A zeroed block for `count` elements of `size` bytes, or null when it cannot be had; never null
-/// for count 0. Pages are not touched before they are used. Release with free().
+/// A zeroed block for `count` elements of `size` bytes, or null when it cannot be allocated; count
+/// 0 gives a block too. Pages are not touched before they are used. Release with free().
 void *tryAllocateZeroed(std::size_t count, std::size_t size);
 
 /// The same, never null.
 void *allocateZeroed(std::size_t count, std::size_t size);
 
 /// Grows or shrinks a block to `count` elements of `size` bytes, new bytes uninitialised (block may
-/// be null, for a fresh one). Null when that cannot be had, and then the block is gone.
+/// be null, for a fresh one). Null when it cannot be allocated; the old block is freed then.
 void *tryReallocate(void *block, std::size_t count, std::size_t size);
 
 /// The same, never null.
@@ -37,7 +37,7 @@ inline int *allocateInts(std::size_t count) {
   return static_cast<int *>(allocateZeroed(count, sizeof(int)));
 }
 
-/// Asks for the memory at an address that will soon be read or written.
+/// Prefetches the cache line of an address that will soon be read or written.
 SEEDFOREST_INLINE inline void prefetchAt([[maybe_unused]] const void *address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address);
@@ -48,7 +48,7 @@ struct Free {
   void operator()(void *block) const { std::free(block); }
 };
 
-/// An array that frees itself: scratch, or a block on its way into a record.
+/// An array that frees itself: for scratch, or until release() hands it to a record.
 template <class T>
 using Array = std::unique_ptr<T[], Free>;
 
@@ -66,7 +66,7 @@ Array<T> makeZeroedArray(std::size_t count) {
   return Array<T>(static_cast<T *>(allocateZeroed(count, sizeof(T))));
 }
 
-/// Memory for the containers of the standard library.
+/// The allocator of the standard library's containers.
 template <class T>
 struct Allocator {
   static_assert(alignof(T) <= alignof(std::max_align_t));
@@ -95,7 +95,7 @@ std::unique_ptr<T> makeUnique(Arguments &&...arguments) {
   return made;
 }
 
-/// A stack that takes up memory as it grows.
+/// A stack that allocates as it grows.
 template <class T>
 class Stack {
 public:

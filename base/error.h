@@ -1,6 +1,6 @@
-// What an error does. Unless it is told otherwise, a library operation that cannot do what it was
-// called for prints a line on standard error and ends the process with status 1. A program that
-// wants to go on asks for exceptions:
+// What an error does. By default, a library operation that cannot do its work prints a line on
+// standard error and ends the process with status 1. A program that wants to go on asks for
+// exceptions:
 //
 //   seedforest::ThrowingErrors throwing; // in this thread, as long as it lives
 //   try {
@@ -9,7 +9,7 @@
 //     show(error.what()); // the same line, without its newline
 //   }
 //
-// An operation that throws has released what it made; its arguments are as they were, or valid.
+// An operation that throws has released what it allocated; its arguments are unchanged or valid.
 #pragma once
 
 #include <cstdint>
@@ -29,13 +29,13 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-/// A file that cannot be opened, read or written, or that does not hold what it should.
+/// A file that cannot be opened, read or written, or whose content is not what was expected.
 class FileError : public Error {
 public:
   using Error::Error;
 };
 
-/// Memory that cannot be had. Keeps its text without asking for more; a long one is cut.
+/// Memory that cannot be allocated. The text is kept in the object, cut to 127 characters.
 class OutOfMemory : public Error {
 public:
   explicit OutOfMemory(const char *line);
@@ -45,26 +45,27 @@ private:
   char text_[128];
 };
 
-/// A piece of what an operation tells beside its result: progress, which goes to standard output by
-/// default, or a warning, a line after which it carries on, which goes to standard error. Pieces
-/// come in order, with their newlines; a line of progress may come in several.
+/// The kinds of messages beside a result: progress, on standard output by default, and warnings,
+/// after which the operation carries on, on standard error. Messages come in order, with their
+/// newlines; a line of progress may come in several pieces.
 enum class Notice { progress, warning };
 using NoticeFn = std::function<void(Notice kind, std::string_view text)>;
 
-/// An operation that was asked to stop did.
+/// An operation stopped because a StepFn returned false.
 class Cancelled : public Error {
 public:
   using Error::Error;
 };
 
-/// How far an operation that can take long has come: `done` of `total` units of work, such as
-/// pixels, in its present pass. Returns whether to go on; where not, Cancelled is thrown. Called
-/// after every 2^16 units or so, whatever the passes.
+/// Told how far a long operation has come: `done` of `total` units of work, such as pixels, in its
+/// present pass. Returns whether to go on; on false, Cancelled is thrown. Called after every 2^16
+/// units or so, counted over all passes.
 using StepFn = std::function<bool(std::int64_t done, std::int64_t total)>;
 
-/// As long as one lives, errors in its thread are thrown, and notices and steps are handed to
-/// its functions, or dropped where it has none. The last one made counts; they end in the reverse order. Where a
-/// line would be printed and no result returned, that line is thrown too.
+/// While an object of this class lives, errors in its thread are thrown, and notices and steps go
+/// to its functions, or are dropped where it has none. Of nested objects the innermost counts;
+/// destroy them in reverse order. An error line after which an operation would return no result is
+/// thrown too.
 class ThrowingErrors {
 public:
   explicit ThrowingErrors(NoticeFn notify = nullptr, StepFn step = nullptr);

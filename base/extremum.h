@@ -1,4 +1,4 @@
-// Which end of the scale an operation looks for.
+// Whether an operation looks for the largest or the smallest value.
 #pragma once
 
 namespace seedforest::detail {

@@ -1,9 +1,10 @@
-// The step that every union-find shares.
+// The find operation of union-find, shared by all users of it.
 #pragma once
 
 namespace seedforest::detail {
 
-/// findRoot() from an x whose parent is no root: rare, and kept out of the loops around findRoot().
+/// findRoot() from an x whose parent is no root: rare, and not inlined, to keep calling loops
+/// small.
 template <class ParentOf, class SetParent>
 [[gnu::noinline]] int compressPath(int x, ParentOf parentOf, SetParent setParent) {
   int root = parentOf(x);
@@ -16,9 +17,9 @@ template <class ParentOf, class SetParent>
   return root;
 }
 
-/// The root of the tree that holds x, in a forest of parent links: find with path compression,
-/// after which every element on the way is a child of the root (Tarjan, "Efficiency of a good but
-/// not linear set union algorithm", 1975).
+/// The root of the tree that holds x, in a forest of parent links. Path compression makes every
+/// element on the way a child of the root (Tarjan, "Efficiency of a good but not linear set union
+/// algorithm", 1975).
 ///   parentOf   int (int x): x's parent; a root is its own
 ///   setParent  void (int x, int root)
 template <class ParentOf, class SetParent>

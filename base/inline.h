@@ -1,6 +1,6 @@
-// Inlining by force: code that must be compiled with its caller's vector instructions, the small
-// functions of loops over all pixels, and prefetches, which a compiler drops where it only calls
-// them.
+// Forced inlining: for code that must be compiled with its caller's vector instructions, for small
+// functions in loops over all pixels, and for prefetches, which compilers drop from functions that
+// they do not inline.
 #pragma once
 
 /// In front of `inline` or of a member function; of a lambda, behind its parameters.

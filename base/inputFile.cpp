@@ -16,8 +16,8 @@ constexpr std::size_t pieceSize = std::size_t{1} << 16;
 
 #if __has_include(<unistd.h>)
 
-// Reads what there is of the next bytes, at most a piece, and returns how many: nobody waits for a
-// pipe to fill it. 0 at the end, negative where reading failed.
+// Reads at most a piece and returns the number of bytes, which may be smaller: a pipe is not waited
+// for until the piece is full. 0 at the end and for a directory, negative where reading failed.
 std::ptrdiff_t readPiece(std::FILE *stream, char *to) {
   for (;;) {
     const ssize_t count = read(fileno(stream), to, pieceSize);
@@ -26,7 +26,7 @@ std::ptrdiff_t readPiece(std::FILE *stream, char *to) {
   }
 }
 
-// The bytes behind the place where a regular file is read; 0 for what has no size.
+// The bytes behind the read position of a regular file; 0 for pipes, devices and the like.
 std::size_t bytesAhead(std::FILE *stream) {
   struct stat status;
   const int file = fileno(stream);

@@ -1,5 +1,5 @@
-// Files as text: read piece by piece, no further than somebody asks, so that a file need not fit
-// into memory and nobody waits for what is not needed.
+// Files as text, read in pieces and only as far as the caller needs: a file need not fit into
+// memory, and a pipe is not waited for when its next bytes are not needed.
 #pragma once
 
 #include "base/buffer.h"
@@ -11,7 +11,7 @@
 
 namespace seedforest::detail {
 
-/// A file's bytes. What cannot seek is welcome. A directory has none.
+/// A file's bytes. The file need not be seekable. A directory reads as empty.
 class InputFile : public Text {
 public:
   explicit InputFile(const char *path);
@@ -21,7 +21,7 @@ public:
   bool hasFailed() const override { return failed_; }
   std::size_t certainBytes() const override;
 
-  /// How many bytes have been read, those at hand included.
+  /// The number of bytes read from the file, those not yet scanned included.
   std::size_t size() const { return size_; }
 
 private:
@@ -32,7 +32,7 @@ private:
   std::unique_ptr<std::FILE, Close> stream_;
   Array<char> piece_;
   std::size_t size_ = 0;
-  bool ended_ = false; // for good: a terminal would begin anew
+  bool ended_ = false; // read no more: after its end of file a terminal could deliver new bytes
   bool failed_ = false;
 };
 

@@ -37,7 +37,7 @@ public:
   bool isOpen() const { return number_ >= 0; }
   int number() const { return number_; }
 
-  /// A stream that takes the descriptor over; none where there is no descriptor.
+  /// A stream that takes the descriptor over; null where there is no descriptor.
   std::FILE *toStream() {
     std::FILE *stream = isOpen() ? fdopen(number_, "w") : nullptr;
     if (stream != nullptr)
@@ -50,15 +50,15 @@ private:
 };
 
 constexpr std::string_view prefix = ".seedforest-tmp-";
-constexpr std::size_t letters = 13; // of 5 bits: nobody guesses them, and none come twice
+constexpr std::size_t letters = 13; // of 5 random bits each: names are not guessed and not repeated
 
-// The temporary files that there are, where a signal handler finds them: a place is never released,
-// only free for others. Of more files at a time than places some are not found.
+// The names of the temporary files that exist now, in static memory, where a signal handler can
+// read them at any time. Of more than 64 files at a time, the others are unknown to the handler.
 struct Place {
-  std::atomic<bool> isTaken = false;
-  std::atomic<bool> isFilled = false;
   int folder = -1;
   char name[prefix.size() + letters + 1] = {};
+  std::atomic<bool> isTaken = false;
+  std::atomic<bool> isFilled = false;
 };
 Place places[64];
 
@@ -99,10 +99,11 @@ public:
 
 private:
   Place own_;
-  Place *place_ = &own_; // or one of all
+  Place *place_ = &own_; // unless one of `places` is free
 };
 
-// To name what is in a folder; to list it may be forbidden.
+// A descriptor for openat() and the like. O_PATH and O_SEARCH work for folders that may not be
+// listed.
 int openFolder(const String &path) {
 #if defined(O_PATH)
   constexpr int access = O_PATH;
@@ -123,7 +124,7 @@ String nameOf(const String &path) {
   return path.substr(path.rfind('/') + 1); // all of it where there is none: npos + 1 is 0
 }
 
-// Where the path is a symbolic link, puts what it holds into its place.
+// Replaces the path of a symbolic link by that of its target; false where it is no link.
 bool followLink(String &path) {
   char target[4096];
   const ssize_t length = readlink(path.c_str(), target, sizeof target);
@@ -151,7 +152,8 @@ int descriptorNamed(std::string_view path) {
   return -1;
 }
 
-// What the process has written goes first, and what it writes later comes behind.
+// A stream that appends to an open descriptor. What the process has printed before is flushed, so
+// that the order is kept.
 std::FILE *openDescriptor(int number) {
   std::fflush(stdout);
   Descriptor copy(fcntl(number, F_DUPFD_CLOEXEC, 3));
@@ -162,7 +164,7 @@ std::FILE *openDescriptor(int number) {
 
 } // namespace
 
-// A file that is made beside its place and then put there.
+// A temporary file in the target's folder that is renamed over the target.
 class Replacement {
 public:
   explicit Replacement(const String &path)
@@ -174,14 +176,14 @@ public:
   Replacement(const Replacement &) = delete;
   Replacement &operator=(const Replacement &) = delete;
 
-  // Makes the file, with what it is to have from the old one; none, with errno, where it cannot be
-  // made, or the old one not be replaced.
+  // Creates the file, with the owner, group and permissions of the old one, if any. Null, with
+  // errno set, where the file cannot be created or the old one cannot be replaced.
   std::FILE *make(const struct stat *old) {
     if (name_.empty() || (old != nullptr && !canReplace(*old))) {
       errno = EPERM;
       return nullptr;
     }
-    // What nobody else was to read is nobody's from the start.
+    // The old permissions are set below; until then nobody else may read the new file.
     const mode_t mode = old != nullptr ? S_IRUSR | S_IWUSR : 0666;
     Descriptor file(
         openat(folder_.number(), temporary_.text(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
@@ -198,8 +200,8 @@ public:
   }
 
 private:
-  // Not where the name is another file's than was opened by it, as with the links that a system
-  // keeps for open files; nor where a folder for all holds a file of somebody else.
+  // False where the folder's entry is not the file that was opened, as with a system's links for
+  // open files, and where the folder is sticky and neither the folder nor the file is the user's.
   bool canReplace(const struct stat &old) const {
     struct stat named;
     struct stat folder;
@@ -212,7 +214,8 @@ private:
     return isFree && named.st_dev == old.st_dev && named.st_ino == old.st_ino;
   }
 
-  // The owner or the group stays the process's own where it may not give the file away.
+  // Sets owner, group and permissions. Where the process may not set the owner or the group, they
+  // stay its own.
   static void takeOver(int file, const struct stat &old) {
     [[maybe_unused]] const bool isGiven = fchown(file, old.st_uid, old.st_gid) == 0 ||
                                           fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
@@ -233,7 +236,8 @@ void removeUnfinishedFiles() {
 
 namespace {
 
-// The stream to write a file to, and what is to replace the old one by it, if so.
+// Opens the stream to write to. Sets `replacement` where that is a temporary file; leaves it null
+// where the file is written in place.
 std::FILE *openOutput(const char *path, std::unique_ptr<Replacement> &replacement) {
   constexpr int mostLinks = 40;
   String target(path);
@@ -283,7 +287,7 @@ std::FILE *openOutput(const char *path, std::unique_ptr<Replacement> &) {
 
 namespace {
 
-// Goes on after an interruption.
+// Writes the whole part, going on after interruptions by signals; false on any other error.
 bool putInFile(void *stream, std::string_view part) {
   auto *file = static_cast<std::FILE *>(stream);
   while (!part.empty()) {

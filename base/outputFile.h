@@ -1,4 +1,5 @@
-// Writing files: a regular file is the old one or the new one, never a part.
+// Writing files. A regular file is replaced as a whole: readers find the old one or the new one,
+// never a part.
 #pragma once
 
 #include "base/writer.h"
@@ -13,12 +14,13 @@ class Replacement;
 
 /// A file being written.
 ///
-/// A regular file, or one that is not there yet, is written beside its place, as
-/// ".seedforest-tmp-" with letters behind it, and renamed over the old one by close(). It has the
-/// old one's permissions, and its owner and group where that is allowed; other hard links keep the
-/// old file. Where the path is a symbolic link, what it points to is replaced, there yet or not,
-/// and the link stays. Until close() succeeds the old file is as it was. Nothing is forced to the
-/// disk: after a power cut the file may be the old one, the new one or, on some file systems, empty.
+/// A regular file, or one that does not exist yet, is written in its folder under a temporary name
+/// (".seedforest-tmp-" and 13 random letters or digits), and close() renames it over the old one.
+/// The new file has the old one's permissions, and its owner and group where that is allowed; other
+/// hard links keep the old file. Where the path is a symbolic link, its target is replaced or
+/// created and the link stays. Until close() succeeds the old file is unchanged. There is no
+/// fsync(): after a power cut the file may be the old one, the new one or, on some file systems,
+/// empty.
 ///
 /// Written in place are: devices, pipes and the like; a file in a folder where no file can be made
 /// or replaced; every file on systems without POSIX. A path that names a descriptor of the process
@@ -28,7 +30,7 @@ class OutputFile {
 public:
   explicit OutputFile(const char *path);
 
-  /// Without a successful close(), removes what was written beside the file's place.
+  /// Without a successful close(), removes the temporary file.
   ~OutputFile();
 
   bool isOpen() const { return stream_ != nullptr; }
@@ -43,12 +45,13 @@ private:
     void operator()(std::FILE *stream) const { std::fclose(stream); }
   };
 
-  std::unique_ptr<Replacement> replacement_; // none for what is written in place
+  std::unique_ptr<Replacement> replacement_; // null for a file that is written in place
   std::unique_ptr<std::FILE, Close> stream_;
   Writer writer_;
 };
 
-/// Removes what all OutputFiles of the process are writing beside its place. For signal handlers.
+/// Removes the temporary files of all OutputFiles of the process, or of 64 of them where there are
+/// more. Safe in a signal handler.
 void removeUnfinishedFiles();
 
 } // namespace seedforest::detail

@@ -35,7 +35,7 @@ ThrowingErrors::~ThrowingErrors() {
 
 namespace detail {
 
-/// What the scope that counts in this thread makes of notices and steps.
+/// Passes notices and steps to the functions of this thread's innermost ThrowingErrors.
 struct Scope {
   static void notify(Notice kind, std::string_view text) {
     if (scope->notify_ != nullptr)
@@ -47,7 +47,8 @@ struct Scope {
 
 namespace {
 
-// A text from printf's arguments. A short one takes no memory, so that the want of it can be told.
+// A text from printf's arguments. A short one allocates nothing, so that the lack of memory can be
+// reported.
 class Line {
 public:
   Line(const char *format, std::va_list arguments) {
@@ -97,7 +98,7 @@ void printOnStandardError(const Line &line) {
   throw Error(line.withoutEnd());
 }
 
-// What all lines after which an operation has no result go through.
+// Prints or throws the line of an operation that failed.
 void vfail(About about, const char *format, std::va_list arguments) {
   if (scope == nullptr)
     return printOnStandardError(Line(format, arguments));
@@ -174,7 +175,7 @@ void outOfMemory() {
 
 Meter::Meter(std::int64_t total) : total_(total), isWatched_(Scope::wantsSteps()) {}
 
-// Units add up from pass to pass: of many small ones some are told of too.
+// Units add up from pass to pass, so that many short passes are reported too.
 void Meter::tell(std::int64_t units) {
   constexpr std::int64_t unitsPerStep = 1 << 16;
   static thread_local std::int64_t untold = 0;

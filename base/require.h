@@ -5,8 +5,8 @@
 
 namespace seedforest::detail {
 
-/// Ends with an error that names the operation where the caller gave no such thing: a pointer to
-/// data or to a function, or a place for a result.
+/// Ends with an error that names the operation where the pointer is null: to data, to a function or
+/// to a place for a result.
 template <class Pointer>
 void requireGiven(const char *operation, const char *what, const Pointer &pointer) {
   if (pointer == nullptr)

@@ -15,9 +15,9 @@ constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Long runs of plain numbers are scanned in blocks of 64 bytes: one pass, which the compiler turns
-// into vector code, tells the digits from the white space, and then no byte is branched on, only
-// where numbers start and end. Eight digits at most are read with one load.
+// Long runs of plain numbers are scanned in blocks of 64 bytes. A first pass, which the compiler
+// turns into vector code, marks the digits in a bit mask; the second branches once per number, not
+// once per byte, and reads up to eight digits with one load.
 constexpr int blockSize = 64;
 constexpr int wordSize = 8;
 
@@ -50,7 +50,8 @@ Block classify(const char *bytes) {
 int shortNumber(const char *at, int length) {
   std::uint64_t word = 0;
   std::memcpy(&word, at, wordSize);
-  // The first digit is the lowest byte: moved to the top, zeros come before it.
+  // The first digit is the lowest byte. The shift drops the bytes behind the number and puts
+  // leading zeros before it.
   word = (word - 0x3030303030303030U) << (64 - 8 * length);
   word = word * 10 + (word >> 8); // pairs of digits, in every other byte
   const std::uint64_t even = (word & 0x000000FF000000FFU) * (100 + (std::uint64_t{1000000} << 32));
@@ -58,8 +59,8 @@ int shortNumber(const char *at, int length) {
   return static_cast<int>((even + odd) >> 32);
 }
 
-// Scans up to `count` integers as long as whole blocks hold nothing but short numbers without a
-// sign and white space; returns how many, with text.at right behind the last.
+// Scans up to `count` integers from whole blocks that hold only white space and unsigned numbers of
+// up to eight digits; returns how many, with text.at behind the last.
 std::size_t scanPlainBlocks(Text &text, int *values, std::size_t count) {
   std::size_t n = 0;
   if constexpr (std::endian::native != std::endian::little)
@@ -71,7 +72,7 @@ std::size_t scanPlainBlocks(Text &text, int *values, std::size_t count) {
     std::uint64_t ends = ~block.digits & block.digits << 1;
     if (!block.plain)
       return n;
-    if (ends == 0) { // white space, perhaps with a number that the next block will hold whole
+    if (ends == 0) { // no number ends here: white space, perhaps with the start of a number
       if ((starts & 1) != 0)
         return n;
       text.at += starts == 0 ? blockSize : std::countr_zero(starts);
@@ -93,7 +94,7 @@ std::size_t scanPlainBlocks(Text &text, int *values, std::size_t count) {
   return n;
 }
 
-// Moves on while take(c) holds for the character c at hand.
+// Skips characters c while take(c) holds.
 template <class Take>
 void skipWhile(Text &text, Take take) {
   do {
@@ -120,7 +121,7 @@ Scanned scanInt(Text &text, int &value) {
   const bool isSigned = text.hasMore() && isSign(*text.at);
   const bool isNegative = isSigned && *text.at == '-';
   text.at += isSigned ? 1 : 0;
-  constexpr std::int64_t beyond = std::int64_t{1} << 32; // past every int, and ten times it fits
+  constexpr std::int64_t beyond = std::int64_t{1} << 32; // above every int; ten times it fits
   std::int64_t magnitude = 0;
   bool isNumber = false;
   skipWhile(text, [&](char c) {
@@ -147,7 +148,7 @@ std::size_t scanInts(Text &text, int *values, std::size_t count) {
       if (n == count || scanInt(text, values[n]) == Scanned::nothing)
         return n;
       ++n;
-      // One by one for about a block, or to the end of what is at hand.
+      // One by one for about a block, or to the end of the piece in memory.
     } while (text.end - text.at <= stoppedAt && stoppedAt - (text.end - text.at) < blockSize);
   }
 }

@@ -1,6 +1,6 @@
 // Reading text: the one scanner of decimal integers, for image headers, ASCII samples, roots files
 // and the command line. Its grammar is that of the %d conversion: white space, an optional sign,
-// digits. Text may come in pieces; none is asked for before it is needed.
+// digits. Text may come in pieces; the next one is fetched only when it is needed.
 #pragma once
 
 #include "base/buffer.h"
@@ -10,8 +10,8 @@
 
 namespace seedforest::detail {
 
-/// Text still to be read; scanning moves `at` towards `end`. This one is in memory whole; others
-/// have only a part of theirs at hand, and more when it is asked for.
+/// Text still to be read; scanning moves `at` towards `end`. This class holds a text that is whole
+/// in memory; a derived class holds one piece at a time and fetches the next in refill().
 class Text {
 public:
   const char *at;
@@ -23,13 +23,13 @@ public:
   /// Whether there is text at `at`.
   bool hasMore() { return at != end || refill(); }
 
-  /// Called with nothing at hand: puts what comes next there, or returns false at the end.
+  /// Called where at == end: fetches the next piece, or returns false at the end of the text.
   virtual bool refill() { return false; }
 
-  /// Whether the end is where reading failed.
+  /// Whether the text ended because reading failed.
   virtual bool hasFailed() const { return false; }
 
-  /// How many more bytes there are at least.
+  /// A lower bound of the number of bytes still to be read.
   virtual std::size_t certainBytes() const { return static_cast<std::size_t>(end - at); }
 
 protected:
@@ -37,7 +37,7 @@ protected:
   Text &operator=(const Text &) = default;
 };
 
-/// What came of scanning one integer. A clamped one lay outside 32 bits and took the nearest value.
+/// The outcome of scanning one integer; clamped: it lay outside 32 bits and took the nearest value.
 enum class Scanned { nothing, exact, clamped };
 
 /// White space as the C locale has it.
@@ -51,26 +51,26 @@ constexpr bool isSign(char c) {
 
 void skipSpace(Text &text);
 
-/// Skips what stands before the next newline.
+/// Skips everything before the next newline.
 void skipLine(Text &text);
 
-/// Scans one integer into `value`. On failure `value` stays as it is, and what was consumed stays
-/// consumed: the white space and, where no digit follows it, a sign.
+/// Scans one integer into `value`. On failure `value` is unchanged; white space and a sign without
+/// digits behind it have been consumed.
 Scanned scanInt(Text &text, int &value);
 
 /// Scans up to `count` integers into `values`, as scanInt() would one by one, and returns how many
 /// there were before the first failure.
 std::size_t scanInts(Text &text, int *values, std::size_t count);
 
-/// Scans a word: what stands between white space, of any length; a NUL ends it too, and is its last
-/// character. Empty at the end of the text.
+/// Scans a word: the characters up to the next white space, of any number; a NUL ends the word too
+/// and is its last character. Empty at the end of the text.
 String scanWord(Text &text);
 
-/// Copies up to `count` bytes; returns how many there were.
+/// Copies up to `count` bytes; returns how many, fewer only at the end of the text.
 std::size_t copyBytes(Text &text, char *to, std::size_t count);
 
-/// The next `count` bytes, or all that there are. Memory grows with what there is, never with what
-/// is asked for.
+/// The next `count` bytes, or all up to the end of the text. Memory grows with the bytes read, not
+/// with `count`.
 struct Bytes {
   Array<char> data;
   std::size_t size = 0;

@@ -16,7 +16,7 @@ void Writer::longText(std::string_view text) {
 }
 
 void Writer::number(int value, int width) {
-  char field[2 * widest]; // the number ends in the middle; what is behind may be anything
+  char field[2 * widest]; // the number ends in the middle; the rest is copied but not counted
   std::memset(field, ' ', sizeof field);
   char *at = field + widest;
   std::uint32_t magnitude = value < 0 ? 0U - static_cast<std::uint32_t>(value) : value;

@@ -1,4 +1,4 @@
-// Text and bytes on their way out, through a buffer.
+// Buffered output of text and bytes.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@ namespace seedforest::detail {
 
 class Writer {
 public:
-  /// Takes the next part of what is written to `target`; false where that fails.
+  /// Writes the next part of the output to `target`; false where that fails.
   using PutFn = bool (*)(void *target, std::string_view part);
 
   explicit Writer(PutFn put, void *target = nullptr) : put_(put), target_(target) {}
@@ -27,7 +27,7 @@ public:
   /// A decimal integer, right-aligned with blanks in at least `width` (at most 16) characters.
   void number(int value, int width = 0);
 
-  /// Room for `count` (at most `chunk`) characters, which the caller fills in at once.
+  /// Room for `count` (at most `chunk`) characters, to be filled in before the next call.
   char *room(std::size_t count) {
     if (count > chunk - used_)
       flush();
@@ -36,8 +36,7 @@ public:
     return at;
   }
 
-  /// Hands everything on; false when anything failed since the start. Nothing is put behind a part
-  /// that failed.
+  /// Writes out the buffer; false when any write failed. After a failure nothing more is written.
   bool flush();
 
   static constexpr std::size_t chunk = std::size_t{1} << 16;
@@ -45,7 +44,7 @@ public:
 private:
   void longText(std::string_view text);
 
-  static constexpr int widest = 16; // of a number; it is stored whole, so the buffer has some slack
+  static constexpr int widest = 16; // characters of a number, all copied at once: slack in buffer_
   PutFn put_;
   void *target_;
   std::size_t used_ = 0;
@@ -53,7 +52,7 @@ private:
   std::array<char, chunk + widest> buffer_;
 };
 
-/// A part of what an operation tells: a Writer of progress.
+/// The PutFn of a Writer that prints progress.
 bool putProgress(void *, std::string_view part);
 
 } // namespace seedforest::detail

@@ -1,5 +1,5 @@
-// What the benchmarks share. Every program prints, beside what it measures, a plain pass over the
-// same amount of memory in the same run: compare ratios, not seconds.
+// Shared by the benchmarks. Most programs also measure a plain pass over the same memory in the
+// same run: compare ratios to it, not seconds.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -15,23 +15,23 @@
 /// The side of the images measured, in pixels.
 inline constexpr int benchSide = 4096;
 
-/// Reports nanoseconds per item, for a benchmark whose one iteration works on `items` of them.
+/// Reports nanoseconds per item, for a benchmark in which one iteration works on `items` items.
 inline void reportPerItem(benchmark::State &state, const char *name, double items) {
   using benchmark::Counter;
   state.counters[name] = Counter(items * 1e-9 * static_cast<double>(state.iterations()),
                                  Counter::kIsRate | Counter::kInvert);
 }
 
-/// Reports the most memory that the process has had so far, in bytes per pixel: run a program with a
-/// --benchmark_filter that leaves the benchmark of interest alone.
+/// Reports the peak memory of the process so far, in bytes per pixel. For one benchmark's own peak,
+/// run it alone with --benchmark_filter.
 inline void reportPeakMemory(benchmark::State &state, double pixels) {
   rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
   state.counters["peak bytes/pixel"] = static_cast<double>(usage.ru_maxrss) * 1024 / pixels;
 }
 
-/// Sends progress lines where they take no time to speak of, as long as it lives: benchmarks report
-/// on the same stream.
+/// While an object lives, standard output goes to /dev/null: progress lines then take little time
+/// and do not mix with the benchmark's report.
 class SilentProgress {
 public:
   SilentProgress() : output_(dup(STDOUT_FILENO)) {
@@ -52,7 +52,7 @@ private:
   int output_;
 };
 
-/// A file that goes away with the benchmark.
+/// The path of a temporary file, which the destructor removes.
 class ScratchFile {
 public:
   ScratchFile()

@@ -1,5 +1,5 @@
-// Area openings, with the bare copying of the image beside them; and how their time grows where
-// many maxima each need a large area.
+// Area openings, compared with a plain copy of the image; and how their time grows where many
+// maxima each need a large area.
 
 #include "bench.h"
 #include "images.h"
@@ -37,8 +37,8 @@ void areaOpen(benchmark::State &state) {
   openTimed(state, image.get(), static_cast<int>(state.range(2)));
 }
 
-// Peaks on a plateau, one for 16 pixels, which all need a quarter of the image: the time of one
-// flood for each would grow with the square of the size.
+// Peaks on a plateau, one for every 16 pixels, each of which needs a quarter of the image: with one
+// flood per peak the time would grow with the square of the image's size.
 void areaOpenManyPeaks(benchmark::State &state) {
   const imImagePtr image(imCreateImage(1, imTypeGrey, 1024, static_cast<int>(state.range(0))));
   for (int p = 0; p < image->npixels; ++p)

@@ -1,5 +1,6 @@
-// Region graphs of mosaics: of squares, in the sizes of ordinary images, and of a background that
-// touches each of n small regions, with n doubling. The copying that goes into each is beside them.
+// Region graphs of two kinds of mosaics: squares, in the sizes of ordinary images, and a background
+// that touches each of n small regions, with n doubling. Compared with the copy of the label image
+// that each graph contains.
 
 #include "bench.h"
 
@@ -11,7 +12,7 @@
 
 namespace {
 
-// Squares of 16 pixels, shifted from row to row as bricks are, numbered from 1.
+// Squares of 16 x 16 pixels, every second row shifted by half a square, numbered from 1.
 imImagePtr bricks(int side) {
   constexpr int brick = 16;
   imImagePtr labels(imCreateImage(1, imTypeAscii, side, side));
@@ -50,8 +51,8 @@ void mosaicToGraph(benchmark::State &state) {
   reportPeakMemory(state, labels->npixels);
 }
 
-// The spanning tree of a mosaic's regions, weighed by the difference of one feature; the graph is
-// made beforehand.
+// The spanning tree of a mosaic's regions by the difference of one feature; the graph is made
+// before the measurement.
 void treeOfRegions(benchmark::State &state) {
   const imImagePtr labels = bricks(static_cast<int>(state.range(0)));
   const ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
@@ -69,7 +70,7 @@ void starToGraph(benchmark::State &state) {
   reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
 }
 
-// The star as its own spanning tree, with weights that repeat.
+// The star, which is its own spanning tree, with repeating weights.
 ifGraphPtr starTree(int n) {
   ifGraphPtr tree(ifMosaicToGraph(star(n).get()));
   for (int v = 1; v < tree->nVertices; ++v)

@@ -1,5 +1,5 @@
-// Saving and loading a million roots. Loading prints a line a root, which goes to /dev/null here;
-// run with --benchmark_out=FILE to see the figures.
+// Saving and loading a million roots. Loading prints a line for each root on standard output: send
+// it to /dev/null and read the figures from --benchmark_out=FILE.
 
 #include "bench.h"
 

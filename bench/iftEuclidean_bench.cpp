@@ -1,6 +1,6 @@
-// Euclidean distances from the borders of binary shapes, each pixel with its nearest border pixel,
-// with the bare copying of the image beside them and, where the library is installed, VIGRA's
-// distance transform, which gives the vector to the nearest feature.
+// Euclidean distances from the borders of binary shapes, compared with a plain copy of the image
+// and, where the library is installed, with VIGRA's distance transform, which gives the vector to
+// the nearest feature.
 
 #include "bench.h"
 #include "images.h"

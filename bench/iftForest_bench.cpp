@@ -1,6 +1,6 @@
 // The forest transform as a watershed from markers: the largest value on the way, 8-connected, a
-// label, a cost and a predecessor for each pixel. Beside it the literal loop on the public queue,
-// the bare copying of the image and, where the library is installed, VIGRA's watershed.
+// label, a cost and a predecessor for each pixel. Compared with the literal loop on the public
+// queue, a plain copy of the image and, where the library is installed, VIGRA's watershed.
 
 #include "bench.h"
 #include "images.h"
@@ -56,7 +56,7 @@ void watershed(benchmark::State &state) {
   reportPeakMemory(state, problem.image->npixels);
 }
 
-// Any function that the transform does not know runs through its general form.
+// A function that the transform does not recognise runs in its general form.
 int destinationValue(const imImage *image, int, int q) {
   return image->band[0][q];
 }

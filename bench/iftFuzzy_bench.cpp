@@ -1,5 +1,5 @@
-// Two or more objects by fuzzy connectedness on the micrograph, 8-connected, with the bare copying
-// of the image beside it. The debug images are formatted, but not stored.
+// Fuzzy connectedness of two and of eight objects on the micrograph, 8-connected, compared with a
+// plain copy of the image. The debug images are formatted, but not stored.
 
 #include "bench.h"
 #include "images.h"
@@ -13,7 +13,8 @@
 
 namespace {
 
-// The current directory while it lives: a new one, where the debug images lead nowhere.
+// While an object lives, the current directory is a new one in which the debug images are links to
+// /dev/null.
 class ScratchFolder {
 public:
   ScratchFolder() : before_(std::filesystem::current_path()), folder_(name_.path()) {

@@ -1,5 +1,5 @@
-// The minimum spanning tree of an image's pixels, 4-connected, weighed by the difference of values,
-// with the bare copying of the image beside it.
+// The minimum spanning tree of an image's pixels, 4-connected, by the difference of values,
+// compared with a plain copy of the image.
 
 #include "bench.h"
 #include "images.h"

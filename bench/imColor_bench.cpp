@@ -1,5 +1,5 @@
-// Conversions between colour spaces, on colours that drift from pixel to pixel as those of
-// photographs do. Beside them the bare copying of three bands and, where the library is installed,
+// Conversions between colour spaces, on colours that change little from pixel to pixel, as in
+// photographs. Compared with a plain copy of three bands and, where the library is installed,
 // OpenCV's conversions of floating-point pixels on one thread (without the gamma of sRGB).
 
 #include "bench.h"
@@ -46,7 +46,7 @@ const Problem &problem() {
   return shared;
 }
 
-// The input is what `before` makes of the colours.
+// The input is the RGB image converted by `before`.
 template <Conversion before, Conversion conversion>
 void measure(benchmark::State &state) {
   const Problem &p = problem();

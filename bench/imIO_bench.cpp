@@ -1,5 +1,4 @@
-// Reading and writing images of 4096 x 4096 pixels, from and to files that the system has in
-// memory.
+// Reading and writing images of 4096 x 4096 pixels, from and to files in the system's file cache.
 
 #include "bench.h"
 
@@ -24,7 +23,7 @@ imImagePtr randomBytes(int nbands, char type) {
   return image;
 }
 
-// The yardstick: bytes widened to 32 bits, all memory warm.
+// The pass to compare with: bytes widened to 32 bits, in memory that has been touched before.
 void plainWidening(benchmark::State &state) {
   const Array<unsigned char> bytes = makeArray<unsigned char>(std::size_t(pixels));
   const Array<int> values = makeArray<int>(std::size_t(pixels));

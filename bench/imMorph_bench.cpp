@@ -1,7 +1,7 @@
 // Morphology with discs on an 8-bit micrograph: one dilation and erosion for several discs, and the
-// alternating filter. Beside them the bare copying of the image, the plain dilation and, where the
-// library is installed, OpenCV's with the same disc on one thread, on elements of 8 bits and on
-// floating-point numbers.
+// alternating filter. Compared with a plain copy of the image, the plain dilation and, where the
+// library is installed, OpenCV's dilation and erosion with the same disc on one thread, on 8-bit
+// and on floating-point pixels.
 
 #include "bench.h"
 #include "images.h"
@@ -62,7 +62,7 @@ void gradient(benchmark::State &state) {
   measure(state, [](const imImage *in, imImage *out, int) { imMorphGrad(in, out); });
 }
 
-// Its progress lines stand between those of the table.
+// Its progress lines appear between those of the report.
 void alternatingFilter(benchmark::State &state) {
   measure(state, imMorphAsfOC);
 }

@@ -1,4 +1,5 @@
-// The pictures that the benchmarks run on, square, 8-bit values: a natural one and the worst cases.
+// The images that the benchmarks run on, square, with 8-bit values: a synthetic micrograph, and
+// three worst cases.
 #pragma once
 
 #include "bench.h"
@@ -53,7 +54,7 @@ inline imImagePtr benchImage(std::int64_t number, int side) {
   return image;
 }
 
-/// What lies above the middle of the scale, as 255: shapes, noise, squares, a spiral.
+/// The image thresholded, 0 and 255: shapes, noise, squares, a spiral.
 inline imImagePtr benchBinary(std::int64_t number, int side) {
   imImagePtr image = benchImage(number, side);
   const int threshold = number == micrographImage ? 80 : 127;
@@ -62,8 +63,8 @@ inline imImagePtr benchBinary(std::int64_t number, int side) {
   return image;
 }
 
-/// For benchmarks of range(0) = side, range(1) = image: the bare copying of the image, which the
-/// others are compared with.
+/// A plain copy of the image, with which other benchmarks are compared; range(0) is the side,
+/// range(1) the image.
 inline void copyImage(benchmark::State &state) {
   const imImagePtr image = benchImage(state.range(1), static_cast<int>(state.range(0)));
   const imImagePtr copy(imCopyImage(image.get()));

@@ -1,7 +1,6 @@
-// What the C++ interface costs on top of the operations behind it: a watershed through it beside
-// the library's own, and a transform weighed by a lambda beside one weighed by a plain function.
-// Count instructions where the machine is noisy: valgrind --tool=callgrind with a
-// --benchmark_filter.
+// The overhead of the C++ interface: its watershed against the library's own, and a transform with
+// a lambda as weight against one with a plain function. Where the machine is noisy, count
+// instructions: valgrind --tool=callgrind with a --benchmark_filter.
 
 #include "bench.h"
 #include "images.h"

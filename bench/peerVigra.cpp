@@ -1,4 +1,4 @@
-// Compiled as C++17, which is as new as the library's headers understand.
+// Compiled as C++17, the newest standard that the library's headers support.
 
 #include "bench/peerVigra.h"
 

@@ -2,8 +2,8 @@
 // installed.
 #pragma once
 
-/// An 8-connected watershed of an 8-bit image with a queue of 256 buckets. Labels holds the markers
-/// before and every pixel's label afterwards. The returned object owns the images.
+/// An 8-connected watershed of an 8-bit image from markers, with a queue of 256 buckets. The object
+/// owns the images.
 class VigraWatershed {
 public:
   VigraWatershed(int ncols, int nrows);

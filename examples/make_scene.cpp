@@ -25,8 +25,8 @@ struct Stroke {
   int colour[3];
 };
 
-// The sky, the sand and the grass; then what lies on them. The bar on the grass is as bright as
-// that, only of another colour.
+// The sky, the sand and the grass; then the things on them. The bar on the grass is as bright as
+// the grass, but of another colour.
 constexpr Stroke scene[] = {
     {-60, 10, 300, 10, 55, {120, 170, 225}}, {-60, 95, 300, 95, 36, {215, 185, 130}},
     {-60, 185, 300, 185, 58, {75, 125, 60}}, {196, 34, 196, 34, 22, {245, 225, 90}},
@@ -38,7 +38,7 @@ constexpr Stroke markers[] = {
     {190, 34, 202, 34, 3, {4}},  {36, 84, 56, 84, 3, {5}},     {123, 72, 133, 72, 3, {6}},
     {98, 137, 166, 145, 2, {7}}, {202, 120, 218, 120, 3, {8}},
 };
-// A hand, a ring, and a dumb-bell; black takes away.
+// A hand, a ring, and a dumb-bell; strokes of 0 erase.
 constexpr Stroke shapes[] = {
     {58, 118, 58, 128, 30, {150}},   {36, 108, 20, 66, 7, {150}},
     {48, 96, 42, 32, 8, {150}},      {64, 94, 70, 26, 8, {150}},
@@ -48,7 +48,7 @@ constexpr Stroke shapes[] = {
     {210, 140, 210, 140, 22, {150}},
 };
 
-// The square of the distance from the stroke's line.
+// The squared distance of a pixel from the stroke's line.
 int squaredDistance(const Stroke &stroke, int x, int y) {
   const int dx = stroke.x1 - stroke.x0;
   const int dy = stroke.y1 - stroke.y0;
@@ -61,7 +61,7 @@ int squaredDistance(const Stroke &stroke, int x, int y) {
   return u * u + v * v - (beside ? static_cast<int>(std::int64_t{along} * along / length) : 0);
 }
 
-// Blends a stroke into an image; its edge fades over some `blur` pixels.
+// Blends a stroke into an image; its edge fades over about `blur` pixels.
 void draw(imImage *image, const Stroke &stroke, int blur) {
   const int radius = stroke.radius;
   for (int y = 0; y < image->nrows; ++y)

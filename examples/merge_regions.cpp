@@ -14,7 +14,7 @@
 #include <cstdlib>
 
 // The watershed of the image's gradient from its regional minima, labels from 1. Basins of fewer
-// pixels are filled first: small regions of odd colour would be the last to merge.
+// than leastArea pixels are filled first, because small regions of unusual colour would merge last.
 static imImagePtr mosaic(const imImage *image) {
   static constexpr int leastArea = 60;
   const imImagePtr gradient(imCreateImage(1, imTypeAscii, image->ncols, image->nrows));
@@ -32,8 +32,8 @@ static imImagePtr mosaic(const imImage *image) {
   return imImagePtr(imCopyBand(forest.get(), imTypeAscii, 0));
 }
 
-// The mosaic with its regions merged: a spanning tree of the regions, by how much the average
-// colours of neighbours differ, is cut at its n - 1 heaviest edges.
+// The mosaic with its regions merged: their minimum spanning tree, by the difference of the average
+// colours, is cut at its n - 1 heaviest edges.
 static ifGraphPtr merge(const imImage *labels, const imImage *image, int n) {
   const ifGraphPtr regions(ifMosaicToGraph(labels));
   const ifGraphPtr colours(ifComputeAverageColors(regions.get(), image));

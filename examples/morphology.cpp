@@ -1,9 +1,9 @@
-// Grey-scale morphology, one operation a run:
+// Grey-scale morphology, one operation for each run:
 //
 //   morphology OPERATION IMAGE N RESULT.pgm
 //
 // N is the squared radius of the disc for dilate, erode, open and close, and the number of steps
-// for the alternating filters asfCO and asfOC; gradient does not need it.
+// for the alternating filters asfCO and asfOC; gradient ignores it.
 //
 // Built with the project as build/examples/morphology, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. examples/morphology.cpp -o morphology

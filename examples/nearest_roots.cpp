@@ -1,5 +1,5 @@
-// The Euclidean distance transform of a roots file: paints each pixel in the colour of the label
-// whose root is nearest, the darker the farther away it is, with a ring every 8 pixels:
+// The Euclidean distance transform of a roots file: paints each pixel in the colour of its nearest
+// root's label, darker with growing distance, with a ring every 8 pixels:
 //
 //   nearest_roots IMAGE ROOTS PICTURE.ppm
 //

@@ -1,5 +1,5 @@
-// Area opening and closing: an image of three parts, the input, without its bright spots smaller
-// than AREA pixels, and without its dark ones:
+// Area opening and closing. The picture has three parts: the input, the input without its bright
+// spots of fewer than AREA pixels, and the input without such dark spots:
 //
 //   open_close IMAGE AREA PICTURE.pgm
 //

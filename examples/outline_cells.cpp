@@ -1,5 +1,5 @@
-// Outlines the cells of a micrograph: finds a marker in each, gives every bright pixel to a marker
-// by the watershed, proves the result right and draws the borders over the image. In ten lines.
+// Outlines the cells of a micrograph in ten lines: finds a marker in each cell, gives every bright
+// pixel to a marker by the watershed, verifies the result and draws the borders over the image.
 //
 //   outline_cells [IMAGE [PICTURE.ppm]]
 //

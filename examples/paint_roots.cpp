@@ -2,8 +2,8 @@
 //
 //   paint_roots IMAGE ROOTS PICTURE.ppm [TURN]
 //
-// Labels that follow each other get colours far apart or, with TURN, neighbouring ones: the colours
-// go once around the colour circle in so many labels.
+// Consecutive labels get very different colours or, with TURN, similar ones: the colours go once
+// around the colour circle in TURN labels.
 //
 // Built with the project as build/examples/paint_roots, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. examples/paint_roots.cpp -o paint_roots

@@ -1,4 +1,4 @@
-// What several example programs need for their input and for their pictures.
+// Helpers of the example programs for reading images and making pictures.
 #pragma once
 
 #include "image/image.h"
@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <vector>
 
-/// The image in a file; none, after a line, where it has several bands.
+/// The image in a file; null, after a line on standard error, where it has several bands.
 inline imImagePtr readGrey(const char *path) {
   imImage *read = nullptr;
   imReadImage(path, &read);
@@ -34,7 +34,7 @@ inline void paint(imImage *picture, int p, const Colour &colour) {
   picture->band[2][p] = colour.blue;
 }
 
-/// A strong colour of the colour circle, at so many turns around it.
+/// A strong colour: the colour circle's after `turns` turns around it.
 inline Colour colourAt(double turns) {
   const auto wave = [turns](double from) {
     return static_cast<int>(255 * (0.5 + 0.5 * std::cos(6.28318530718 * (turns - from))));
@@ -42,12 +42,13 @@ inline Colour colourAt(double turns) {
   return {wave(0), wave(1 / 3.0), wave(2 / 3.0)};
 }
 
-/// A strong colour for a label; labels that follow each other lie far apart on the colour circle.
+/// A strong colour for a label; consecutive labels are far apart on the colour circle.
 inline Colour colourOf(int label) {
   return colourAt(std::fmod(label * 0.61803398875, 1.0));
 }
 
-/// Images of one size, with as many bands as the first, next to each other; none for none.
+/// Images of one size side by side, with as many bands as the first; null where that cannot be
+/// made.
 inline imImagePtr sideBySide(const std::vector<const imImage *> &parts) {
   const imImage *first = parts.at(0);
   const std::int64_t ncols = std::int64_t{first->ncols} * static_cast<std::int64_t>(parts.size());

@@ -2,8 +2,9 @@
 //
 //   segment_fuzzy IMAGE ROOTS PICTURE.ppm [MEAN1 SIGMA1 MEAN2 SIGMA2]
 //
-// ROOTS has seeds of the labels 1 and 2, as the option cells makes them. What is not given of the
-// objects is measured around their seeds: the mean grey level, and as sigma the squared spread.
+// ROOTS has seeds of the labels 1 and 2, as the option cells makes them. If the objects' parameters
+// are not given, they are measured around the seeds: the mean grey level, and as sigma four times
+// the variance.
 // Leaves the cost maps of both objects, tmp1.pgm and tmp2.pgm, in the current folder.
 //
 // Built with the project as build/examples/segment_fuzzy, or by hand from the project's folder:
@@ -17,8 +18,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Mean grey level and variance in the 3 x 3 pixels around the seeds of a label. Links are perfect
-// as far as two standard deviations from the mean.
+// The mean grey level and four times the variance in the 3 x 3 pixels around the seeds of a label:
+// links whose average is less than two standard deviations from the mean then cost nothing.
 static void measure(const imImage *image, const ifRoots *seeds, int label, int &mean, int &sigma) {
   double count = 0;
   double sum = 0;

@@ -1,6 +1,6 @@
-// Skeletons of a shape, the pixels of an image above a grey level (0 unless given), at three
-// scales: three parts side by side with the shape in grey, the skeleton inside it in red and the
-// one outside in blue. The larger the scale, the fewer branches:
+// Skeletons, at three scales, of the shape of all pixels above a grey level (0 unless given). The
+// picture has three parts side by side with the shape in grey, the skeleton inside it in red and
+// the one outside in blue. The larger the scale, the fewer branches:
 //
 //   skeleton IMAGE PICTURE.ppm [LEVEL]
 //
@@ -17,7 +17,7 @@
 #include <cstdlib>
 
 // The scale is a length along the contour, in pixels: a pixel is on the skeleton when the contour
-// points nearest to it and to its neighbour lie at least so far apart.
+// points nearest to it and to a neighbour lie at least that far apart.
 static imImagePtr paintSkeletons(const imImage *shape, int scale) {
   imImage *inside = nullptr;
   imImage *outside = nullptr;

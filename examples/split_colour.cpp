@@ -4,7 +4,7 @@
 //   split_colour IMAGE.ppm PICTURE.ppm [ROOTS]
 //
 // The regions grow from the seeds of a roots file or, without one, from the regional minima of the
-// gradient once its dark spots of a few pixels are closed.
+// gradient after its small dark spots have been closed.
 //
 // Built with the project as build/examples/split_colour, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. examples/split_colour.cpp -o split_colour
@@ -30,8 +30,8 @@ static imImagePtr labGradient(const imImage *image) {
   return gradient;
 }
 
-// The minima that remain when the gradient is closed by a disc of 21 pixels and small differences
-// of colour count for nothing.
+// The minima of the gradient after a closing by a disc of 21 pixels, with values below 12 raised to
+// 12, so that small differences of colour make no minima.
 static ifRootsPtr minima(const imImage *gradient) {
   static constexpr int noise = 12;
   const imImagePtr closed(imCopyImage(gradient));

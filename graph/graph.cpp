@@ -52,7 +52,7 @@ void destroyGraph(ifGraph **graph) {
     return;
   for (int v = 0; (*graph)->vertices != nullptr && v < (*graph)->nVertices; ++v) {
     ifVertex &vertex = (*graph)->vertices[v];
-    if (vertex.edges != nullptr || vertex.data != nullptr) // untouched pages stay so
+    if (vertex.edges != nullptr || vertex.data != nullptr) // do not write to untouched pages
       listDestroy(&vertex);
   }
   std::free((*graph)->vertices);

@@ -3,12 +3,12 @@
 // label image that the graph owns.
 //
 // A vertex's list holds at most one edge to each target; a new one goes to the head, so a list
-// reads from the youngest edge to the oldest. Insertion scans the list for the target, which takes
-// a time that grows with its length.
+// reads from the youngest edge to the oldest. Insertion searches the list for the target, in time
+// proportional to its length.
 //
-// Ends with an error, in every operation: no graph or no list, a vertex outside 0 .. nVertices - 1,
-// memory for an edge that cannot be had (an error is a line on standard error and status 1, or an
-// exception: base/error.h).
+// Ends with an error, in every operation but destroyGraph(): no graph or no list, a vertex outside
+// 0 .. nVertices - 1, memory for an edge that cannot be allocated (an error is a line on standard
+// error and status 1, or an exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"
@@ -50,7 +50,8 @@ struct ifGraph {
 /// A new graph with a copy of the label image, if there is one, and all edges; each list in reverse
 /// order, the data 0. It has the vertices that createGraph() would make, and no fewer than the old
 /// one. Leaves the old graph's cursors at the ends of the lists. Where it cannot be allocated: as
-/// createGraph(). Ends with an error: an edge that leads to no vertex.
+/// createGraph().
+/// Ends with an error: an edge that leads to no vertex.
 [[nodiscard]] ifGraph *copyBaseGraph(ifGraph *graph, int dataSize);
 
 /// Releases the graph with all that it owns, and clears the caller's pointer.
@@ -60,12 +61,11 @@ void destroyGraph(ifGraph **graph);
 /// the graph owns that image already. The vertices stay as they are.
 void setLabelImage(ifGraph *graph, imImage *image);
 
-/// Inserts an edge into the list of a and, independently, into the list of b, unless it is there
-/// already; then its weight stays.
+/// Inserts an edge into the list of a and, independently, into the list of b. A list that has the
+/// edge already is not changed, nor is the weight.
 void insertEdge(ifGraph *graph, int a, int b, int weight);
 
-/// Removes the edge to b from the list of a, then that to a from the list of b, as far as they
-/// exist.
+/// Removes the edge to b from the list of a and the edge to a from the list of b, where they exist.
 void removeEdge(ifGraph *graph, int a, int b);
 
 /// The same for the list of a alone. The b removed may be any number.

@@ -18,8 +18,7 @@ namespace {
 
 thread_local int linkedDataSize = -1;
 
-// As long as one lives, a link of elements with so many integers is under way. Links within the
-// callback of another end before it does.
+// Sets linkedDataSize while a merge callback runs. Callbacks may link too, so scopes nest.
 class LinkScope {
 public:
   explicit LinkScope(int dataSize) : outer_(std::exchange(linkedDataSize, dataSize)) {}
@@ -79,11 +78,11 @@ void ufLink(ufUnionFind *uf, int x, int y) {
 
 int ufFindSet(ufUnionFind *uf, int x) {
   requireGiven("ufFindSet", "union/find", uf);
-  const std::int64_t longest = 2 * std::int64_t{uf->n} + 2; // there and back, and the root again
+  const std::int64_t longest = 2 * std::int64_t{uf->n} + 2; // twice the way up, and the root again
   std::int64_t steps = 0;
   const auto parentOf = [&](int i) {
     requireElement("ufFindSet", uf, i);
-    if (++steps > longest) // a link of what was no representative may have closed a circle
+    if (++steps > longest) // ufLink() of an element that is no representative can close a circle
       fatal("ufFindSet: the parents of element %d lead in a circle\n", x);
     return uf->elems[i].parent;
   };

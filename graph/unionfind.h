@@ -20,8 +20,8 @@ struct ufElement {
   int *data;  ///< dataSize integers; null when there are none
 };
 
-/// Folds the data of set b into the data of set a, after b was put under a. The result is not used.
-/// One that throws leaves the sets joined, and the rank of a as it was.
+/// Adds the data of set b to the data of set a, after b was put under a. The result is not used. If
+/// the callback throws, the sets stay joined and the rank of a is not raised.
 using ufMergeFn = int (*)(ufElement *elems, int a, int b);
 
 struct ufUnionFind {
@@ -31,8 +31,8 @@ struct ufUnionFind {
   ufMergeFn merge; ///< called once for each link, or null
 };
 
-/// Makes n sets of one element each (n may be 0), rank 0, data 0, no callback. What the record held
-/// before is not released.
+/// Makes n sets of one element each (n may be 0), rank 0, data 0, no callback. Memory that the
+/// record held before is not released.
 /// Ends with an error: "Union/find was not allocated before ufStartUnionFind \n\n" without a
 /// record, "Could not allocate structure for union/find [%d elements]\n\n" (n) without memory or
 /// with n below 0.

@@ -1,6 +1,7 @@
-// Each rule converts one pixel. Blocks of pixels go through it from one set of arrays to another,
-// which is what compilers vectorise, and stay in the nearest cache on their way between images. So
-// conversions join without an image between them, and input and output may be the same.
+// Each rule converts one pixel and is applied to blocks of pixels, from one set of small arrays to
+// another: compilers vectorise that, and the blocks stay in the first-level cache. Two conversions
+// can follow each other block by block, without an image between them, and input and output may be
+// the same image.
 
 #include "image/imColor.h"
 
@@ -30,8 +31,9 @@ struct Pixel {
 
 constexpr double one = 16384; // of XYZ, saturation and value
 
-// What rules do with any values, and with those small enough that no result leaves 32 bits. The
-// reciprocal's rounding shows in no result of 0 .. 255.
+// The arithmetic of the rules for any values, and a faster form for values so small that no result
+// leaves 32 bits. For components of 0 .. 255, multiplying by the reciprocal gives the same integers
+// as dividing.
 struct Any {
   static int whole(double value) { return truncate(value); }
   static double by255(double value) { return value / 255; }
@@ -61,7 +63,7 @@ constexpr Range bytes = {0, 256};
 constexpr Range fixedPoint = {0, 32768};
 constexpr Range labRange = {2048, 4096};
 
-#define INLINE SEEDFOREST_INLINE // so short that the rules' first lines stay whole
+#define INLINE SEEDFOREST_INLINE // short, so that the first line of a rule is not broken
 
 template <class Arithmetic, class Rule>
 SEEDFOREST_INLINE inline void applyWith(const Block &__restrict from, Block &__restrict to, int n,
@@ -74,7 +76,8 @@ SEEDFOREST_INLINE inline void applyWith(const Block &__restrict from, Block &__r
   }
 }
 
-// rule(arithmetic, components, i) over pixels i < n; `small` is where Small will do.
+// Applies rule(arithmetic, components, i) to the pixels i < n; `small` is the range that Small
+// needs.
 template <class Rule>
 SEEDFOREST_INLINE inline void apply(const Block &from, Block &to, int n, Range small,
                                     const Rule &rule) {
@@ -123,7 +126,7 @@ auto join(const First &first, const Second &second) {
   };
 }
 
-// results[i] = table[v[i]], which vector code gathers.
+// results[i] = table[v[i]], with gather instructions where the machine has them.
 SEEDFOREST_MULTIVERSION void lookUp(const double *table, const int *v, int n, double *results) {
   for (int i = 0; i < n; ++i)
     results[i] = table[v[i]];
@@ -133,8 +136,8 @@ SEEDFOREST_MULTIVERSION void lookUp(const int *table, const int *v, int n, int *
     results[i] = table[v[i]];
 }
 
-// A function of an integer, its values from `least` to `most` worked out beforehand where `uses`
-// are more than these.
+// A function of an integer, with a table of its values from `least` to `most` where there are more
+// `uses` than entries.
 template <class Value>
 class Tabulated {
 public:
@@ -173,7 +176,7 @@ SEEDFOREST_MULTIVERSION void rgbToXyz(const Block &rgb, Block &xyz, int n) {
   });
 }
 
-// 0 .. 255 from 0 .. 1, with the ends drawn to black and white.
+// 0 .. 255 from 0 .. 1; below 0.005 counts as 0, above 0.995 as 1.
 SEEDFOREST_INLINE inline int clipped(double c) {
   const double below = c < 0.005 ? 0.0 : c;
   return static_cast<int>(255 * (below > 0.995 ? 1.0 : below));
@@ -198,7 +201,7 @@ struct LabRoots {
   double z[blockPixels];
 };
 
-// a and b; L, of Y alone, is there.
+// Computes a and b; L, which depends on Y alone, is given.
 SEEDFOREST_MULTIVERSION void rootsToLab(const Block &xyz, const LabRoots &f, const int *lightness,
                                         Block &lab, int n) {
   apply(xyz, lab, n, fixedPoint, [&](auto a, double, double, double, int i) INLINE {
@@ -266,7 +269,7 @@ int luvLightness(int stored) {
   return truncate(y <= 0.008856 ? 903.3 * y : 116 * std::cbrt(y) - 16);
 }
 
-// u and v; L, of Y alone, is there.
+// Computes u and v; L, which depends on Y alone, is given.
 SEEDFOREST_MULTIVERSION void lightnessToLuv(const Block &xyz, const int *lightness, Block &luv,
                                             int n) {
   apply(xyz, luv, n, fixedPoint, [=](auto a, double x, double y, double z, int i) INLINE {
@@ -331,7 +334,7 @@ SEEDFOREST_MULTIVERSION void ycbcrToRgb(const Block &ycc, Block &rgb, int n) {
 
 constexpr int noHue = 361;
 
-// Half to even, for 0 .. 2^52: the sum has no room for a fraction.
+// Rounds half to even, for 0 .. 2^52: a double of 2^52 or more has no fraction bits.
 SEEDFOREST_INLINE inline int rounded(double value) {
   constexpr double wholeNumbersOnly = 4503599627370496.0;
   return static_cast<int>(value + wholeNumbersOnly - wholeNumbersOnly);
@@ -362,7 +365,7 @@ SEEDFOREST_MULTIVERSION void hsvToRgb(const Block &hsv, Block &rgb, int n) {
     const double h = (hue == 360 ? 0.0 : hue) / 60;
     const double s = stored / one;
     const double v = value / one;
-    // How much of the saturation a component takes away: all in p, a share in q and t.
+    // The share of the saturation that lowers a component: all of it in p, a part in q and t.
     const double q = h - static_cast<int>(h);
     const double t = 1 - q;
     const double r = h < 1 ? 0.0 : h < 2 ? q : h < 4 ? 1.0 : h < 5 ? t : 0.0;
@@ -385,7 +388,7 @@ SEEDFOREST_MULTIVERSION int beforeGreyWithHue(const Block &hsv, int n) {
   return i;
 }
 
-// Stores the pixels that are grey or have a hue on the circle, up to the fraction that goes.
+// Stores the pixels that are grey or have a hue of -59 .. 360; H / 60 truncates to 0 from -59 on.
 SEEDFOREST_MULTIVERSION void storeWithHue(const Block &rgb, const Block &hsv, int n, imImage *image,
                                           int start) {
   for (int b = 0; b < 3; ++b) {

@@ -1,7 +1,7 @@
 // Conversions between colour spaces, pixel by pixel: RGB, HSV, XYZ, L*a*b*, L*u*v* and YCbCr.
 //
-// Bands 0, 1 and 2 are the components in the order of the space's name. Pixels being integers,
-// spaces are stored so:
+// Bands 0, 1 and 2 are the components in the order of the space's name. As pixels are integers, the
+// spaces are stored like this:
 //
 //   RGB, YCbCr     0 .. 255 (YCbCr may leave that range)
 //   XYZ            fixed point, 16384 stands for 1
@@ -13,11 +13,12 @@
 // other fields stay as they are.
 //
 // Arithmetic is in double precision, from left to right as written here, and its result truncated
-// towards zero, so that it is the same on every machine; what does not fit 32 bits takes the
-// nearest value. Pixels may hold any values, in range or not.
+// towards zero, so that it is the same on every machine; a result that does not fit 32 bits takes
+// the nearest value. Pixels may hold any values, in range or not.
 //
-// Errors: images with fewer than three bands, or of different size, end the process with status 1
-// after a line; so does memory that cannot be had.
+// Ends with an error, in every conversion: no image, images with fewer than three bands or of
+// different size, memory that cannot be allocated (an error is a line on standard error and status
+// 1, or an exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"
@@ -27,7 +28,7 @@
 ///   Z = (0.019334 R + 0.119193 G + 0.950227 B) * 16384 / 255
 void imRgb2xyz(const imImage *rgb, imImage *xyz);
 
-/// R, G, B = 255 times what follows, where that is below 0.005 taken as 0, above 0.995 as 1:
+/// R, G and B are 255 times these, of which values below 0.005 count as 0 and above 0.995 as 1:
 ///   ( 3.240479 X - 1.53715  Y - 0.498535 Z) / 16384
 ///   (-0.969256 X + 1.875992 Y + 0.041556 Z) / 16384
 ///   ( 0.055648 X - 0.204043 Y + 1.057311 Z) / 16384
@@ -37,13 +38,13 @@ void imXyz2rgb(const imImage *xyz, imImage *rgb);
 ///   L = 116 cbrt(Y / 16384) - 16
 ///   a = 500 (f(0.950456 X / 16384) - f(Y / 16384))
 ///   b = 200 (f(Y / 16384) - f(1.088754 Z / 16384))
-/// where f(t) = cbrt(t) for t > 0.008856, else 7.787 t + 0.137931. L has no such linear part: black
-/// is -16. The factors of the white point multiply.
+/// where f(t) = cbrt(t) for t > 0.008856, else 7.787 t + 0.137931. L has no linear part near 0: it
+/// is -16 for black. X and Z are multiplied, not divided, by the factors of the white point.
 void imXyz2lab(const imImage *xyz, imImage *lab);
 
 ///   X = 15572.271104 fx fx fx,   Y = fy [fy] fy,   Z = 17838.145536 fz fz fz
 /// where fy = (L + 16) / 116 for L > 7, else cbrt(L / 903.3); fx = a / 500 + fy; fz = fy - b / 200;
-/// [] is the integer part. So Y is 0 for L from 0 to 99: this is no inverse of imXyz2lab.
+/// [] is the integer part. Y is 0 for L from 0 to 99, so this is not the inverse of imXyz2lab.
 void imLab2xyz(const imImage *lab, imImage *xyz);
 
 ///   L = 903.3 y for y = Y / 16384 <= 0.008856, else 116 cbrt(y) - 16
@@ -67,8 +68,8 @@ void imRgb2ycbcr(const imImage *rgb, imImage *ycc);
 ///   R = 255 (y + 0.00625893 (Cr - 128))
 ///   G = 255 (y - 0.00153632 (Cb - 128) - 0.00318811 (Cr - 128))
 ///   B = 255 (y + 0.00791071 (Cb - 128))
-/// where y = (Y - 16) 0.00456621. Here Y starts at 16, where imRgb2ycbcr lets it start at 0, and
-/// results are not clipped.
+/// where y = (Y - 16) 0.00456621. Black has Y = 16 here, but 0 in imRgb2ycbcr. Results are not
+/// clipped.
 void imYcbcr2rgb(const imImage *ycc, imImage *rgb);
 
 /// With max and min of the three and d = max - min:
@@ -88,7 +89,8 @@ void imRgb2hsv(const imImage *rgb, imImage *hsv);
 /// it is from there on.
 void imHsv2rgb(const imImage *hsv, imImage *rgb);
 
-/// By way of XYZ, in one pass and without an image of it. All that is said of the two steps holds.
+/// The two conversions by way of XYZ, with the same results and messages, in one pass without an
+/// XYZ image.
 void imRgb2lab(const imImage *rgb, imImage *lab);
 void imLab2rgb(const imImage *lab, imImage *rgb);
 void imRgb2luv(const imImage *rgb, imImage *luv);

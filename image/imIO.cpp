@@ -44,7 +44,7 @@ void requireReadable(const Text &text, const char *path) {
     fatal(About::file, "imReadImage: error reading %s\n", path);
 }
 
-// Ends with the one character between header and samples.
+// Consumes the header and the one character between it and the samples.
 Header parseHeader(Text &text, const char *path) {
   Header header;
   const String magic = scanWord(text);
@@ -78,8 +78,8 @@ imImagePtr createFor(const Header &header) {
   return image;
 }
 
-// A pixel for each scan. One that fails leaves its pixel 0, and the next goes on where it stopped:
-// that is of use only behind a lone sign, which has been consumed.
+// One scan per pixel. A scan that fails leaves its pixel 0, and the next one continues where it
+// stopped: it can succeed only where the failure was a sign without digits, which is consumed.
 void scanPixels(Text &text, int *values, std::size_t count) {
   for (std::size_t n = 0; n < count; ++n) {
     n += scanInts(text, values + n, count - n);
@@ -104,7 +104,7 @@ void deinterleave(const unsigned char *bytes, int n, int *red, int *green, int *
 
 constexpr int pixelsPerChunk = static_cast<int>(Writer::chunk) / 3;
 
-// Returns how many bytes there were, at most one for each sample.
+// Returns the number of bytes read, at most one per sample.
 std::size_t readSamples(Text &text, imImage *image) {
   const Array<char> bytes = makeArray<char>(std::size_t{pixelsPerChunk} * 3);
   std::size_t total = 0;
@@ -132,7 +132,7 @@ imImagePtr readBinary(Text &text, const Header &header, const char *path) {
   if (text.certainBytes() >= samples) {
     image = createFor(header);
     count = readSamples(text, image.get());
-  } else { // there may be fewer than the header promises: nothing large is made for them
+  } else { // the samples may be fewer than the header says: allocate only as they arrive
     const Bytes bytes = takeBytes(text, samples);
     count = bytes.size;
     if (count == samples) {

@@ -36,7 +36,7 @@ public:
     at_ += ncols_;
   }
 
-  /// Whether all values so far are such that T can stand for them.
+  /// Whether T could hold all values so far.
   bool fit() const { return fit_; }
 
 private:
@@ -62,7 +62,7 @@ private:
   int ncols_;
 };
 
-// What comes of rows in a row of steps.
+// The rows that result from a sequence of steps.
 template <class T>
 class Chain {
 public:
@@ -80,11 +80,11 @@ private:
   RowSource<T> *last_;
 };
 
-// Calls work(base, T()) with the narrowest element type T that can stand for every value of the
-// image as v - base. The first guess is 8 bits and base 0, which costs no look at the values
-// beforehand: the work returns false as soon as it meets one that does not fit, and starts over.
-// Values beyond the start of a search need all 32 bits; of others no result is a start, since each
-// pixel is in its own disc.
+// Calls work(base, T()) with the narrowest element type T that can hold v - base for every value v
+// of the image. The first try is 8 bits and base 0, without a pass over the values: the work
+// returns false as soon as a value does not fit, and is then called again with another type. Values
+// beyond the start of a search need all 32 bits; with others no result is a start, since each pixel
+// is in its own disc.
 template <class Work>
 void inNarrowestType(const imImage *image, Work work) {
   if (work(0, std::uint8_t()))
@@ -134,8 +134,8 @@ void runSteps(const char *operation, const imImage *in, imImage *out, const Step
 }
 
 // Step i of n of a filter that alternates erosions and dilations: outer, inner, inner, outer, all
-// by the disc of squared radius i. The inner two are one; so are the last outer one and the first
-// of the next step, which is taken along.
+// by the disc of squared radius i. The inner two are merged into one; so are the last outer one and
+// the first of the next step.
 Steps filterSteps(Extremum outer, Extremum inner, int i, int n) {
   Steps steps;
   if (i == 1)
@@ -145,8 +145,8 @@ Steps filterSteps(Extremum outer, Extremum inner, int i, int n) {
   return steps;
 }
 
-// The values stay in narrow form from step to step, in place: a row goes out only after it has come
-// in.
+// The values stay in narrow form from step to step. Steps work in place: an output row is stored
+// only after the input row there has been read.
 void alternate(const char *operation, const imImage *in, imImage *out, int n, const char *line,
                Extremum outer, Extremum inner) {
   requireBands(operation, in, 0);
@@ -188,7 +188,7 @@ SEEDFOREST_MULTIVERSION int raiseToGradient(const RowWindow &window, int ncols, 
     };
     const int hi = over([](int a, int b) { return std::max(a, b); });
     const int lo = over([](int a, int b) { return std::min(a, b); });
-    // Without a sign, the difference of any two values fits.
+    // The difference of any two ints fits an unsigned.
     const int g = static_cast<int>(
         std::min(static_cast<unsigned>(hi) - static_cast<unsigned>(lo), unsigned{maxInt}));
     out[x] = std::max(out[x], g);

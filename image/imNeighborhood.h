@@ -5,8 +5,10 @@
 // A relation is a function that stores a new list of pairs dx0, dy0, dx1, dy1, ... through its
 // argument, for the caller to free(), and returns the number n of pairs. dx counts columns to the
 // right, dy rows downwards. A neighbour outside the image does not exist; nothing wraps around.
-// A list that cannot be allocated ends the process: "could not allocate memory!\n", status 1; so
-// does, with a line that names the operation, a null argument.
+//
+// Ends with an error, in every relation: a null argument, memory that cannot be allocated ("could
+// not allocate memory!\n"; an error is a line on standard error and status 1, or an exception:
+// base/error.h).
 #pragma once
 
 using imNeighborhoodFn = int (*)(int **list);
@@ -27,9 +29,9 @@ int imNeighborhood8Clockwise(int **list);
 
 /// The disc of squared radius r2: every (dx, dy) with dx * dx + dy * dy <= r2, the centre included,
 /// dx ascending and, within one dx, dy ascending. A negative r2 gives an empty list.
-/// A disc of more than 2^30 - 1 pairs ends the process with status 1 after a line.
+/// Ends with an error: a disc of more than 2^30 - 1 pairs.
 int imNeighborhood(int **list, int r2);
 
 /// The square of (2r + 1) x (2r + 1) displacements, the centre included, in the order of the disc.
-/// A negative r, or one beyond 2^30 - 1 pairs, ends the process with status 1 after a line.
+/// Ends with an error: a negative r, a square of more than 2^30 - 1 pairs.
 int imMorphWindow(int **list, int r);

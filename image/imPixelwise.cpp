@@ -13,7 +13,7 @@ using namespace seedforest::detail;
 
 namespace {
 
-// One band, rule(v) of band 0.
+// A new image of one band: rule(v) of the values of band 0.
 template <class Rule>
 imImage *mapBand0(const char *operation, const imImage *a, char type, int maxValue, Rule rule) {
   requireBands(operation, a, 1);
@@ -29,7 +29,8 @@ void combineBand(const imImage *a, int i, const imImage *b, int j, imImage *resu
   std::transform(a->band[i], a->band[i] + a->npixels, b->band[j], result->band[i], rule);
 }
 
-// As many bands as a has, rule(v, u) of band 0 in the first and zeros in the others.
+// A new image with as many bands as a: 255 in band 0 where isInside(v, u) holds, else 0; the other
+// bands are zeros.
 template <class Rule>
 imImage *combineSets(const char *operation, const imImage *a, const imImage *b, char type,
                      Rule isInside) {
@@ -61,9 +62,9 @@ void combineWithBand0(const imImage *a, const imImage *b, imImage *result, Rule 
     combineBand(a, i, b, 0, result, rule);
 }
 
-// The image with a border of w pixels put around it or, where w is negative, taken from it.
+// The image with a border of w pixels added or, where w is negative, of -w pixels removed.
 imImage *reframe(const imImage *a, std::int64_t w) {
-  // A side that saturates makes too many pixels with the other one: no image.
+  // Where a side saturates, the other is at least 3: too many pixels, and no image is created.
   imImagePtr result(
       imCreateImage(a->nbands, a->type, saturate(a->ncols + 2 * w), saturate(a->nrows + 2 * w)));
   if (result == nullptr)
@@ -79,7 +80,7 @@ imImage *reframe(const imImage *a, std::int64_t w) {
   return result.release();
 }
 
-// 1 where no 8-neighbour's value stands in the relation `beats` to the pixel's own.
+// 1 where beats(u, v) holds for no 8-neighbour's value u and the pixel's own v, else 0.
 template <class Beats>
 imImage *markUnbeaten(const char *operation, const imImage *a, Beats beats) {
   requireBands(operation, a, 1);

@@ -1,14 +1,15 @@
 // Pixelwise operations: thresholds, negatives, masks, sets of pixels, borders, envelopes, sums,
 // differences, and the local test for extrema.
 //
-// All but the last make a new image, which the caller releases, and leave their inputs as they were
-// unless said otherwise. It has the size of the first input. Where a function takes a type, the
-// result has one band of that type, made from band 0; else it has the bands and the type of the
-// first input, and every band is processed alike. Its maxValue is 0 where none is named. Below, v
-// is the first input's value at the pixel; bounds are inclusive; values beyond 32 bits saturate.
+// All but the last make a new image of the first input's size, which the caller releases, and do
+// not change their inputs unless said otherwise. Where a function takes a type, the result has one
+// band of that type, made from band 0; else it has the bands and the type of the first input, and
+// every band is processed alike. Its maxValue is 0 unless said otherwise. Below, v is the first
+// input's value at the pixel; bounds are inclusive; values beyond 32 bits saturate.
 //
-// Errors: no image, images of different size, or a second input with fewer bands than are read end
-// the process with status 1 after a line; allocation failures as imCreateImage.
+// Ends with an error, in every operation: no image, images of different size, too few bands (an
+// error is a line on standard error and status 1, or an exception: base/error.h). Where a result
+// cannot be allocated: as imCreateImage().
 #pragma once
 
 #include "image/imImage.h"
@@ -19,9 +20,9 @@
 /// v where lo <= v <= hi, else 0.
 [[nodiscard]] imImage *imBandPass(const imImage *a, char type, int lo, int hi);
 
-/// Of an image of type grey: 255 - v, maxValue 255. Of any other: M - v, where M is the image's
-/// maxValue, which is first raised, lastingly, to the largest value of band 0 if that is larger;
-/// the result's own maxValue stays 0.
+/// For an image of type grey: 255 - v, maxValue 255. For any other: M - v, where M is the input's
+/// maxValue, which is first raised, in the input itself, to the largest value of band 0 if that is
+/// larger; the result's maxValue is 0.
 [[nodiscard]] imImage *imNegative(imImage *a, char type);
 
 /// The negative of a mask: 0 where v > 0, else 255; maxValue 255.
@@ -30,14 +31,14 @@
 /// v where band 0 of the mask is > 0, else `fill`.
 [[nodiscard]] imImage *imMask(const imImage *a, const imImage *mask, int fill);
 
-/// Sets of pixels, 255 inside and 0 outside: where a > 0 and b is exactly 0; where a > 0 or b > 0.
-/// The result has the first input's band count, but only its band 0 is written; maxValue 255.
+/// Sets of pixels, 255 inside and 0 outside. Difference: a > 0 and b exactly 0; union: a > 0 or
+/// b > 0. The result has as many bands as a, but only band 0 is written; maxValue 255.
 [[nodiscard]] imImage *imBinaryDifference(const imImage *a, const imImage *b, char type);
 [[nodiscard]] imImage *imBinaryUnion(const imImage *a, const imImage *b, char type);
 
-/// The image with w columns and rows of 0 put on each side, or w taken from each side: inverses of
-/// each other. A negative w, or one that would leave no pixel, ends the process with status 1 after
-/// a line; a size beyond 2^31 - 1 pixels is refused as by imCreateImage.
+/// The image with w columns and rows of 0 added on each side, or with w removed from each side:
+/// each undoes the other. A size beyond 2^31 - 1 pixels is refused as by imCreateImage(). Ends with
+/// an error: a negative w, or one that would leave no pixel.
 [[nodiscard]] imImage *imAddBorder(const imImage *a, int w);
 [[nodiscard]] imImage *imRemoveBorder(const imImage *a, int w);
 
@@ -53,11 +54,11 @@
 [[nodiscard]] imImage *imSubtractImage(const imImage *a, const imImage *b);
 
 /// Non-strict local extrema of band 0: 1 where no 8-neighbour is strictly smaller (larger), else 0;
-/// one band of type ASCII, maxValue 1. "False", because a pixel looks no further: inside a plateau
-/// it is marked even where the plateau goes on to something lower (higher). A constant image is
-/// marked all over.
+/// one band of type ASCII, maxValue 1. "False", because only direct neighbours count: a pixel
+/// inside a plateau is marked even where another pixel of the plateau has a lower (higher)
+/// neighbour. In a constant image all pixels are marked.
 [[nodiscard]] imImage *imFalseRegionalMinimum(const imImage *a);
 [[nodiscard]] imImage *imFalseRegionalMaximum(const imImage *a);
 
-/// In place: raises every band of a to band 0 of g where that is larger. Returns the pixel count.
+/// In place: raises every band of a to band 0 of g where g is larger. Returns the pixel count.
 int imCombineImageWithGrad(imImage *a, const imImage *g);

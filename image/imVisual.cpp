@@ -75,8 +75,8 @@ imImage *imPaintCircles(const imImage *radii) {
   if (picture == nullptr)
     return nullptr;
   const int ncols = radii->ncols;
-  // Each disc adds one span per row: +1 where it starts and -1 behind its end, unless that is
-  // behind the row. What a row has summed up to a pixel is the number of discs over it.
+  // Each disc adds one span per row: +1 at its first column and -1 behind its last, unless that is
+  // the row's last. The sum of a row up to a pixel is the number of discs that cover the pixel.
   int *spans = picture->band[0];
   for (int p = 0; p < radii->npixels; ++p) {
     const int v = radii->band[0][p];

@@ -1,4 +1,4 @@
-// What transforms and the proof of their results share.
+// Shared by the transforms and by verify().
 #pragma once
 
 #include "base/buffer.h"
@@ -12,7 +12,7 @@
 
 namespace seedforest::detail {
 
-/// Images of one band as the bands of one record, for operations that read or write them so.
+/// Images of one band as the bands of one record, for operations that read or write a forest image.
 template <std::size_t n>
 class Bands {
 public:
@@ -40,7 +40,7 @@ inline constexpr int infiniteCost(Best best) {
   return best == Best::least ? ifInfiniteCost : ifInfiniteCostInverted;
 }
 
-/// The roots with the values at which a watershed starts.
+/// The roots with the image's values at their pixels, at which a watershed starts.
 class FloodRoots {
 public:
   FloodRoots(const Image &image, const Roots &roots)
@@ -56,8 +56,9 @@ private:
   ifRoots record_;
 };
 
-/// use(roots, cost, weight) as they are within a mask: arcs that lead out of it weigh infinitely
-/// much, and along them costs are infinite.
+/// Calls use(roots, cost, weight) with the roots inside options.mask, and with functions by which
+/// an arc to a pixel outside the mask has infinite weight, and a path along it infinite cost.
+/// Without a mask, passes the arguments as they are.
 template <class Use>
 auto withinMask(const Image &image, const ifRoots &roots, ifPathCostFn cost, ifArcWeightFn weight,
                 const ForestOptions &options, Use use) {

@@ -8,7 +8,7 @@
 
 namespace seedforest::detail {
 
-/// What write(writer) writes.
+/// The text that write(writer) writes.
 template <class Write>
 std::string textOf(Write write) {
   std::string text;

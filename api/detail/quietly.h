@@ -1,4 +1,4 @@
-// What the functions of the interface are wrapped in, and what they share.
+// The scope in which the interface's functions run, and helpers that they share.
 #pragma once
 
 #include "base/error.h"
@@ -15,11 +15,11 @@
 
 namespace seedforest::detail {
 
-/// The thread's WithProgress as the library takes it, or none.
+/// The report of the thread's WithProgress as a StepFn, or null.
 StepFn currentStep();
 
-/// Does some work on the libraries: errors are thrown, what they tell is dropped, and progress goes
-/// to whom the thread has asked to be told.
+/// Runs work() with the libraries' errors thrown, their messages dropped, and progress passed to
+/// the thread's WithProgress.
 template <class Work>
 auto quietly(Work work) {
   const ThrowingErrors throwing(nullptr, currentStep());
@@ -32,28 +32,28 @@ auto quietly(Work work) {
   }
 }
 
-/// The record of an image. Throws Error where there is none.
+/// The record of an image. Throws Error where the image holds none.
 const imImage *recordOf(const Image &image);
 
-/// A record of the same pixels, for operations that change fields of their input.
+/// A copy of the record, with the same pixels, for operations that change fields of their input.
 imImage changeable(const Image &image);
 
-/// What an operation returned.
+/// Takes over the image that an operation returned; throws Error for null.
 inline Image made(imImage *image) {
   return Image(requireMade(image));
 }
 
-/// A new image of another's size; of its bands and type, too.
+/// A new image of another's size; alike() also takes its number of bands and type.
 Image like(const Image &image, int nbands = 1, ImageType type = ImageType::ascii);
 Image alike(const Image &image);
 
 /// Stores the values of band 0 at the roots. Throws Error where one lies outside the image.
 void takeValues(const Image &image, const Roots &roots, int *values);
 
-/// Hands out an adjacency as an imNeighborhoodFn does.
+/// Stores a new list of displacements and returns their number, as an imNeighborhoodFn does.
 int handOut(const Adjacency &adjacency, int **list);
 
-/// use(a function that hands out the adjacency).
+/// Calls use(function) with an imNeighborhoodFn for the adjacency.
 template <class Use>
 decltype(auto) withNeighborhood(const Adjacency &adjacency, Use use) {
   const auto listOf = [&adjacency](int **list) { return handOut(adjacency, list); };

@@ -27,7 +27,7 @@ public:
   static Adjacency disc(int r2);
   static Adjacency window(int r);
 
-  /// A list of the caller's.
+  /// The caller's own list.
   static Adjacency of(std::vector<Displacement> list) { return Adjacency(std::move(list)); }
 
   std::span<const Displacement> displacements() const { return list_; }

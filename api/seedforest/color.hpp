@@ -19,7 +19,7 @@ Image rgbToYcbcr(const Image &rgb);
 Image ycbcrToRgb(const Image &ycbcr);
 Image rgbToHsv(const Image &rgb);
 
-/// Throws Error, too: a pixel of saturation 0 that has a hue.
+/// Also throws Error: a pixel of saturation 0 that has a hue.
 Image hsvToRgb(const Image &hsv);
 
 Image rgbToLab(const Image &rgb);

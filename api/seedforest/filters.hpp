@@ -1,5 +1,5 @@
-// Connected filters of band 0, which shift no border: they lower or raise flat zones as wholes. See
-// ifConnected.h. And relative fuzzy connectedness.
+// Connected filters of band 0, which do not move borders: they lower or raise flat zones only as a
+// whole (ifConnected.h); and relative fuzzy connectedness.
 #pragma once
 
 #include "seedforest/adjacency.hpp"
@@ -9,16 +9,17 @@
 
 namespace seedforest {
 
-/// What a filter makes of an image, and the label of the root that reached each pixel, 0 where none
-/// did. The image has the type of the first argument unless said otherwise.
+/// The filtered image, of the type of the first argument unless said otherwise, and the label of
+/// the root that reached each pixel, 0 where none did.
 struct Filtered {
   Image image;
   Image labels;
 };
 
-/// Reconstruction of the image by dilation from a marker image, of which only what lies below the
-/// image counts: the largest, over all paths, of the smallest of the marker's value at the start
-/// and the image along the path. The dual, by erosion, from above. Labels are 1 everywhere.
+/// Reconstruction of the image by dilation from a marker image, which counts as its minimum with
+/// the image. The value of a path is the smallest of the marker at its start and the image along
+/// it; each pixel gets the largest value of all paths. The dual is by erosion, with largest and
+/// smallest exchanged. Labels are 1 everywhere.
 Filtered reconstruct(const Image &image, const Image &marker);
 Filtered reconstructDual(const Image &image, const Image &marker);
 
@@ -27,8 +28,8 @@ Filtered reconstructDual(const Image &image, const Image &marker);
 Filtered reconstruct(const Image &image, const Roots &roots);
 Filtered reconstructDual(const Image &image, const Roots &roots);
 
-/// The same along paths on which the image is nowhere below (above) the value at which they start;
-/// where none arrives, the image stays.
+/// The same, along paths on which the image is nowhere below (above) their starting value; pixels
+/// that no path reaches keep the image's value.
 Filtered reconstructLocally(const Image &image, const Roots &roots);
 Filtered reconstructDualLocally(const Image &image, const Roots &roots);
 
@@ -40,8 +41,9 @@ Filtered areaClose(const Image &image, int area);
 /// Levelling towards a marker image; see ifLevel2.
 Image level(const Image &image, const Image &marker);
 
-/// Levelling by roots of label 1, which grow from below, and 2, from above, each from its value, in
-/// an image that starts as the marker; see ifLevel. The image is of type ascii.
+/// Levelling from roots of label 1, which grow from below, and 2, which grow from above, each with
+/// its value as the starting cost, in an image that starts as the marker; see ifLevel. The image is
+/// of type ascii.
 /// Throws Error: another label.
 Filtered level(const Image &image, const Image &marker, const Roots &roots);
 
@@ -51,15 +53,15 @@ struct FuzzyObject {
   int sigma;
 };
 
-/// The object (from 1, as they are listed) to which each pixel is connected best, 0 where none is,
-/// and the cost of the weakest link between them, 0 to 255, or 2^31 - 1.
+/// For each pixel, the object to which it is connected best (from 1, in the order of the list; 0
+/// for none), and the cost of the weakest link on the way, 0 to 255 (2^31 - 1 for none).
 struct Connectedness {
   Image labels;
   Image costs;
 };
 
-/// Relative fuzzy connectedness of band 0. Roots of label o are those of object o, others are not
-/// read. See iftFuzzy, which writes images too.
+/// Relative fuzzy connectedness of band 0. Roots of label o belong to object o; roots of other
+/// labels are ignored. See iftFuzzy; this function does not write its debug images.
 /// Throws Error: a sigma of 0.
 Connectedness fuzzyConnectedness(const Image &image, const Roots &roots,
                                  std::span<const FuzzyObject> objects,

@@ -14,24 +14,25 @@ namespace seedforest {
 
 /// The best paths of all pixels, as images of type ascii.
 struct Forest {
-  /// Of the root whose path won, 0 where none arrived. maxValue is the largest label of the roots.
+  /// The label of the root whose path won, 0 where no path arrived. maxValue is the largest label
+  /// of the roots.
   Image labels;
 
-  /// Of that path; infinite, which is 2^31 - 1, or -2^31 where the greatest is best, where none
-  /// did.
+  /// The cost of that path. Where no path arrived it is infinite: 2^31 - 1, or -2^31 for
+  /// Best::greatest.
   Image costs;
 
-  /// The pixel before on that path; the pixel itself at roots, and where none did.
+  /// The pixel before on that path; the pixel itself at roots and where no path arrived.
   Image predecessors;
 
-  /// The pixels from a pixel to the root of its path, both included; and the root's pixel alone.
+  /// path(): the pixels from this one to the root of its path, both included. root(): the last of
+  /// them.
   /// Throws Error: a pixel outside the image, or predecessors that lead out of it or in a circle.
   std::vector<int> path(int pixel) const;
   int root(int pixel) const;
 };
 
-/// How costs grow along paths, by name; see ifCost.h. Any function of (cost, weight) may stand for
-/// one.
+/// Path costs by name; see ifCost.h. Any function of (cost, weight) may be used instead.
 namespace pathCost {
 inline constexpr ifPathCostFn max = ifPathCostMax;
 inline constexpr ifPathCostFn min = ifPathCostMin;
@@ -40,8 +41,8 @@ inline constexpr ifPathCostFn maxLocal = ifPathCostMaxLocal;
 inline constexpr ifPathCostFn minLocal = ifPathCostMinLocal;
 } // namespace pathCost
 
-/// What arcs weigh, by name; see ifCost.h. Any function of the pixels (p, q) at an arc's ends may
-/// stand for one, or of (const imImage *, p, q).
+/// Arc weights by name; see ifCost.h. Any function of the pixels (p, q) at an arc's ends, or of
+/// (const imImage *, p, q), may be used instead.
 namespace arcWeight {
 inline constexpr ifArcWeightFn watershed = ifWatershedMetric;
 inline constexpr ifArcWeightFn euclidean = ifEuclideanDistance;
@@ -57,12 +58,14 @@ struct ForestOptions {
   Best best = Best::least;
 
   /// The largest cost that occurs or, where weights add up and roots start at 0, the largest
-  /// weight. By default the largest of the image's values, its maxValue and 17 (a chamfer's step),
-  /// which is enough for the weights with a name on values of at least 0; and at least 65535 for
-  /// other weights. Costs beyond are served in remainder order, so that paths may not be the best.
+  /// weight. The default is the largest of the image's values, its maxValue and 17 (a chamfer
+  /// step), which is enough for the named weights on values of at least 0; for other weights it is
+  /// at least 65535. Larger costs are served in remainder order, and their paths may not be the
+  /// best.
   std::optional<int> maxCost = std::nullopt;
 
-  /// Roots count where its band 0 is above 0, and paths lead where it is not 0 only.
+  /// Roots are used only where band 0 of the mask is above 0; paths lead only to pixels where it is
+  /// not 0.
   const Image *mask = nullptr;
 };
 
@@ -73,7 +76,7 @@ Forest growForest(const Image &image, const Roots &roots, ifPathCostFn cost, ifA
 Forest growScaledForest(const Image &image, const Roots &roots, ifPathCostFn cost,
                         ifArcWeightFn weight, const ForestOptions &options);
 
-/// use(cost and weight as the library's functions).
+/// Calls use(cost, weight) with the two as plain functions.
 template <class Cost, class Weight, class Use>
 decltype(auto) withFunctions(Cost &cost, Weight &weight, Use use) {
   return withFunction<ifPathCostFn>(cost, [&](ifPathCostFn costFunction) -> decltype(auto) {
@@ -86,11 +89,11 @@ decltype(auto) withFunctions(Cost &cost, Weight &weight, Use use) {
 } // namespace detail
 
 /// The forest of the paths of best cost from the roots, each of which starts at its value.
-///   cost, weight  names from above, functions, or anything that can be called like them. The named
-///                 ones and plain functions are passed to the library as they are. A lambda that
-///                 captures is called through a pointer that its thread has for it, which costs a
-///                 load or two for each arc: 0 to 2 % more instructions of a transform than a plain
-///                 function, counted on an image of 512 x 512. It may throw.
+///   cost, weight  names from above, functions, or other callables. Named ones and plain functions
+///                 are passed to the library as they are. A lambda that captures is called through
+///                 a thread-local pointer, which takes a load or two for each arc: 0 to 2 % more
+///                 instructions for a transform than with a plain function, counted on an image of
+///                 512 x 512. It may throw.
 /// Throws Error: a root outside the image, a negative maxCost.
 template <class Cost, class Weight>
 Forest forest(const Image &image, const Roots &roots, Cost &&cost, Weight &&weight,
@@ -100,8 +103,8 @@ Forest forest(const Image &image, const Roots &roots, Cost &&cost, Weight &&weig
   });
 }
 
-/// The same with weights of 0 .. 1000 multiplied by 49, in a queue for costs up to 49999; neither
-/// options.maxCost nor options.best is read. See ift and iftMask.
+/// The same with weights of 0 .. 1000 multiplied by 49, in a queue for costs up to 49999;
+/// options.maxCost and options.best are not read. See ift and iftMask.
 template <class Cost, class Weight>
 Forest scaledForest(const Image &image, const Roots &roots, Cost &&cost, Weight &&weight,
                     const ForestOptions &options = {}) {
@@ -111,14 +114,14 @@ Forest scaledForest(const Image &image, const Roots &roots, Cost &&cost, Weight 
 }
 
 /// The watershed of an image (band 0) from roots: each pixel goes to the root that reaches it over
-/// the lowest crest. Costs are the crests' heights. Roots start at the image's value where they
-/// stand, whatever their own values are, so that each keeps its pixel. Values are expected to be at
-/// least 0. options.best is not read.
+/// the lowest crest. Costs are the crests' heights. Roots start at the image's value at their
+/// pixel, so that each keeps its pixel; their own values and options.best are not read. Values are
+/// expected to be at least 0.
 /// Throws Error: a root outside the image.
 Forest watershed(const Image &image, const Roots &roots, const ForestOptions &options = {});
 
 /// The weights of all arcs of an image, computed in advance: a band for each displacement of the
-/// adjacency; a negative one is no arc. See ifWeightImage.h.
+/// adjacency; a negative weight means no arc. See ifWeightImage.h.
 struct ArcWeights {
   Image image;
 };
@@ -134,13 +137,15 @@ Forest scaledForest(const ArcWeights &weights, const Roots &roots, ifPathCostFn 
                     const Image &mask);
 
 /// The Euclidean distance transform: costs are the squared distances to the nearest root, labels
-/// its label. With the 8-adjacency a pixel is rarely handed to a root that is a little farther than
-/// its nearest; see iftEuclideanDT. The image gives the size; the roots' values are not read.
+/// its label. With the 8-adjacency some pixels, rarely, are given to a root that is a little
+/// farther than their nearest; see iftEuclideanDT. The image gives the size; the roots' values are
+/// not read.
 Forest distanceTransform(const Image &image, const Roots &roots,
                          const Adjacency &adjacency = Adjacency::eight());
 
-/// The same from every pixel outside a shape, label 1: how far the shape's pixels (band 0 above 0)
-/// are from the nearest one outside. Without such a pixel all distances are infinite.
+/// The same with a root of label 1 at every pixel outside a shape: the squared distance of the
+/// shape's pixels (band 0 above 0) to the nearest pixel outside. Infinite for all where the shape
+/// fills the image.
 Forest distanceTransform(const Image &shape);
 
 /// The minimum spanning tree of an image's pixels from pixel 0, for weights of 0 .. 1000: 49 times
@@ -149,8 +154,8 @@ struct SpanningTree {
   Image costs;
   Image predecessors;
 
-  /// Cuts it at the weights above a fraction of the largest: an image of labels, each the index of
-  /// a pixel of its part; see ifMstThreshold. relabel() numbers them from 1.
+  /// Cuts the tree at the weights above a fraction of the largest: an image of labels, each the
+  /// index of a pixel of its part; see ifMstThreshold. relabel() numbers them from 1.
   Image cut(double fraction) const;
 };
 

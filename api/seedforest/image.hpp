@@ -1,4 +1,4 @@
-// Images: 32-bit pixels in bands, as values that own them; and the PNM files that hold them.
+// Images, which own their 32-bit pixels in bands, and their PNM files.
 #pragma once
 
 #include "base/error.h"
@@ -14,7 +14,7 @@
 
 namespace seedforest {
 
-/// What an image is, which is also the form of its file; see imImage.h.
+/// The type of an image, which is also the dialect of its file; see imImage.h.
 enum class ImageType : char {
   grey = imTypeGrey,         ///< 8 bits a pixel: P5
   ascii = imTypeAscii,       ///< any values: P2; every computed image of one band
@@ -27,13 +27,13 @@ enum class ImageType : char {
 
 namespace detail {
 struct ReleaseImage {
-  bool borrowed = false; ///< the bands are
+  bool borrowed = false; ///< the bands are not owned
   void operator()(imImage *image) const;
 };
 } // namespace detail
 
-/// An image. It moves, and is copied by copy() alone. One that was moved from, or made without
-/// arguments, holds no image: it has no size, and functions refuse it.
+/// An image, movable, and copied only by copy(). An object that was moved from, or constructed
+/// without arguments, holds no image: its size is 0 x 0, and functions throw Error for it.
 class Image {
 public:
   Image() = default;
@@ -42,7 +42,7 @@ public:
   /// Throws Error: a size without pixels, or with more than 2^31 - 1.
   Image(int ncols, int nrows, int nbands = 1, ImageType type = ImageType::ascii);
 
-  /// Takes over a record of the library's.
+  /// Takes over a record of the library.
   explicit Image(imImagePtr image) noexcept : image_(image.release()) {}
 
   /// A copy of integers in memory, row by row from the top and band after band; as many bands as
@@ -52,7 +52,8 @@ public:
   static Image copyOf(std::span<const Value> values, int ncols, int nrows,
                       ImageType type = ImageType::ascii);
 
-  /// An image of the caller's pixels themselves, in the same order, which must outlive it.
+  /// An image that uses the caller's memory, in the same order, without a copy. The memory must
+  /// outlive the image.
   static Image borrow(std::span<int> values, int ncols, int nrows,
                       ImageType type = ImageType::ascii);
 
@@ -76,7 +77,7 @@ public:
   int &at(int x, int y, int band = 0) { return bandAt(band)[index(x, y)]; }
   int at(int x, int y, int band = 0) const { return bandAt(band)[index(x, y)]; }
 
-  /// A copy, without the adjacency of arc weights; of one band alone, of type ascii, in the second.
+  /// A copy, without the adjacency of arc weights; copyBand() copies one band, type ascii.
   /// Throws Error: no such band.
   Image copy() const;
   Image copyBand(int band) const;
@@ -85,7 +86,7 @@ public:
   imImage *get() { return image_.get(); }
   const imImage *get() const { return image_.get(); }
 
-  /// Gives the record up, and holds no image after.
+  /// Returns the record, which the caller then owns; this object holds no image any more.
   /// Throws Error: the pixels are borrowed.
   imImagePtr release();
 
@@ -113,8 +114,8 @@ private:
 Image read(const std::string &path);
 Image decode(std::string_view bytes);
 
-/// Writes an image in the form of its type, or returns the bytes; see imSaveImage. The maximum of
-/// an image of type ascii is its maxValue, or the largest value where that is 0.
+/// Writes an image in the dialect of its type, or returns the bytes; see imSaveImage. The declared
+/// maximum of an image of type ascii is its maxValue, or the largest value where maxValue is 0.
 /// Throws FileError: the file cannot be written. Throws Error: a type without a file form.
 void write(const Image &image, const std::string &path);
 std::string encode(const Image &image);

@@ -11,19 +11,19 @@ namespace seedforest {
 Image dilate(const Image &image, int squaredRadius);
 Image erode(const Image &image, int squaredRadius);
 
-/// Opening takes away what is bright and smaller than the disc, closing what is dark and smaller.
+/// Opening removes bright details that do not hold the disc, closing such dark details.
 Image open(const Image &image, int squaredRadius);
 Image close(const Image &image, int squaredRadius);
 
-/// What each step of an alternating filter does first.
+/// The first operation in each step of an alternating filter.
 enum class First { open, close };
 
-/// Alternating sequential filter: step i = 1 .. steps opens and closes with the squared radius i; 0
-/// steps or less change nothing. maxValue becomes the largest value.
+/// Alternating sequential filter: step i = 1 .. steps opens and closes with the squared radius i;
+/// steps <= 0 changes nothing. maxValue becomes the largest value.
 Image alternatingFilter(const Image &image, int steps, First first = First::open);
 
-/// Morphological gradient: the largest less the smallest value among each pixel and its 8
-/// neighbours, of the band where this is most; one band of type ascii.
+/// Morphological gradient: the largest minus the smallest value among each pixel and its 8
+/// neighbours, in the band where this difference is largest; one band of type ascii.
 Image gradient(const Image &image);
 
 } // namespace seedforest

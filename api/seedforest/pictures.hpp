@@ -1,4 +1,4 @@
-// Pictures of results, of type color unless said otherwise. paintRoots() stands with the roots.
+// Pictures of results, of type color unless said otherwise. paintRoots() is in roots.hpp.
 #pragma once
 
 #include "seedforest/image.hpp"
@@ -24,8 +24,8 @@ Image highlight(const Image &image, const Image &mask, const Color &color = {255
 /// Labels are 0 .. maxValue.
 Image averageColors(const Image &image, const Image &labels);
 
-/// White discs on black, of type grey: around each pixel above 0 those at a squared distance of at
-/// most its value. Of a skeleton's squared distances it makes the shape again.
+/// White discs on black, of type grey: around each pixel above 0, the pixels at a squared distance
+/// of at most its value. From a skeleton's squared distances it restores the shape.
 Image paintCircles(const Image &squaredRadii);
 
 } // namespace seedforest

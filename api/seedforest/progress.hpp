@@ -1,19 +1,17 @@
-// How far an operation has come, and how to stop it.
+// The progress of an operation, and how to stop it.
 #pragma once
 
 #include <functional>
 
 namespace seedforest {
 
-/// As long as one lives, the functions of its thread that can take long tell how far they have
-/// come:
+/// While an object lives, functions of its thread that can take long report how far they have come:
 ///
 ///   const seedforest::WithProgress progress([&](double done) { return !window.isClosed(); });
 ///
-/// `report` is called now and then, after every 2^16 pixels or so, with the fraction that is done
-/// of the present pass; an operation has one pass or several. Where it returns false the operation
-/// stops and throws Cancelled. Of several that live the last one made counts, and it must end
-/// first.
+/// `report` is called after every 2^16 pixels or so with the fraction of the present pass that is
+/// done; an operation has one pass or several. Where it returns false the operation stops and
+/// throws Cancelled. Of nested objects the innermost counts; destroy them in reverse order.
 class WithProgress {
 public:
   using Report = std::function<bool(double fraction)>;
@@ -23,7 +21,7 @@ public:
   WithProgress(const WithProgress &) = delete;
   WithProgress &operator=(const WithProgress &) = delete;
 
-  /// That of the thread, or none.
+  /// The report function of the thread's innermost object, or null.
   static const Report *current();
 
 private:

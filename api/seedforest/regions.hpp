@@ -11,8 +11,8 @@
 
 namespace seedforest {
 
-/// What is known of a region: its label, how many pixels have it, and the average of each band of
-/// an image over them (integers, truncated).
+/// The measurements of a region: its label, the number of its pixels, and the average of each band
+/// of an image over them (integers, truncated).
 struct Region {
   int label;
   int area;
@@ -25,8 +25,8 @@ struct Region {
 std::vector<Region> measure(const Image &labels, const Image &image);
 
 /// A graph: vertices 0 .. size() - 1 with integers on each, and edges with weights; see graph.h. It
-/// moves, and is copied by copy() alone. One that was moved from has no vertices. Threads do not
-/// share one: copies are made by walking the lists with the cursors that the vertices have.
+/// is movable, and copied only by copy(). A graph that was moved from has no vertices. Threads must
+/// not share a graph, not even for copying, which moves the cursors of its lists.
 class Graph {
 public:
   /// The edge to a neighbour.
@@ -36,13 +36,13 @@ public:
     bool operator==(const Edge &) const = default;
   };
 
-  /// A graph of the vertices 0 .. n without edges, with so many integers on each, 0.
+  /// A graph of the vertices 0 .. n without edges, with dataSize integers of 0 on each.
   explicit Graph(int n, int dataSize = 0);
 
-  /// Takes over a record of the library's.
+  /// Takes over a record of the library.
   explicit Graph(ifGraphPtr graph) noexcept : graph_(std::move(graph)) {}
 
-  /// The edges and data; the lists read in the same order.
+  /// A copy with edges and data; the lists are in the same order.
   Graph copy() const;
 
   int size() const { return graph_ == nullptr ? 0 : graph_->nVertices; }
@@ -56,7 +56,7 @@ public:
   /// Throws Error: no such vertex.
   std::vector<Edge> edges(int vertex) const;
 
-  /// Inserts an edge between two vertices, unless it is there already, or removes it.
+  /// Inserts an edge between two vertices, unless there is one already, or removes it.
   /// Throws Error: no such vertex.
   void insertEdge(int a, int b, int weight = 0);
   void removeEdge(int a, int b);
@@ -65,19 +65,19 @@ public:
   ifGraph *get() { return graph_.get(); }
   const ifGraph *get() const { return graph_.get(); }
 
-  /// Gives the record up, and has no vertices after.
+  /// Returns the record, which the caller then owns; this object has no vertices any more.
   ifGraphPtr release() { return std::move(graph_); }
 
 protected:
-  /// The record, which its readers do not change.
+  /// The record. Throws Error where the graph was moved from.
   ifGraph *record() const;
 
 private:
   ifGraphPtr graph_;
 };
 
-/// Weights of a region graph's edges, by name; see ifRegionGraph.h. Any function of (u, v) may
-/// stand for one, or of (const ifGraph *, u, v).
+/// Weights of a region graph's edges, by name; see ifRegionGraph.h. Any function of (u, v), or of
+/// (const ifGraph *, u, v), may be used instead.
 namespace regionWeight {
 inline constexpr ifGraphWeightFn euclidean = ifGraphEuclideanDistance;
 inline constexpr ifGraphWeightFn smaller = ifGraphMinDistance;
@@ -86,11 +86,11 @@ inline constexpr ifGraphWeightFn watershed = ifGraphWatershedDistance;
 
 /// The graph of the regions of a label image with labels 0 .. maxValue: an edge between any two
 /// that meet at 8-neighbours, and features as the integers on each vertex. Label 0 is no region,
-/// and merging walks from region 1 as far as regions are connected with it.
+/// and merging covers the regions that are connected with region 1.
 class RegionGraph : public Graph {
 public:
-  /// Without features; and with the averages of an image's bands, rescaled to 0 .. 1000 over all
-  /// regions, which makes them fit for merging.
+  /// Without features; or with the averages of an image's bands, rescaled to 0 .. 1000 over all
+  /// regions, as features for merging.
   explicit RegionGraph(const Image &labels);
   RegionGraph(const Image &labels, const Image &image);
 
@@ -117,9 +117,10 @@ public:
         weight, [this](ifGraphWeightFn function) { return treeBy(function); });
   }
 
-  /// Labels of merged regions, from 1, 0 staying 0. A spanning tree is cut at its n - 1 heaviest
-  /// edges, or at those heavier than a weight: that by the distance of features in the first two,
-  /// the graph itself, which is one, in the others. See ifThresholdMST_nRegions and ifThresholdMST.
+  /// Labels of merged regions, from 1; label 0 stays 0. A spanning tree is cut at its n - 1
+  /// heaviest edges, or at all edges heavier than a weight. mergeTo() and mergeBelow() cut the
+  /// spanning tree by the distance of features; cutInto() and cutAbove() cut this graph, which must
+  /// be a spanning tree. See ifThresholdMST_nRegions and ifThresholdMST.
   Image mergeTo(int n) const { return spanningTree(regionWeight::euclidean).cutInto(n); }
   Image mergeBelow(int weight) const {
     return spanningTree(regionWeight::euclidean).cutAbove(weight);
@@ -127,10 +128,11 @@ public:
   Image cutInto(int n) const;
   Image cutAbove(int weight) const;
 
-  /// The graph of the regions that the first feature numbers; see ifColapseGraph.
+  /// The graph of merged regions, where the first feature is the number of the merged region; see
+  /// ifColapseGraph.
   RegionGraph collapsed() const;
 
-  /// The features of each pixel's region, a band for each.
+  /// An image with a band for each feature: its value on each pixel's region.
   Image paint() const;
 
 private:

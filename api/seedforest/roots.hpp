@@ -11,8 +11,7 @@
 
 namespace seedforest {
 
-/// A seed: the index of its pixel, the label that it hands on, and the cost at which its paths
-/// start.
+/// A seed: the index of its pixel, its label, and the cost at which its paths start.
 struct Root {
   int pixel;
   int label;
@@ -20,19 +19,19 @@ struct Root {
   bool operator==(const Root &) const = default;
 };
 
-/// A sequence of roots. Its order counts: roots of equal cost are served in it. It moves, and is
-/// copied by copy() alone; one that was moved from is empty.
+/// A sequence of roots, movable, and copied only by copy(). Roots of equal cost are served in its
+/// order. A sequence that was moved from is empty.
 ///
-/// A root's value is the cost at which its paths start, whatever made the root: 0 for most roots,
-/// the image's value for those of regional extrema. watershed() does not read it; forest() and what
-/// else takes costs does, so say there what it shall be by startAt().
+/// A root's value is the cost at which its paths start: 0 for most roots, the image's value for
+/// those of regional extrema. watershed() does not read it; forest() and other functions that take
+/// a path cost do, so set it with startAt() before.
 class Roots {
 public:
   Roots() = default;
   Roots(std::initializer_list<Root> roots) : Roots(std::span(roots.begin(), roots.size())) {}
   explicit Roots(std::span<const Root> roots);
 
-  /// Takes over a record of the library's.
+  /// Takes over a record of the library.
   explicit Roots(ifRootsPtr roots) noexcept;
 
   Roots(Roots &&other) noexcept;
@@ -54,7 +53,7 @@ public:
   std::span<int> values() { return {record_.value, size()}; }
   std::span<const int> values() const { return {record_.value, size()}; }
 
-  /// Makes all paths start at one cost, or each at the value (band 0) of the image at its root.
+  /// Sets all values to one cost, or each to the image's value (band 0) at the root's pixel.
   /// Throws Error: a root outside the image.
   Roots &startAt(int cost);
   Roots &startAt(const Image &image);
@@ -92,7 +91,7 @@ private:
 };
 
 /// The roots in a file, or in its text; the image gives the width. Values are 0. See ifReadRoots.
-/// Throws FileError: a file that cannot be read, or that starts with no valid count.
+/// Throws FileError: a file that cannot be read, or that does not start with a valid count.
 Roots readRoots(const std::string &path, const Image &image);
 Roots decodeRoots(std::string_view text, const Image &image);
 
@@ -105,8 +104,8 @@ std::string encodeRoots(const Roots &roots, const Image &image);
 /// A root for each pixel above 0 of a label image, in raster order, value 0.
 Roots rootsOf(const Image &labels);
 
-/// The labels of roots at their pixels, in an image of this one's size, 0 elsewhere; of several
-/// roots at one pixel the last one's.
+/// A new image of the given one's size: the labels of roots at their pixels (of several roots at
+/// one pixel, the last one's), 0 elsewhere.
 /// Throws Error: a root outside the image.
 Image paintRoots(const Image &image, const Roots &roots);
 

@@ -1,5 +1,5 @@
-// Seedforest for C++ programs: everything that the libraries do, as values that own, with
-// exceptions and in silence.
+// Seedforest for C++ programs: everything that the libraries do, with values that own their memory,
+// with exceptions, and without a line printed.
 //
 //   namespace sf = seedforest;
 //   const sf::Image image = sf::read("cells.pgm");
@@ -7,16 +7,16 @@
 //   const sf::Forest basins = sf::watershed(crests, sf::markers(image, 20));
 //   sf::write(sf::overlay(image, basins.labels), "cells.ppm");
 //
-// Each function is a thin front of an operation of the libraries, whose header says in full what it
-// computes; ties, orders and every value are those of the operation.
+// Each function calls an operation of the libraries, whose header says in full what is computed;
+// ties, orders and every value are those of the operation.
 //
 // In every function:
-// - An error is thrown: Error, or one of its kinds FileError, OutOfMemory and Cancelled, with one
-//   line that tells what is wrong. Arguments are then as they were, and nothing is lost.
+// - Errors are thrown: Error, or one derived from it, FileError, OutOfMemory or Cancelled, with one
+//   line that says what is wrong. Arguments are then unchanged, and no memory is leaked.
 // - Nothing is printed, and no file is written but the one that was asked for.
-// - Arguments that are not returned are not changed; nothing is copied but where it says so.
-// - Images that belong together have the same size, and a root, a label or a mask that does not fit
-//   its image is an error.
+// - Arguments are not changed, and pixels are copied only where a comment says so.
+// - Images that belong together must have the same size, and roots, labels and masks must fit their
+//   image; anything else is an error.
 //
 // Coordinates are x, y: columns to the right, rows downwards. Labels are from 1, and 0 is none.
 // Distances are squared, and areas count pixels. Threads may call any of this at the same time, on

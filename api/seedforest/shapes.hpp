@@ -23,12 +23,12 @@ Components relabel(const Image &labels);
 Image flatZones(const Image &image, const Roots &roots);
 
 /// 255 on the pixels above 0 that have a pixel of 0 among their 4 neighbours, 0 elsewhere. Regions
-/// that touch are not separated, and the image's own border is none.
+/// that touch are not separated, and the edge of the image is not a border.
 Image innerBorder(const Image &labels);
 
-/// Numbers the pixels of thin curves along their course; see labelContours. The last pixel of a
-/// curve takes a number two above the one before, so the largest is labels.maxValue(); count is
-/// that of pixels.
+/// Numbers the pixels of thin curves along their course; see labelContours. The last pixel of each
+/// curve skips numbers, so the largest number, labels.maxValue(), exceeds count, the number of
+/// pixels.
 Components contours(const Image &curves);
 
 /// How far apart along their contour the values of neighbouring pixels lie; see ifLabelDifferences.
@@ -37,24 +37,24 @@ Image contourDifferences(const Image &values, const Image &labels, bool absolute
 /// Which skeleton of a shape.
 enum class Side { inside = 1, outside = 2, both = 0 };
 
-/// A skeleton: each pixel of it with its squared distance to the border, 0 elsewhere; and the
-/// largest scale that leaves one, -99999 for a shape without interior.
+/// A skeleton: the squared distance to the border on its pixels, 0 elsewhere; and the largest
+/// useful scale (larger ones count as this one), -99999 for a shape without interior.
 struct Skeleton {
   Image squaredDistances;
   int largestScale;
 };
 
-/// Multiscale skeleton: the pixels whose neighbours' nearest border pixels lie at least `scale`
-/// apart along the contour; the larger the scale, the fewer branches. See ifSkel.
+/// Multiscale skeleton: the pixels whose nearest border pixel and that of a neighbour lie at least
+/// `scale` apart along the contour; the larger the scale, the fewer branches. See ifSkel.
 /// Throws Error: an image of several bands.
 Skeleton skeleton(const Image &shape, int scale, Side side = Side::inside);
 
-/// Separates shapes that touch: labels from 1, a different one for each part, 0 outside. A part is
-/// what grows around a maximum, by more than h pixels, of the (not squared) distance to the nearest
-/// pixel outside the shape: the watershed of the distance's negative within the shape. Necks that
-/// are narrower than what they join by h pixels or less, counted from the middle, do not separate.
-/// Every component has a part of its own at least. Pixels beyond the image are not outside; a shape
-/// that fills the image is one part.
+/// Separates shapes that touch: labels from 1, a different one for each part, 0 outside. The parts
+/// are the watershed, within the shape, of the negative of the (not squared) distance to the
+/// nearest pixel outside the shape; the markers are the distance's maxima that stand out by more
+/// than h pixels. So a neck separates two parts only where its half-width is more than h pixels
+/// smaller than that of both parts. Every component has at least one part. Positions beyond the
+/// image do not count as outside; a shape that fills the image is one part.
 /// Throws Error: a negative h, or one of about 2^30 or more.
 Components splitTouching(const Image &shape, int h = 0);
 

@@ -1,4 +1,4 @@
-// The proof that a forest is right.
+// A check that a forest consists of best paths.
 #pragma once
 
 #include "seedforest/forest.hpp"
@@ -20,14 +20,13 @@ std::optional<Violation> verifyForest(const Forest &forest, const Image &image, 
                                       const ForestOptions &options);
 }
 
-/// Whether a forest is one of best paths: each path leads from a root, with the root's label and a
-/// cost that starts at its value and grows as `cost` says along neighbours; and no arc, and no
-/// root, offers any pixel a better one. Nothing then could be better, for costs that never get
-/// better along a path. The arguments are those that forest() was called with.
-///   result  none where all holds; else the first violation, in raster order: of all paths, then of
-///           all offers
-/// Takes a time that is linear in the number of arcs. Which of several equal paths won is not
-/// asked.
+/// Proves that a forest consists of best paths. It checks that each path starts at a root with the
+/// root's label and value, that its cost grows along neighbours as `cost` says, and that no arc and
+/// no root offers any pixel a better cost. For path costs that never get better along a path, no
+/// better forest exists then. The arguments are those of the call of forest().
+///   result  empty where all holds; else the first violation in raster order, of the paths before
+///           the offers
+/// Takes time linear in the number of arcs. Does not check which of several equal paths won.
 /// Throws Error: images of different size, a root outside the image.
 template <class Cost, class Weight>
 std::optional<Violation> verify(const Forest &forest, const Image &image, const Roots &roots,

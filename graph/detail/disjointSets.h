@@ -1,4 +1,4 @@
-// Disjoint sets as a value.
+// Disjoint sets (union-find) as a class.
 #pragma once
 
 #include "base/findRoot.h"
@@ -6,7 +6,7 @@
 
 namespace seedforest::detail {
 
-/// Disjoint sets that release themselves.
+/// Disjoint sets, released by the destructor.
 class DisjointSets {
 public:
   explicit DisjointSets(int n) { ufStartUnionFind(&uf_, n, 0); }

@@ -61,7 +61,7 @@ void EdgeInserter::requireVertices(int a, int b) const {
 
 void EdgeInserter::insert(int a, int b, int weight) {
   requireVertices(a, b);
-  if (!known_.insert(std::min(a, b), std::max(a, b))) // then both lists have it
+  if (!known_.insert(std::min(a, b), std::max(a, b))) // both lists have this edge
     return;
   prependEdge(&graph_->vertices[a], b, weight);
   if (a != b)

@@ -26,9 +26,9 @@ private:
   std::size_t size_ = 0;
 };
 
-/// Inserts edges into a graph that has none yet and that nobody else changes meanwhile: undirected
-/// ones or directed ones, not both. A vertex outside the graph ends with an error that names the
-/// operation.
+/// Inserts edges into a graph that has none yet and is not changed in other ways meanwhile:
+/// undirected ones or directed ones, not both. Ends with an error that names the operation: a
+/// vertex outside the graph.
 class EdgeInserter {
 public:
   EdgeInserter(const char *operation, ifGraph *graph) : operation_(operation), graph_(graph) {}

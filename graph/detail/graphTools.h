@@ -1,4 +1,4 @@
-// Checks of graphs, and graphs that an operation cannot go on without.
+// Checks of graphs, and new graphs whose failure to be created is an error.
 #pragma once
 
 #include "graph/graph.h"
@@ -7,23 +7,24 @@
 
 namespace seedforest::detail {
 
-/// A graph of nVertices vertices without a label image or, after the line of `operation`, none.
+/// A graph of nVertices vertices without a label image or, after a line that names `operation`,
+/// null.
 ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataSize);
 
-/// Gives a vertex that has none its integers; false where they cannot be had.
+/// Allocates the integers of a vertex; false where that fails.
 bool tryMakeData(ifVertex &vertex, int dataSize);
 
-/// A graph with `least` vertices or as many as the labels need, and a copy of the label image.
+/// A graph with a copy of the label image and as many vertices as its labels need, at least
+/// `least`.
 ifGraphPtr tryMakeRegionGraph(const imImage *labelImage, int least, int dataSize);
 
-/// What copyBaseGraph() makes before it copies the edges.
+/// The graph that copyBaseGraph() makes, without the edges.
 ifGraphPtr tryMakeAlike(const ifGraph *graph, int dataSize);
 
-/// Takes over a graph that an operation cannot go on without: ends with an error where it could not
-/// be made, which has been said.
+/// Takes over a graph; where it is null, ends with an error whose line has been printed already.
 ifGraphPtr requireMade(ifGraph *graph);
 
-/// copyBaseGraph() for an operation that cannot go on without the copy.
+/// copyBaseGraph(), ending with an error where the copy cannot be made.
 ifGraphPtr copyOf(const char *operation, ifGraph *graph, int dataSize);
 
 /// Puts an edge at the head of a list, whatever the list holds.

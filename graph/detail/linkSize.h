@@ -1,10 +1,9 @@
-// What a merge callback may ask about the link that it is called for.
+// The size of the data that a merge callback works on.
 #pragma once
 
 namespace seedforest::detail {
 
-/// The integers on each element of the union-find whose ufLink() called the merge callback that
-/// runs in this thread; -1 where none does.
+/// The dataSize of the union-find whose merge callback is running in this thread; -1 where none is.
 int dataSizeOfLink();
 
 } // namespace seedforest::detail

@@ -1,17 +1,17 @@
-// What parameterises a transform: how a path's cost grows by an arc's weight, and what an arc
-// weighs. All are pure functions. Transforms know the built-in ones by their addresses, and inline
-// what they do.
+// The functions that parameterise a transform: the cost of a path extended by an arc, and the
+// weight of an arc. All are pure functions. Transforms recognise some of them by their addresses
+// and then run a faster form with the same result (iftForest.h).
 #pragma once
 
 #include "image/imImage.h"
 
 #include <limits>
 
-/// The cost of what no path reaches, in minimising and in maximising transforms.
+/// The cost of a pixel that no path reaches, in minimising and in maximising transforms.
 inline constexpr int ifInfiniteCost = std::numeric_limits<int>::max();
 inline constexpr int ifInfiniteCostInverted = std::numeric_limits<int>::min();
 
-/// The cost of a path extended by an arc: of the path so far, and the arc's weight.
+/// The cost of a path extended by an arc, from the cost of the path so far and the arc's weight.
 using ifPathCostFn = int (*)(int cost, int weight);
 
 /// The weight of the arc from pixel p to pixel q of an image. p and q must be pixels of it: a
@@ -27,10 +27,10 @@ int ifPathCostMin(int cost, int weight);
 /// The sum, which wraps around in 32 bits.
 int ifPathCostSum(int cost, int weight);
 
-/// The cost unchanged along arcs that weigh no more than it; others are closed (ifInfiniteCost).
+/// The cost, unchanged, for weights of at most the cost; else the arc is closed (ifInfiniteCost).
 int ifPathCostMaxLocal(int cost, int weight);
 
-/// The cost unchanged along arcs that weigh no less than it; others are closed
+/// The cost, unchanged, for weights of at least the cost; else the arc is closed
 /// (ifInfiniteCostInverted).
 int ifPathCostMinLocal(int cost, int weight);
 
@@ -38,12 +38,15 @@ int ifPathCostMinLocal(int cost, int weight);
 int ifWatershedMetric(const imImage *image, int p, int q);
 
 /// The integer part of the root mean square difference of the bands, the mean an integer division;
-/// saturating. An image without bands ends the process with status 1 after a line.
+/// saturating.
+/// Ends with an error: no image, an image without bands (base/error.h).
 int ifEuclideanDistance(const imImage *image, int p, int q);
 
 /// The largest absolute difference of the bands, saturating; -1 for an image without bands.
+/// Ends with an error: no image.
 int ifMaxDistance(const imImage *image, int p, int q);
 
-/// The chamfer metric of 12 for pixels in one row or column and 17 for others; reads only the
+/// The chamfer metric: 12 for pixels in one row or column, 17 for others; reads only the image's
 /// width.
+/// Ends with an error: no image.
 int ifChanferDistance(const imImage *image, int p, int q);

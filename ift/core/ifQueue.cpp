@@ -142,14 +142,14 @@ void updateQueueUpdateCurr(ifQueue *q, ifQueueNodes *a, int b, int e) {
 
 int isEmpty(ifQueue *q) {
   requireGiven("isEmpty", "queue", q);
-  if (!isBucket(q, q->current)) // the caller's doing
+  if (!isBucket(q, q->current)) // set by the caller
     q->current = 0;
   for (int seen = 0; seen < q->nbuckets; ++seen) {
     if (q->first[q->current] != none)
       return 0;
     q->current = q->current + 1 == q->nbuckets ? 0 : q->current + 1;
   }
-  return 1; // once round, so current is back where it was
+  return 1; // after one whole turn, current is back where it was
 }
 
 void releaseQueue(ifQueue *q, ifQueueNodes *a) {

@@ -42,7 +42,7 @@ void requireReadable(const Text &text, const char *path) {
 // Scans x, y and label for each seed, with a debug line for each.
 void scanSeeds(Text &text, const imImage *image, const ifRoots &roots) {
   Writer out(putProgress);
-  int line[3] = {0, 0, 0}; // what a failing scan leaves as it was serves the next seed too
+  int line[3] = {0, 0, 0}; // where a scan fails, the seed takes the values of the one before
   for (int i = 0; i < roots.n; ++i) {
     scanInts(text, line, 3);
     roots.pixel[i] = wrap(line[0] + std::int64_t{line[1]} * image->ncols);

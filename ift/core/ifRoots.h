@@ -4,8 +4,8 @@
 // every operation keeps it: transforms serve seeds of equal cost in this order. Pixels and labels
 // may repeat.
 //
-// Where an image or a record is needed and not given, an operation ends the process with status 1
-// after a line that names it.
+// Ends with an error, in every operation but the releases: no image, no record or no path where one
+// is needed (an error is a line on standard error and status 1, or an exception: base/error.h).
 #pragma once
 
 #include "image/imImage.h"
@@ -28,34 +28,38 @@ struct ifRoots2 {
   int n;
 };
 
-/// Gives the record n entries of zeros (n may be 0); what it held before is not released.
-/// A negative n, or memory that cannot be had, ends the process with status 1 after a line.
+/// Gives the record n entries of zeros (n may be 0); arrays that it held before are not released.
+/// Ends with an error: a negative n, memory that cannot be allocated.
 void ifAllocateRoots(ifRoots *roots, int n);
 
-/// Free the arrays, not the record, which keeps no entries. Nothing where there is no record.
+/// Free the arrays, not the record, which is left empty. Null is allowed.
 void ifReleaseRoots(ifRoots *roots);
 void ifReleaseRoots2(ifRoots2 *roots);
 
 /// Writes a roots file: the count, then a line "x y label" per seed, in order; the image supplies
 /// the width that splits a pixel index. The values are not stored. An old file is replaced, when
-/// the new one is whole, as by imSaveImage(). Errors, on standard error, then status 1: "Could not
-/// open file %s for writing\n"; a line when the text does not all reach the file.
+/// the new one is complete, as by imSaveImage().
+/// Ends with an error: "Could not open file %s for writing\n"; text that does not all reach the
+/// file.
 void ifSaveRoots(const char *path, const imImage *image, const ifRoots *roots);
 void ifSaveRoots2(const char *path, const imImage *image, const ifRoots2 *roots);
 
 /// Reads a roots file into a new record, values 0; the caller owns it (ifRootsPtr releases it).
-/// Numbers may stand apart by any white space. Each seed prints "read: %d %d\n" (pixel and label)
-/// on standard output. Where a line has no number to scan, x, y and label keep their last values (0
-/// at first): a file may have fewer lines than its count, and coordinates outside the image give
-/// pixel indices outside it, which operations on the set reject. The file is read to its end.
-/// Errors, on standard error: "Could not open file %s for reading\n", or a line for a file that
-/// cannot be read on, then status 1; "invalid number of roots in file %s\n" and no record when the
-/// count is missing, below 1, or larger than 65536 plus the file's size in bytes.
+/// Numbers are separated by any white space. Each seed prints "read: %d %d\n" (pixel and label) on
+/// standard output. Where no number can be scanned, x, y or label keeps its last value (0 at
+/// first), so a file may have fewer lines than its count. Coordinates outside the image give pixel
+/// indices outside it, or other pixels of it; operations on the set reject the indices outside. The
+/// file is read to its end.
+/// Ends with an error: "Could not open file %s for reading\n"; a read error; memory that cannot be
+/// allocated. Where the count is missing, below 1, or larger than 65536 plus the file's size in
+/// bytes: "invalid number of roots in file %s\n" on standard error, and no record; in a scope of
+/// ThrowingErrors that line is thrown.
 [[nodiscard]] ifRoots *ifReadRoots(const char *path, const imImage *image);
 
 /// A new image of type ASCII: each seed's label at its pixel, the later seed's where a pixel
-/// repeats, and 0 elsewhere; maxValue 0. A seed outside the image ends the process with status 1
-/// after a line.
+/// repeats, and 0 elsewhere; maxValue 0.
+/// Ends with an error: a seed outside the image. Where the image cannot be allocated: as
+/// imCreateImage().
 [[nodiscard]] imImage *ifVisualizeRoots(const imImage *image, const ifRoots *roots);
 
 struct ifRootsDeleter {

@@ -17,7 +17,7 @@ using namespace seedforest::detail;
 
 namespace {
 
-// The part of a call that all transforms share; levelling has a path cost of its own.
+// The arguments that all transforms share; levelling passes no path cost.
 struct Task {
   const char *operation;
   const imImage *input;
@@ -85,7 +85,8 @@ void growMasked(const Task &task, Arcs arcs, const imImage *mask) {
                          seedsWithin(mask, task.seeds).get());
 }
 
-// Whether the loop may inline what the pointers name, and did: see iftPacked.h.
+// Runs the fast form of iftPacked.h if it covers the two functions and all values; else returns
+// false.
 template <class Towards>
 bool ranPacked(const Task &task, const FunctionArcs &arcs) {
   const Direction &direction = Towards::direction;

@@ -6,12 +6,15 @@
 //
 //   band nbands - 3   the label of the seed whose path won, 0 where none arrived
 //   band nbands - 2   the cost of that path; the infinite cost where none arrived
-//   band nbands - 1   the pixel before on that path; for seeds and unreached pixels the pixel itself
+//   band nbands - 1   the pixel before on that path; at seeds and unreached pixels, the pixel
+//                     itself
 //
-// Algorithm: Dijkstra's (1959), from several sources, on Dial's buckets in a circle (1969). The bucket
-// of a cost is the remainder of its division by the number of buckets, folded into range; costs
-// beyond the bound are served in remainder order. Time is linear in the arcs and in the costs that
-// occur; memory, beside the images, a few words for each pixel and two for each bucket.
+// Algorithm: Dijkstra's ("A note on two problems in connexion with graphs", 1959), from several
+// sources, on Dial's circle of buckets ("Algorithm 360: shortest-path forest with topological
+// ordering", 1969). The bucket of a cost is the remainder of its division by the number of buckets,
+// folded into range; costs beyond the bound are served in remainder order. Time is linear in the
+// number of arcs and in the range of the costs; memory, beside the images, a few words for each
+// pixel and two for each bucket.
 //
 // Ties: pixels of one bucket are served first in, first out, seeds in the order of their list and
 // neighbours in the order of the adjacency. A pixel keeps the first of several best paths. A seed
@@ -19,18 +22,19 @@
 // takes the later cost and label, and the later place.
 //
 // Weights come from a function and an adjacency, or from an arc-weight image (ifWeightImage.h),
-// which brings its adjacency along: band k at p weighs the arc by displacement k, a negative weight
-// is no arc, and the input gives the size only. With ifWatershedMetric and ifPathCostMax or
-// ifPathCostMaxLocal (maximising: ifPathCostMin, ifPathCostMinLocal), for values and seeds within
-// 0 .. maxCost, a form runs that is several times faster; the result is the same.
+// which holds its adjacency: band k at p is the weight of the arc by displacement k, a negative
+// weight means no arc, and the input gives the size only. iftNonNormalized() with ifWatershedMetric
+// and ifPathCostMax or ifPathCostMaxLocal (iftNonNormalizedInverted(): ifPathCostMin,
+// ifPathCostMinLocal), for values and seeds within 0 .. maxCost, runs in a faster form; the result
+// is the same.
 //
-// The transforms of fixed size have buckets for costs up to 49999 and multiply weights, which are
-// expected in 0 .. 1000, by 49 (saturating) before the path cost sees them; seeds' costs enter as
-// they are.
+// The transforms of fixed size (ift, iftMask, iftMaskWF) have buckets for costs up to 49999 and
+// multiply weights, which are expected in 0 .. 1000, by 49 (saturating) before they pass them to
+// the path cost; the seeds' costs are not multiplied.
 //
 // Ends with an error (a line on standard error and status 1, or an exception: base/error.h): a
-// negative bound, something missing, images of different size, a forest image with too few bands, an
-// arc-weight image without its adjacency, a seed outside the image, memory that cannot be had
+// negative bound, a null argument, images of different size, a forest image with too few bands, an
+// arc-weight image without its adjacency, a seed outside the image, memory that cannot be allocated
 // ("Could not allocate queue (Q) in initQueue\n" for buckets, "(A)" for per-pixel storage).
 #pragma once
 
@@ -66,8 +70,8 @@ void iftWF(const imImage *input, imImage *output, const imImage *weights, ifPath
 void iftNonNormalizedWF(const imImage *input, imImage *output, const imImage *weights, int maxCost,
                         ifPathCostFn pathCost, const ifRoots *seeds);
 
-/// ift within a mask: a seed is used only where band 0 of the mask is above 0, a path is continued
-/// only to pixels where it is not 0. So a negative value keeps seeds away but lets paths in.
+/// ift within a mask: a seed is used only where band 0 of the mask is above 0, and a path is
+/// extended only to pixels where it is not 0. A negative value thus excludes seeds but not paths.
 void iftMask(const imImage *input, imImage *output, const imImage *mask, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight, ifPathCostFn pathCost, const ifRoots *seeds);
 
@@ -77,9 +81,10 @@ void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const
 
 /// Levelling: the cost band starts as band 0 of the marker and moves towards band 0 of the input.
 /// From seeds of label 1 the maximum of the cost and the values on the way spreads to pixels of
-/// higher cost, from seeds of label 2 the minimum to pixels of lower cost, both in one queue of
-/// buckets for costs up to the marker's maxValue (for label 2 for what they lack of it). A seed's
-/// value replaces the marker's. A pixel of another label offers nothing, but prints "pixel %d has
-/// invalid label (%d)!\n" on standard error for each neighbour that has not been settled yet.
+/// higher cost, from seeds of label 2 the minimum to pixels of lower cost. Both wait in one queue
+/// with buckets for keys up to the marker's maxValue: the cost for label 1, maxValue - cost for
+/// label 2. A seed's value replaces the marker's. A pixel of another label offers nothing, but
+/// prints "pixel %d has invalid label (%d)!\n" on standard error for each neighbour that has not
+/// been settled yet.
 void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
                            imNeighborhoodFn adjacency, const ifRoots *seeds);

@@ -34,7 +34,7 @@ int labelContours(const imImage *contour, imImage *labels) {
   const auto npixels = static_cast<std::size_t>(contour->npixels);
   const Array<bool> visited = makeZeroedArray<bool>(npixels);
   const Array<int> fifo = makeArray<int>(npixels); // every pixel visited, in order
-  std::int64_t n = 0;                              // numbers run ahead of the pixels: see the ends
+  std::int64_t n = 0;                              // the last number; curves' ends skip numbers
   int count = 0;
   const auto visit = [&](int p) {
     visited[p] = true;
@@ -65,8 +65,8 @@ int labelContours(const imImage *contour, imImage *labels) {
 
 namespace {
 
-// A step of a contour, with what must lie beside the pixel that it leads to: shape and background,
-// each at (dx, dy) from that pixel.
+// A step of a contour, and the positions beside the pixel that it leads to, relative to that pixel,
+// at which shape and background are required.
 struct Step {
   int dx, dy;
   int shapeX, shapeY;
@@ -166,7 +166,8 @@ struct Range {
 
 constexpr Range noRange = {100000, -1}; // positions are expected between these
 
-// The way along a contour of this range from one position to another, the shorter way round.
+// The length of the way along a contour of this range from one position to another, the shorter
+// way.
 int alongContour(const Range &range, int from, int to, bool absolute) {
   std::int64_t d = std::int64_t{to} - from;
   if (absolute && d < 0)

@@ -18,7 +18,7 @@ using namespace seedforest::detail;
 namespace {
 
 // The runs of object pixels of an image, in raster order, grouped into components. The arrays have
-// room for a run at every second pixel, of which only what is used takes up memory.
+// room for a run at every second pixel; the part that is not used takes up no memory.
 struct Runs {
   explicit Runs(const imImage *image) {
     const std::size_t runsPerRow = (static_cast<std::size_t>(image->ncols) + 1) / 2;
@@ -33,14 +33,14 @@ struct Runs {
   int count = 0;
   // Run i starts at pixel edge[2i] and ends before pixel edge[2i + 1].
   Array<int> edge;
-  // The union-find: run i's way to its component's leader, the first of its runs, as the index of
-  // an earlier run; the leader has its own index.
+  // The union-find: run i is linked to an earlier run of its component, and the component's first
+  // run, the leader, to itself.
   Array<int> link;
 };
 
-// Writes the edges of the runs among the pixels p .. end - 1 of a row; returns where they end.
-// Blocks without an edge are skipped; in the others each pixel writes its index and an edge keeps
-// it, which takes no branch that noise could make unpredictable.
+// Writes the edges of the runs among the pixels p .. end - 1 of a row; returns the end of the
+// edges. Blocks without an edge are skipped. In the others every pixel stores its index, and only
+// an edge advances the position: without a branch, which noise would make unpredictable.
 int *findEdges(const int *value, int p, int end, int *edge) {
   constexpr int block = 16;
   int inside = 0;
@@ -65,7 +65,7 @@ int *findEdges(const int *value, int p, int end, int *edge) {
   return edge;
 }
 
-// The leader of run i's component; shortens the way to it.
+// The leader of run i's component; compresses the path to it.
 int findLeader(int *link, int i) {
   return findRoot(
       i, [link](int k) { return link[k]; }, [link](int k, int leader) { link[k] = leader; });
@@ -86,7 +86,7 @@ void joinRows(const Runs &runs, int above, int first, int ncols) {
     for (; touching < endAbove && runs.start(touching) <= right; ++touching) {
       const int other = findLeader(link, touching);
       const int smaller = std::min(leader, other);
-      link[std::max(leader, other)] = smaller; // a leader met again links to itself, as it did
+      link[std::max(leader, other)] = smaller; // no change where both are the same leader
       leader = smaller;
     }
     above = std::max(above, touching - 1); // the last one may reach the next run too
@@ -107,8 +107,8 @@ Runs findRuns(const imImage *image) {
   return runs;
 }
 
-// Labels the pixels start .. end - 1. Most runs of a noisy image are no longer than the four
-// stores, which cost less than a loop whose length nobody can foretell.
+// Labels the pixels start .. end - 1. Most runs of a noisy image have at most four pixels: four
+// stores are faster than a loop of unpredictable length.
 void fillRun(int *label, int start, int end, int number) {
   const int second = end - start > 1 ? 1 : 0;
   label[start] = number;
@@ -124,12 +124,12 @@ void fillRun(int *label, int start, int end, int number) {
 int labelRuns(const Runs &runs, int *label) {
   int *link = runs.link.get();
   int n = 0;
-  bool early = false; // whether a run came before its component had a number, as labelled ones may
+  bool early = false; // whether a run, labelled before, came before its component had a number
   // A run's link becomes ~(the component's number) as soon as this is known, else the leader.
   for (int i = 0; i < runs.count; ++i) {
     link[i] = link[link[i]];
     if (link[i] >= 0)
-      link[i] = link[link[i]]; // an early run gave the leader, which may have its number by now
+      link[i] = link[link[i]]; // through an early run to the leader, which may have a number now
     if (link[i] >= 0) {
       const int *end = label + runs.end(i);
       if (std::find<const int *>(label + runs.start(i), end, 0) == end) {

@@ -1,12 +1,12 @@
 // Labels for connected sets of pixels: components of a binary image, flat zones around seeds, and
 // labels renumbered without gaps. All work on band 0 and join neighbours by imNeighborhood8.
 //
-// Outputs are images of the input's size, zeroed by the caller: no operation clears what it does
-// not write.
+// Outputs are images of the input's size, zeroed by the caller: pixels that an operation does not
+// write keep their values.
 //
 // Ends with an error, in every operation: no image, one without band 0 or of another size than its
-// partner, memory that cannot be had (an error is a line on standard error and status 1, or an
-// exception: base/error.h).
+// partner, memory that cannot be allocated (an error is a line on standard error and status 1, or
+// an exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"
@@ -16,9 +16,9 @@
 /// (He, Chao and Suzuki, "A run-based two-scan labeling algorithm", 2008).
 ///   binary  pixels > 0 are object
 ///   labels  in, out: an object pixel gets the number of its component, others stay as they are.
-///           In an image that holds labels already, a component counts from its first pixel of
-///           label 0: one without such a pixel is left alone and takes no number, any other is
-///           numbered whole. maxValue becomes the number of components, 0 where there is none.
+///           In an image that holds labels already, a component counts only from its first pixel of
+///           label 0: one without such a pixel is left alone and takes no number; of any other all
+///           pixels are numbered. maxValue becomes the number of components that were numbered.
 /// Prints "in ifLabelImage\n" on standard output.
 void ifLabelImage(const imImage *binary, imImage *labels);
 

@@ -53,8 +53,8 @@ Result reconstructed(const Direction &direction, const imImage *f, int bound, co
   return takeResult(reconstruct(direction, f, bound, roots, isLocal).get(), f->type);
 }
 
-// The regional maxima of f, their levels for values; of those that do not reach the area none,
-// where only reached ones are wanted.
+// The regional maxima of f as roots whose values are their levels; with onlyReached, without the
+// maxima whose component never has `area` pixels.
 ifRootsPtr leveledMaxima(const imImage *f, int bound, int area, bool onlyReached) {
   ifRootsPtr roots(ifRegionalMaximaAsRoots(f));
   const int count = roots->n == 0 ? 0 : *std::max_element(roots->label, roots->label + roots->n);
@@ -75,14 +75,14 @@ ifRootsPtr leveledMaxima(const imImage *f, int bound, int area, bool onlyReached
 
 Result areaOpen(const imImage *f, int bound, int area) {
   const ifRootsPtr roots = leveledMaxima(f, bound, area, false);
-  // Without roots, the local form gives the image back.
+  // Without roots, the local form returns a copy of the image.
   return reconstructed(byDilation, f, bound, roots.get(), roots->n == 0);
 }
 
 using MorphologyFn = void (*)(const imImage *in, imImage *out, int s);
 using EnvelopeFn = imImage *(*)(const imImage *a, const imImage *b);
 
-// The envelope of an image and the marker grown, or shrunk, by a pixel.
+// The envelope of an image and the marker dilated, or eroded, by the cross of 5 pixels.
 imImagePtr envelope(EnvelopeFn combine, const imImage *image, MorphologyFn change,
                     const imImage *marker) {
   const imImagePtr changed = createLike(image, 1, image->type);
@@ -136,7 +136,8 @@ void ifAreaClose(imImage *f, imImage **filtered, imImage **labels, int area) {
   if (!grey)
     negative->maxValue = largestValue(negative.get(), 0);
   Result opened = areaOpen(negative.get(), costBound(negative.get()), area);
-  // Against the same white as the first time, whatever the largest value is now.
+  // The second negative subtracts from the same value as the first, whatever the largest value is
+  // now.
   int *value = opened.filtered->band[0];
   std::transform(value, value + f->npixels, value, [white](int v) { return saturate(white - v); });
   opened.filtered->maxValue = grey ? 255 : 0;

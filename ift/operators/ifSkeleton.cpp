@@ -81,7 +81,7 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) 
     fatal("ifSkel: an image of %d bands is no shape\n", image->nbands);
   Distances found = distances(image);
   const int largest = found.alongContour->maxValue;
-  // Without roots nothing differs, whatever the threshold: no pixel has as much as the largest.
+  // Without roots there are no differences, and no pixel reaches `largest`: nothing is selected.
   const int least = found.haveRoots ? std::min(threshold, largest) : largest;
   const imImagePtr selected =
       requireMade(imThreshold(found.alongContour.get(), imTypeAscii, least, ifInfiniteCost));

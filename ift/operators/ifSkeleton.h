@@ -1,15 +1,18 @@
-// Multiscale skeletons of binary shapes: a pixel lies on the skeleton where its neighbours' nearest
-// border pixels lie far apart along their contour.
+// Multiscale skeletons of binary shapes by label differences. Border pixels are labelled with their
+// position along the contour, and every pixel takes the label of its nearest border pixel. It lies
+// on the skeleton where its label and a neighbour's differ by at least the scale.
 //
 // Ends with an error, in both operations: no image, no roots or no place for the result, images of
 // different size or of a number of bands that does not fit, a root outside the image, memory that
-// cannot be had (an error is a line on standard error and status 1, or an exception: base/error.h).
+// cannot be allocated (an error is a line on standard error and status 1, or an exception:
+// base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"
 
-/// The Euclidean distance transform (iftEuclidean.h) with two things handed down from each root:
-/// its label, which is its place along the contours, and its value, the number of its contour.
+/// The Euclidean distance transform (iftEuclidean.h), in which each pixel takes two numbers of its
+/// root: the label, which is the root's position along the contours, and the value, the number of
+/// the root's contour.
 ///   image  gives the size
 ///   work   at least four bands of that size; the last four are written: label, squared distance,
 ///          predecessor and contour number (0, ifInfiniteCost, the pixel itself and 0 where no path
@@ -20,10 +23,11 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots);
 
 /// The skeleton of a binary shape (band 0 > 0; one band only).
 ///   skelType   0: over the whole image; 1: inside the shape; 2: outside it
-///   threshold  the scale: the least difference, along the contour, of the border pixels nearest to
-///              a skeleton pixel and to its neighbours; at most the returned value is used
+///   threshold  the scale: the least distance, along the contour, between the border pixels nearest
+///              to a skeleton pixel and to a neighbour; a larger one than the returned value counts
+///              as that value
 ///   result     out: a new image of type ASCII, each skeleton pixel with its squared distance to
-///              the border, 0 elsewhere; the caller releases it. None for any other type, after
+///              the border, 0 elsewhere; the caller releases it. Null for any other skelType, after
 ///              "invalid skelType: %d\n" on standard error
 /// Returns the largest difference that occurs, plus one; -99999 for a shape without roots, whose
 /// skeleton is empty whatever the threshold. Algorithm: ifSkel2Roots(), iftSkelNova(),

@@ -20,8 +20,8 @@ using namespace seedforest::detail;
 
 namespace {
 
-// What links cost an object. That depends on one thing, how far the average lies from the mean, and
-// no longer changes beyond some distance: so the costs are in a short table.
+// The costs of links for one object. They depend only on the distance of the average from the mean,
+// and are constant from some distance on, so that a short table holds all of them.
 class LinkCost {
 public:
   LinkCost(const imImage *image, int mean, int sigma)
@@ -40,8 +40,8 @@ public:
   }
 
 private:
-  // The square of this distance is 32 times sigma or more. There the cost has settled: exp(-32) is
-  // nothing, and exp(32) is beyond an int.
+  // The square of this distance is at least 32 times sigma. From there on the cost is constant:
+  // exp(-32) * 255 truncates to 0, and exp(32) * 255 saturates.
   static std::int64_t lastDistance(int sigma) {
     return static_cast<std::int64_t>(std::sqrt(32.0 * std::abs(static_cast<double>(sigma)))) + 1;
   }
@@ -52,9 +52,9 @@ private:
   Array<int> cost_;
 };
 
-// The transform of one object. A path never gets better as it grows, so neighbours that cost no more
-// than the pixel itself need no offer, and an entry is outdated exactly when its pixel's cost
-// belongs elsewhere: each bucket holds a single cost.
+// The transform of one object. A path never gets better as it grows, so neighbours that cost no
+// more than the pixel itself need no offer. Each bucket holds a single cost, so an entry is
+// outdated exactly when its pixel's cost is not that of the bucket.
 class ConnectednessTransform {
 public:
   ConnectednessTransform(const NeighborWalk &neighbors, const LinkCost &linkCost, const int *value,
@@ -90,7 +90,7 @@ private:
   int *cost_;
 };
 
-// Seeds cost 0, so that whatever a link costs, a path costs 0 .. 255.
+// Seeds cost 0 and links at most 255, so paths cost 0 .. 255.
 constexpr int nPathCosts = 256;
 
 void check(const char *operation, const imImage *image, const imImage *labelOut,
@@ -164,7 +164,7 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
               const ifRoots *seeds, const int *mean, const int *sigma, int nObjects) {
   connectFuzzy("iftFuzzy", image, labelOut, costOut, adjacency, seeds, mean, sigma, nObjects,
                [](int object, imImage *costs) {
-                 costs->maxValue = 0; // the writer finds it
+                 costs->maxValue = 0; // so that the writer computes it
                  if (object <= 2)
                    imSaveImage(object == 1 ? "tmp1.pgm" : "tmp2.pgm", costs);
                });

@@ -1,9 +1,10 @@
-// Relative fuzzy connectedness: several objects, each known by its seeds, its mean grey level and
-// the spread around it, compete for the pixels of an image.
+// Relative fuzzy connectedness (Saha and Udupa, "Relative fuzzy connectedness among multiple
+// objects", 2001): several objects, each given by its seeds, its mean grey level and the spread
+// around it, compete for the pixels of an image.
 //
-// A chain of pixels is as strong as its weakest link, and two neighbours p and q are linked the
-// more firmly the closer the average of their values (band 0) lies to the object's mean. As a cost,
-// from 0 for a perfect match to 255 for none:
+// A chain of pixels is as strong as its weakest link. The link of two neighbours p and q is the
+// stronger, the closer the average of their values (band 0) is to the object's mean. As a cost,
+// from 0 for the strongest link to 255 for none:
 //
 //     d = (I(p) + I(q)) / 2 - mean,   e = -(d * d) / sigma,   cost = 255 - exp(e) * 255
 //
@@ -11,23 +12,25 @@
 // seven costs: 0, 162, 221, 243, 251, 254 and 255. d and its square are exact for all values. A
 // negative sigma gives costs of 0 and less, down to 255 - (2^31 - 1).
 //
-// Errors, after a line on standard error, with status 1: a sigma of 0, images without band 0 or of
-// different size, a seed outside the image, memory that cannot be had.
+// Ends with an error, in every operation: a sigma of 0, no image, no adjacency, no list, images
+// without band 0 or of different size, a seed outside the image, memory that cannot be allocated
+// (an error is a line on standard error and status 1, or an exception: base/error.h). Where an
+// image that is returned cannot be allocated: as imCreateImage().
 #pragma once
 
 #include "ift/core/ifRoots.h"
 #include "image/imNeighborhood.h"
 
-/// Gives each pixel to the object whose best chain of links from a seed of it costs least.
+/// Gives each pixel to the object from whose seeds the cheapest chain of links leads to it.
 ///   labelOut   out: the object, 1 .. nObjects; the lowest of several equals. A pixel that no
-///              object reaches keeps what stood there.
+///              object reaches keeps its old value.
 ///   costOut    out: the cost of that chain, the largest of its links' costs; 2^31 - 1 where none
-///              arrives. Both are other images than the input, and their maxValue is left alone.
+///              arrives. Neither may be the input; their maxValue is left alone.
 ///   adjacency  called once
 ///   seeds      pixel and label (the object) are read; seeds with other labels are ignored
 ///   mean, sigma  of object o in entry o; entry 0 is not read
 ///   nObjects   with 0 or less, no pixel is reached
-/// Writes the costs of objects 1 and 2, as far as there are any, as ASCII images "tmp1.pgm" and
+/// Writes the costs of objects 1 and 2, where they exist, as ASCII images "tmp1.pgm" and
 /// "tmp2.pgm" into the current directory, with the errors of imSaveImage().
 /// Algorithm: an image foresting transform for each object, with the largest link as path cost.
 void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeighborhoodFn adjacency,
@@ -40,5 +43,5 @@ void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeigh
                                           int s);
 
 /// The average cost of the links to the neighbours in imNeighborhood4: a new image of type ASCII.
-/// Always their sum divided by 4, rounded down, so that pixels of the frame come out lower.
+/// It is always their sum divided by 4, rounded down, so it is too low at pixels of the frame.
 [[nodiscard]] imImage *ifTestFuzzy(const imImage *image, int m, int s);

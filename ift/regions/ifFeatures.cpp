@@ -14,8 +14,7 @@ using namespace seedforest::detail;
 
 namespace {
 
-// Averages over the pixels of each region; indexOf(label) tells a region's place in a table of
-// `size`.
+// Averages over the pixels of each region; indexOf(label) is a region's index in a table of `size`.
 template <class IndexOf>
 class RegionAverages {
 public:
@@ -25,8 +24,8 @@ public:
     forEachPixel([this](int, std::size_t i) { ++count_[i]; });
   }
 
-  // The averages of a band, at the regions' places, 0 where there are no pixels; until the next
-  // call.
+  // The averages of a band, by the regions' indices, 0 where there are no pixels; valid until the
+  // next call.
   const std::int64_t *of(const int *band) {
     std::fill_n(sum_.get(), size_, 0);
     forEachPixel([this, band](int p, std::size_t i) { sum_[i] += band[p]; });
@@ -35,7 +34,7 @@ public:
     return sum_.get();
   }
 
-  // Calls look(pixel, place of its region) for every pixel.
+  // Calls look(pixel, index of its region) for every pixel.
   template <class Look>
   void forEachPixel(Look look) const {
     for (int p = 0; p < labels_->npixels; ++p)
@@ -67,7 +66,7 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
     fatal("ifAverageColor: labels outside 0 .. %d\n", labels->maxValue);
   const LabelIndex index(labels);
   RegionAverages averages(labels, index.size(), [&index](int label) { return index(label); });
-  for (int b = image->nbands - 1; b >= 0; --b) { // band 0 last: it may be the labels'
+  for (int b = image->nbands - 1; b >= 0; --b) { // band 0 last: it may hold the labels
     const std::int64_t *average = averages.of(image->band[b]);
     averages.forEachPixel([out = output->band[b], average](int p, std::size_t i) {
       out[p] = static_cast<int>(average[i]);

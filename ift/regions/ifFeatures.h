@@ -2,13 +2,13 @@
 // features brought to the common range 0 .. 1000. Averages are sums in 64 bits, divided as integers
 // (truncating toward zero).
 //
-// What is returned is new, and the caller's to release. An image of no bands, or a graph without
-// data, has no features: the results are as empty.
+// Results are new, and the caller releases them. An image without bands, or a graph without data,
+// has no features: results then have no bands or data either.
 //
 // Ends with an error, in every operation: no image or no graph, images of different size, labels
 // out of range, edges that lead to no vertex, vertices without the data that dataSize promises,
-// memory that cannot be had (an error is a line on standard error and status 1, or an exception:
-// base/error.h).
+// memory that cannot be allocated (an error is a line on standard error and status 1, or an
+// exception: base/error.h).
 #pragma once
 
 #include "graph/graph.h"
@@ -17,7 +17,7 @@
 /// Paints every pixel in the average of its region, band by band.
 ///   output  of the image's size, with at least its bands
 ///   labels  band 0 holds the regions, 0 .. maxValue
-/// Any of the three may be the same image: the labels are painted over last.
+/// Any of the three may be the same image: band 0, which may hold the labels, is written last.
 void ifAverageColor(const imImage *image, imImage *output, const imImage *labels);
 
 /// A new image of type features, maxValue 1000: in each band (v - min) * 1000 / (max - min), with
@@ -29,8 +29,8 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
 /// over the pixels that have its label; 0 where there are none.
 [[nodiscard]] ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image);
 
-/// A new image of the type given, of the size of the graph's label image, with a band for each
-/// integer on a vertex: that of the vertex that the pixel's label names. maxValue 0.
+/// A new image of the type given, of the size of the graph's label image, maxValue 0: band b holds
+/// integer b of the vertex that the pixel's label names.
 [[nodiscard]] imImage *ifAverageColorsGraphToImage(ifGraph *graph, char type);
 
 /// A copy of the graph with its data rescaled, each integer over all vertices, as by

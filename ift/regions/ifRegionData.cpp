@@ -33,7 +33,7 @@ void requireDataSize(const char *operation, const ufUnionFind *uf, int size) {
   requireDataSize(operation, uf->dataSize, size);
 }
 
-// An area of 1 for each pixel and, behind it, the pixel's value in as many bands as there is room.
+// Sets the data of each pixel: an area of 1, then its values in the first size - 1 bands.
 void initData(const char *operation, ufUnionFind *uf, const imImage *image, int size) {
   requireDataSize(operation, uf, size);
   requireBands(operation, image, size - 1);
@@ -58,7 +58,7 @@ const int *dataOf(ufUnionFind *uf, int p) {
   return uf->elems[ufFindSet(uf, p)].data;
 }
 
-// The smaller of what `measure` says of the data of two regions.
+// The smaller of measure(data) for the regions of p and of q.
 template <class Measure>
 int smallerOf(ufUnionFind *uf, int p, int q, Measure measure) {
   return saturate(std::min<std::int64_t>(measure(dataOf(uf, p)), measure(dataOf(uf, q))));

@@ -30,10 +30,9 @@ const int *featuresOf(const char *operation, const ifGraph *graph, int v) {
   return graph->vertices[v].data;
 }
 
-// Marks the pixels of row y where two labels may meet for the first time: those with a forward
-// neighbour of another label, unless one of the two labels meets the other in this pixel's earlier
-// neighbours already, or around the pixel on the left or those above. Inside a border between two
-// regions that is so nearly everywhere. It takes no branch.
+// Marks the pixels of a row where two labels may meet for the first time: those with a forward
+// neighbour of another label, unless the neighbours compared here show that the walk has seen the
+// two labels meet before, as nearly everywhere along a border. Without a branch.
 SEEDFOREST_MULTIVERSION void markMeetings(const RowWindow &window, int ncols, int *mark) {
   forEachColumn(ncols, [=](int left, int x, int right) {
     const auto differ = [](int a, int b) { return static_cast<int>(a != b); };
@@ -57,7 +56,7 @@ SEEDFOREST_MULTIVERSION void markMeetings(const RowWindow &window, int ncols, in
   });
 }
 
-// Marks on the pixels of a row, few of them as a rule: blocks without one are skipped.
+// Marks on the pixels of a row. Most pixels have none, and blocks without a mark are skipped.
 class Marks {
 public:
   explicit Marks(int ncols)
@@ -134,8 +133,8 @@ ifGraph *ifMosaicToGraph(const imImage *labels) {
   Marks marks(labels->ncols);
   for (int y = 0; y < labels->nrows; ++y) {
     markMeetings(RowWindow(labels, 0, y), labels->ncols, marks.data());
-    // At the upper and the left edge the window repeats pixels in place of neighbours that do not
-    // exist, which would pass for earlier meetings: there every pixel is looked at.
+    // At the upper and the left edge the window repeats pixels in place of neighbours outside the
+    // image, which could be taken for earlier meetings: there every pixel is marked.
     std::fill_n(marks.data(), y == 0 ? labels->ncols : 1, 1);
     marks.forEach([&](int x) { meet(x, y); });
   }

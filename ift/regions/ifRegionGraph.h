@@ -5,9 +5,9 @@
 // The graphs returned belong to the caller, who releases them with destroyGraph().
 //
 // Ends with an error, in every operation: no graph, no label image or too little data where these
-// are read, labels or edges that lead outside the graph's vertices, or what createGraph() says
-// where a graph cannot be made (an error is a line on standard error and status 1, or an exception:
-// base/error.h).
+// are read, labels or edges that lead outside the graph's vertices, a graph that cannot be
+// allocated, with the line of createGraph() (an error is a line on standard error and status 1, or
+// an exception: base/error.h).
 #pragma once
 
 #include "graph/graph.h"
@@ -31,9 +31,10 @@ int ifGraphWatershedDistance(const ifGraph *graph, int u, int v);
 /// met with imNeighborhood8forward.
 [[nodiscard]] ifGraph *ifMosaicToGraph(const imImage *labels);
 
-/// The morphological gradient: a copy of the graph by copyBaseGraph(), whose one integer on each
-/// vertex is how far a feature varies over the region and its neighbours at most, the largest value
-/// less the smallest; saturating. Vertex 0 has 0, as has a vertex without features.
+/// The morphological gradient: a copy of the graph by copyBaseGraph() with one integer on each
+/// vertex. A feature's gradient is its largest value minus its smallest over the vertex and its
+/// neighbours; the integer is the largest gradient of all features, saturating. It is 0 for vertex
+/// 0 and without features.
 [[nodiscard]] ifGraph *ifMorphoGradGraph(ifGraph *graph);
 
 /// The graph of merged regions: the first integer on each vertex is the number of the region that

@@ -61,7 +61,7 @@ struct GraphArcs {
   int weight(int u, int v, int) const { return weigh(graph, u, v); }
 };
 
-// The spanning tree of a graph, a graph itself, whose vertices hold what they gain.
+// The spanning tree of a graph: a graph whose vertices hold their TreeData.
 struct GraphTreeTransform {
   static constexpr int nbuckets = 1001;
 
@@ -75,7 +75,7 @@ struct GraphTreeTransform {
     data[treePredecessor] = predecessor;
   }
 
-  // The edge by which a vertex is taken cannot be there before.
+  // No search for duplicates: a vertex has no edge in the tree before it is settled.
   void settle(int v) {
     const int predecessor = vertices[v].data[treePredecessor];
     if (predecessor == v)
@@ -242,7 +242,7 @@ ifGraph *ifThresholdMST_nRegions(ifGraph *tree, int n) {
   PairSet cuts;
   for (std::size_t i = 0; i < nCuts; ++i)
     cuts.insert(edges[i].smaller, edges[i].larger);
-  // Lists are walked from the oldest edge to the youngest here: the walk follows a copy.
+  // A copy has its lists reversed, so this walk goes from the oldest edge to the youngest.
   const ifGraphPtr copy = requireMade(tryMakeGraph("createGraph", tree->nVertices, 0).release());
   copyEdges(operation, tree, copy.get());
   DisjointSets sets(tree->nVertices);

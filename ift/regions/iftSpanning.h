@@ -1,15 +1,15 @@
-// Minimum spanning trees of pixels and of regions, and the coarser partitions that cutting them
-// gives. For graphs, the rules of ift/regions/ifRegionGraph.h hold.
+// Minimum spanning trees of pixels and of regions, and the partitions that result from cutting
+// them. Region numbers, ownership and errors of graphs are as in ift/regions/ifRegionGraph.h.
 //
 // Trees are grown by Prim's algorithm ("Shortest connection networks and some generalizations",
-// 1957) on a bucket queue: the pixel or vertex that the lightest edge reaches comes next; of equal
-// ones the one that has waited longest. Its neighbours are offered the edges to them, in their
-// order, and take a strictly lighter one. The bucket of a weight is its remainder, folded into
+// 1957) on a bucket queue: the pixel or vertex with the lightest edge to the tree comes next, and
+// of equal ones the one that has waited longest. Its edges are offered to its neighbours, in their
+// order, and replace strictly heavier ones. The bucket of a weight is its remainder, folded into
 // range, so weights beyond the buckets are served in remainder order.
 //
 // Cuts join sets edge by edge with a union-find by rank, from vertex 1 upward, each list from its
-// head; the representative of a set, and with it the order of numbers, follows from this order.
-// Forests are welcome: each tree that is not cut is a part of its own.
+// head; the representative of a set, and with it the order of numbers, follows from this order. A
+// forest of several trees can be cut too: a tree without a cut edge is one part.
 #pragma once
 
 #include "ift/core/ifCost.h"
@@ -23,17 +23,17 @@
 ///              tree does not reach), and the predecessor (else the pixel itself)
 ///   adjacency  called once
 ///   arcWeight  expected in 0 .. 1000: there are 50000 buckets
-/// Ends with an error: images of different size, too few bands, memory that cannot be had ("Could
-/// not allocate queue (Q) in initQueue\n", "(A)").
+/// Ends with an error: images of different size, too few bands, memory that cannot be allocated
+/// ("Could not allocate queue (Q) in initQueue\n", "(A)").
 void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight);
 
-/// The same on an arc-weight image (ifWeightImage.h), which brings its adjacency along; a negative
-/// weight is no arc.
+/// The same on an arc-weight image (ifWeightImage.h), which holds its adjacency; a negative weight
+/// means no arc.
 void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights);
 
-/// The minimum spanning tree of a graph's vertices from vertex 1, as far as they are connected with
-/// it; vertex 0 is like any other.
+/// The minimum spanning tree of the vertices that are connected with vertex 1; vertex 0 is like any
+/// other.
 ///   graph   at least one integer on each vertex
 ///   weight  of an edge, expected in 0 .. 1000: there are 1001 buckets
 ///   result  the vertices and the label image of the graph, with three integers on each vertex: the
@@ -59,8 +59,8 @@ void ifMstThreshold(const imImage *forest, imImage *output, double fraction);
 ///             and the third the predecessor, the vertex itself at a root; a label image
 ///   result    the vertices of the tree, without data, and the edges that stay; its label image
 ///             holds the parts, renumbered by ifCorrectLabels(), label 0 included
-/// Prints "threshold is %d\n" on standard output. Ends with an error, before that: a predecessor of
-/// an edge that stays which is no vertex.
+/// Prints "threshold is %d\n" on standard output.
+/// Ends with an error, before that: a predecessor of an edge that stays which is no vertex.
 [[nodiscard]] ifGraph *ifThresholdGraph(ifGraph *tree, double fraction);
 
 /// Cuts a tree of regions at the weights above the threshold.

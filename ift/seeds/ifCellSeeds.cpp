@@ -27,7 +27,8 @@ ifRootsPtr findMarkers(const imImage *image, int steps) {
   return ifRootsPtr(ifRegionalMaximaAsRoots(filtered.get()));
 }
 
-// The forest of the watershed of the image's negative; the markers' values become their costs.
+// The forest of the watershed of the image's negative. Sets the markers' values to those of the
+// negative at their pixels: their starting costs.
 imImagePtr floodNegative(imImage *image, ifRoots *markers) {
   const imImagePtr negative = requireMade(imNegative(image, imTypeAscii));
   for (int i = 0; i < markers->n; ++i)
@@ -40,7 +41,7 @@ imImagePtr floodNegative(imImage *image, ifRoots *markers) {
   return forest;
 }
 
-// Where a basin meets one of greater label, the line; elsewhere the markers.
+// The line class where a basin meets one of a greater label; elsewhere the marker class on markers.
 imImagePtr classify(const imImage *basins, const ifRoots *markers) {
   imImagePtr classes = createLike(basins, 1, imTypeAscii);
   for (int i = 0; i < markers->n; ++i)

@@ -90,7 +90,7 @@ imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots) {
 
 namespace {
 
-// A curve's rows, and the pixel from which it is numbered.
+// A curve's first and last row, and the pixel from which it is numbered.
 struct Curve {
   int first;
   int last;
@@ -111,7 +111,7 @@ void forEachCurvePixel(const imImage *labels, Curve *curves, Visit visit) {
         visit(curves[label - 1], p, y);
 }
 
-// The 8-connected curves of a border image. All are found in two passes, however many share a row.
+// The 8-connected curves of a border image, found in two passes over the pixels for all of them.
 Array<Curve> findCurves(const imImage *border, int &count) {
   const imImagePtr labels = createLike(border, 1, imTypeAscii);
   ifLabelImage(border, labels.get());

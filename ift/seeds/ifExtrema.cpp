@@ -31,18 +31,18 @@ ifRootsPtr rootsOfComponents(const imImage *mask, const imImage *values) {
   return roots;
 }
 
-// Whether the flood of plateaus finds what the reconstruction does.
+// Whether floodPlateaus() gives the same result as the reconstruction.
 bool staysInScale(const imImage *image, Extremum kind) {
   const int top = kind == Extremum::largest ? maxInt : maxInt - 1;
   return allWithin(image->band[0], image->npixels, 0, image->type == imTypeGrey ? 255 : top);
 }
 
-// Extrema as plateaus without a neighbour that beats them, for values >= 0. A pixel without a
-// better neighbour is an extremum unless its plateau goes on to a pixel that has one; then the
-// whole plateau is none.
+// Extrema as plateaus without a better neighbour, for values >= 0. Pixels without a better
+// neighbour are candidates; where a plateau has a pixel with a better neighbour, the whole plateau
+// is rejected.
 template <class Beats>
 imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
-  constexpr int extremum = -1; // for the time being; what is none holds its value
+  constexpr int extremum = -1; // or a candidate; the state of other pixels is their value
   imImagePtr result = createLike(image, 1, imTypeAscii);
   const int *value = image->band[0];
   int *state = result->band[0];
@@ -85,7 +85,8 @@ imImagePtr floodPlateaus(const imImage *image, int end, Beats beats) {
   return result;
 }
 
-// The extrema of values inside the scale. At its end, from which no shift leads on, there are none.
+// The extrema of values inside the scale. There are none at its end, where values cannot be
+// shifted.
 imImagePtr extremaInScale(const imImage *image, Extremum kind) {
   if (kind == Extremum::largest)
     return floodPlateaus(image, 0, std::greater<int>());
@@ -115,7 +116,7 @@ imImagePtr regionalExtrema(const char *operation, const imImage *image,
   requireBands(operation, image, 1);
   if (!staysInScale(image, direction.best))
     return extremaByReconstruction(operation, image, direction);
-  announceLabelling(); // the marks have no labels here, but progress is told alike for all images
+  announceLabelling(); // nothing is labelled, but the progress line is the same for all images
   return extremaInScale(image, direction.best);
 }
 

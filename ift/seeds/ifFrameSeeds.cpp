@@ -37,7 +37,8 @@ ifRoots *ifLabelsToRoots(const imImage *image) {
   const auto isSeed = [](int value) { return value > 0; };
   ifRootsPtr roots =
       createRoots(static_cast<int>(std::count_if(label, label + image->npixels, isSeed)));
-  // Every pixel is written down, and stays if it is a seed: no branch for noise to mispredict.
+  // Every pixel is stored, and only a seed advances k: no branch, which noise would make
+  // unpredictable.
   for (int p = 0, k = 0; k < roots->n; ++p) {
     roots->pixel[k] = p;
     roots->label[k] = label[p];

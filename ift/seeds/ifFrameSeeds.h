@@ -1,8 +1,8 @@
 // Two plain ways of making roots: the pixels of the image's frame, and the labelled pixels of a
 // label image. Each returns a new record, values 0, which the caller owns.
 //
-// Ends with an error, in both: no image, labels without band 0, memory that cannot be had (an error
-// is a line on standard error and status 1, or an exception: base/error.h).
+// Ends with an error, in both: no image, labels without band 0, memory that cannot be allocated (an
+// error is a line on standard error and status 1, or an exception: base/error.h).
 #pragma once
 
 #include "ift/core/ifRoots.h"

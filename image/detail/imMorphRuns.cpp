@@ -17,15 +17,15 @@ namespace {
 
 constexpr int batch = 4; // rows that come in together
 
-// Rows start at multiples of so many elements, and the work on them ends there: past their end,
-// where what it finds has no meaning and is not used.
+// Rows are aligned and padded to multiples of this number of elements. Loops run to the padded end;
+// what they compute behind a row's own end is not used.
 constexpr std::ptrdiff_t lane = 64;
 
 constexpr std::ptrdiff_t roundUp(std::ptrdiff_t n) {
   return (n + lane - 1) / lane * lane;
 }
 
-// The two extrema: the better of two elements, and the start, which no element falls behind.
+// The two extrema: the better of two elements, and the value at which a search starts.
 struct Largest {
   template <class T>
   static constexpr T start = sizeof(T) < sizeof(int) ? std::numeric_limits<T>::lowest()
@@ -46,7 +46,7 @@ struct Smallest {
   }
 };
 
-// Half-widths of a disc's runs by |dy|, from 0 on, as far as rows that many apart can be.
+// Half-widths of a disc's runs by |dy| = 0, 1, ..., for as many dy as the image's height allows.
 Vector<int> runsOf(int s, int nrows) {
   Vector<int> width(std::min(std::size_t{1} + truncatedSqrt(s), std::size_t{0} + nrows));
   for (int dy = 0; dy < static_cast<int>(width.size()); ++dy)
@@ -54,9 +54,10 @@ Vector<int> runsOf(int s, int nrows) {
   return width;
 }
 
-// The runs of what two discs reach one after the other. Within an image, too, where the first must
-// not leave it: each displacement can be split so that neither part goes beyond it in any
-// direction, since a disc holds with (dx, dy) all that is nearer in dx or in dy.
+// The runs of the Minkowski sum of two discs: what a step by one and then by the other can reach.
+// This holds at the image's border too, where the first step must stay inside: each displacement
+// can be split into two of its signs that are no longer in x or in y, since a disc that holds (dx,
+// dy) holds all displacements with smaller |dx| or |dy|.
 Vector<int> sumOf(const Vector<int> &a, const Vector<int> &b) {
   const int reachA = static_cast<int>(a.size()) - 1;
   const int reachB = static_cast<int>(b.size()) - 1;
@@ -67,9 +68,9 @@ Vector<int> sumOf(const Vector<int> &a, const Vector<int> &b) {
   return sum;
 }
 
-// A structuring element as a stack of runs, clipped to displacements that the image has. Level 0
-// is the row as it comes, of half-width 0; from one level three reads reach at most 3h + 1 in the
-// next, so some levels are only steps on the way to a wider one.
+// A structuring element as a stack of runs, clipped to the image's size. A level is a row's running
+// extremum of one half-width; level 0 is the row itself. Three reads of a level of half-width h
+// give a half-width of at most 3h + 1, so some levels exist only as steps to a wider one.
 struct Disc {
   int reach;                   // dy goes from -reach to reach
   Vector<int> halfWidth = {0}; // by level, ascending
@@ -107,15 +108,15 @@ private:
   T *first_;
 };
 
-// What a stage has in memory.
+// The rows that a stage holds in memory.
 template <class T>
 struct Window {
   Disc disc;
   std::ptrdiff_t ncols;
   int nrows;
   int ringSize;
-  Rows<T> levels; // of the rows that came in last: level j of row i of them is at j * batch + i
-  Rows<T> ring;   // rows on their way out, row y at y mod ringSize
+  Rows<T> levels; // of the last batch of input rows: level j of its row i is at j * batch + i
+  Rows<T> ring;   // output rows in the making, row y at y mod ringSize
 
   Window(const Vector<int> &runs, int columns, int rows, T start)
       : disc(runs, columns, rows), ncols(columns), nrows(rows), ringSize(2 * disc.reach + batch),
@@ -128,7 +129,7 @@ struct Window {
 };
 
 // The running extrema of half-width h + d from those of half-width h; d is at most 2h + 1. They are
-// needed beyond the image too, as far as wider runs that reach into it will read them.
+// computed for `beyond` columns outside the image too, which wider runs will read.
 template <class Best, class T>
 SEEDFOREST_INLINE inline void widen(const T *from, std::ptrdiff_t h, std::ptrdiff_t d,
                                     std::ptrdiff_t beyond, std::ptrdiff_t ncols, T *to) {
@@ -146,7 +147,7 @@ SEEDFOREST_INLINE inline void widen(const T *from, std::ptrdiff_t h, std::ptrdif
       at[x] = Best::of(Best::of(left[x], right[x]), middle[x]);
 }
 
-// The extremum of n rows, and of `to` itself unless it is new. The numbers k are 0 .. n - 1: each
+// The extremum of the rows row[k], and of `to` itself unless it is new, in each of n columns. Each
 // count of rows has a loop of its own, with the rows' addresses in registers.
 template <class Best, class T, std::size_t... k>
 SEEDFOREST_INLINE inline void joinAll(const T *const *row, std::index_sequence<k...>,
@@ -164,7 +165,7 @@ SEEDFOREST_INLINE inline void joinAll(const T *const *row, std::index_sequence<k
     loop(to, row[k]...);
 }
 
-// The same for a count of rows that only the run knows: the one of `counts` + 1 that is `rows`.
+// The same for a count of rows known only at run time: calls the joinAll() of that count.
 template <class Best, class T, std::size_t... counts>
 SEEDFOREST_INLINE inline void join(const T *const *row, std::size_t rows,
                                    std::index_sequence<counts...>, std::ptrdiff_t n, bool isNew,
@@ -174,7 +175,7 @@ SEEDFOREST_INLINE inline void join(const T *const *row, std::size_t rows,
    ...);
 }
 
-// Works rows y0 .. y1 - 1, which are there at level 0, into the rows on their way out.
+// Adds the input rows y0 .. y1 - 1, stored at level 0, to the output rows that they belong to.
 template <class Best, class T>
 SEEDFOREST_INLINE inline void takeInAs(const Window<T> &window, int y0, int y1) {
   const Disc &disc = window.disc;
@@ -233,7 +234,7 @@ private:
     for (int i = 0; i < n; ++i) {
       T *row = window_.level(0, i);
       from_.next(row);
-      if (sizeof(T) == sizeof(int)) // only then are there values beyond the start
+      if (sizeof(T) == sizeof(int)) // narrower elements are never beyond the start
         std::transform(row, row + window_.ncols, row,
                        [](T v) { return Best::of(v, Best::template start<T>); });
     }
@@ -243,8 +244,8 @@ private:
 
   Window<T> window_;
   RowSource<T> &from_;
-  int in_ = 0;  // rows that have come in
-  int out_ = 0; // and gone out
+  int in_ = 0;  // input rows read
+  int out_ = 0; // output rows returned
 };
 
 template <class T>

@@ -46,8 +46,7 @@ public:
         p, n, [list](int i) { return list[i]; }, visit);
   }
 
-  /// Asks for the memory of a pixel's row and of those above and below, around the pixel, in a band
-  /// that will soon be read.
+  /// Prefetches the values of a band at pixel p and at the pixels above and below it.
   template <class T>
   SEEDFOREST_INLINE void prefetch(const T *band, int p) const {
     prefetchAt(band + p);
@@ -92,7 +91,7 @@ private:
   int n_;
   int ncols_;
   int nrows_;
-  int lastRow_;  // its first pixel
+  int lastRow_;  // the first pixel of the last row
   int left_ = 0; // how far the relation reaches to each side
   int right_ = 0;
   int up_ = 0;
@@ -101,9 +100,9 @@ private:
   Array<int> offset_;
 };
 
-/// The neighbours of a pixel that its predecessor on a path does not share. Where a longer path is
-/// never better, the shared ones have had an offer as good already, and with the 8-adjacency three
-/// or five of eight are left.
+/// The neighbours of a pixel that are not neighbours of its predecessor on a path too. Where a
+/// longer path is never better, the predecessor has already offered the shared ones a path that is
+/// at least as good; with the 8-adjacency three or five of eight neighbours are left.
 class UnsharedNeighborWalk {
 public:
   explicit UnsharedNeighborWalk(const NeighborWalk &neighbors);
@@ -111,7 +110,8 @@ public:
   static constexpr int start = -1;
 
   /// Calls visit(q, k) for the neighbours q of p, by displacement k, that its predecessor does not
-  /// share, when p was reached by displacement `arrival`; for all neighbours at the start of a path.
+  /// share, when p was reached by displacement `arrival`; for all neighbours at the start of a
+  /// path.
   template <class Visit>
   void each(int p, int arrival, Visit visit) const {
     const int i = isSmall_ ? arrival + 1 : 0;
@@ -120,9 +120,9 @@ public:
 
 private:
   const NeighborWalk &neighbors_;
-  bool isSmall_;     // few enough displacements for lists for all pairs of them
-  Array<int> list_;  // displacements: all, then for each arrival
-  Array<int> begin_; // where those of arrival k begin, at k + 1
+  bool isSmall_;     // few enough displacements for a list for each arrival
+  Array<int> list_;  // all displacements, then the unshared ones for each arrival
+  Array<int> begin_; // entry k + 1: where the list of arrival k begins
 };
 
 } // namespace seedforest::detail

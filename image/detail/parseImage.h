@@ -1,4 +1,4 @@
-// The image reader, on text from anywhere.
+// The image reader, for text from any source.
 #pragma once
 
 #include "base/scan.h"
@@ -6,8 +6,8 @@
 
 namespace seedforest::detail {
 
-/// The image that a file's text holds, read no further than to its last pixel; errors as
-/// imReadImage(), where `path` only names the file.
+/// The image in a file's text, which is read no further than to the last pixel. Ends with an error
+/// as imReadImage() does; `path` only names the file.
 imImagePtr parseImage(Text &text, const char *path);
 
 } // namespace seedforest::detail

@@ -1,8 +1,9 @@
 // Windows of 3 x 3 pixels, a row at a time, for code that looks at all neighbours of all pixels.
 //
-// A place outside the image is replaced by the nearest inside. That is another neighbour or the
-// pixel itself, so it does no harm where neighbours are compared with their pixel; all rows are
-// alike then, and the inner columns make a loop that compilers turn into vector code.
+// A position outside the image is replaced by the nearest pixel inside, which is another neighbour
+// or the pixel itself. So a test for any neighbour that differs from the pixel gives the same
+// answer, all rows are treated alike, and the inner columns are a loop that compilers turn into
+// vector code.
 #pragma once
 
 #include "base/inline.h"
@@ -23,7 +24,7 @@ struct RowWindow {
         below(image->band[b] + image->row[std::min(y + 1, image->nrows - 1)]) {}
 
   /// 1 if test(value of q) holds for some neighbour q of the pixel in column x, between the columns
-  /// left and right; else 0. Every neighbour is looked at, which takes no branch.
+  /// left and right; else 0. Tests all neighbours, without a branch.
   template <class Test>
   int any(int left, int x, int right, Test test) const {
     const auto holds = [&test](int value) { return test(value) ? 1 : 0; };
@@ -32,8 +33,8 @@ struct RowWindow {
   }
 };
 
-/// Calls look(left, x, right) for each column and the columns beside it. Inlined by force, into
-/// functions that are compiled for several machines too.
+/// Calls look(left, x, right) for each column x and the columns beside it. Inlined by force, so
+/// that it is compiled with the vector instructions of its caller.
 template <class Look>
 SEEDFOREST_INLINE inline void forEachColumn(int ncols, Look look) {
   const int last = ncols - 1;

@@ -6,9 +6,9 @@
 
 namespace seedforest::detail {
 
-/// As long as one lives, its function calls a callable, in its thread: it finds the callable through
-/// a pointer that each thread has for each type of callable. The callable takes the function's
-/// arguments, or those behind the first. They nest.
+/// While an object lives, call() calls the callable in this thread, through a thread-local pointer
+/// that exists for each type of callable. The callable takes all of the function's arguments, or
+/// all but the first. Objects may nest.
 template <class Callable, class Function>
 class Through;
 
@@ -32,8 +32,8 @@ private:
   Callable *outer_;
 };
 
-/// use(a function that calls the callable), or the callable itself where it is a function or can
-/// become one.
+/// Calls use(function): the callable itself where it converts to a function pointer, else a
+/// function that calls it.
 template <class Function, class Callable, class Use>
 decltype(auto) withFunction(Callable &callable, Use use) {
   if constexpr (std::is_convertible_v<Callable &, Function>) {

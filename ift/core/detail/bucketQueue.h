@@ -1,12 +1,12 @@
 // The bucket queue of the loop: Dial's queue (R. B. Dial, Algorithm 360, 1969) with lazy deletion.
 //
-// Buckets stand in a circle, each a first-in first-out list of entries. An element that is to move
-// is simply appended anew, and its old entry left to be skipped when it surfaces: nothing is linked
-// through per-element arrays, so memory is read and written in order. Where skipped entries would
-// come to outnumber the elements, they are dropped.
+// Buckets form a circle, each a first-in first-out list of entries. An element that moves is
+// appended again, and its old entry is skipped when it is taken: there are no links in per-element
+// arrays, so memory is read and written in order. When outdated entries could outnumber the
+// elements by far, they are dropped.
 //
-// Entries live in chunks of one growing pool; a drained chunk is used again. The table of buckets
-// is dense, or an ordered map when there are many more buckets than elements.
+// Entries are stored in chunks of one growing pool; an emptied chunk is used again. The table of
+// buckets is an array, or an ordered map when there are many more buckets than elements.
 #pragma once
 
 #include "base/buffer.h"
@@ -21,8 +21,8 @@
 
 namespace seedforest::detail {
 
-/// The bucket of a key (a cost, or what the largest cost exceeds it by) in a circle of n: the
-/// remainder of division, folded into 0 .. n - 1.
+/// The bucket of a key (a cost, or the largest cost minus it) in a circle of n: the remainder of
+/// the key divided by n, folded into 0 .. n - 1.
 inline int circularBucket(std::int64_t key, std::int64_t n) {
   if (key >= 0 && key < n)
     return static_cast<int>(key);
@@ -30,11 +30,11 @@ inline int circularBucket(std::int64_t key, std::int64_t n) {
   return static_cast<int>(remainder < 0 ? remainder + n : remainder);
 }
 
-/// An Entry has the element that waits in `pixel`.
+/// Entry::pixel is the element that waits.
 template <class Entry>
 class BucketQueue {
 public:
-  /// Ends with the error of initQueue() when the buckets cannot be had.
+  /// Ends with an error, with the line of initQueue(), when the buckets cannot be allocated.
   BucketQueue(std::int64_t nbuckets, int nelems)
       : nbuckets_(nbuckets), nelems_(nelems), dense_(nbuckets <= std::int64_t{4} * nelems + 65536),
         chunkShift_(std::clamp<int>(std::bit_width(static_cast<std::uint64_t>(nelems / nbuckets)),
@@ -51,10 +51,10 @@ public:
       queueUnavailable('Q');
   }
 
-  /// Elements that may wait, whatever number of entries they have.
+  /// The number of elements; the number of their entries can be larger.
   int nelems() const { return nelems_; }
 
-  /// The bucket from which take() took last, and where its search goes on.
+  /// The bucket from which take() took last, where its next search starts.
   int current() const { return current_; }
 
   /// Appends an entry at the tail of bucket b, which is 0 .. nbuckets - 1.
@@ -86,19 +86,19 @@ public:
     return true;
   }
 
-  /// The pixel of an entry that will be taken soon, where that is cheap to tell; else none.
+  /// The pixel of an entry that will be taken soon, if it is in the same chunk; else none.
   int upcoming() const { return upcoming_; }
   static constexpr int none = -1;
 
   /// Whether outdated entries may outnumber the elements by far.
   bool isCrowded() const { return usedChunks_ > grantedChunks_; }
 
-  /// Drops every entry of which isCurrent(entry, bucket) does not hold. The others keep their order.
+  /// Drops every entry for which isCurrent(entry, bucket) is false. The others keep their order.
   template <class IsCurrent>
   void dropOutdated(IsCurrent isCurrent) {
     if (!dense_) {
       for (auto next = sparse_.begin(); next != sparse_.end();) {
-        auto &[b, bucket] = *next++; // it may go away
+        auto &[b, bucket] = *next++; // before the bucket may be erased
         dropOutdatedOf(bucket, b, isCurrent);
       }
       return;
@@ -111,12 +111,12 @@ public:
   }
 
 protected:
-  /// Moves the search back to bucket b, where that lies before the current one.
+  /// Moves the search back to bucket b if that is before the current one.
   void pullBack(int b) { current_ = std::min(current_, b); }
 
 private:
-  // Positions of the first and the last entry in the pool. No bucket has chunk 0, so that a table
-  // of zeros is one of empty buckets.
+  // Positions of the first and the last entry in the pool. Chunk 0 is not used, so that a zeroed
+  // table is a table of empty buckets.
   struct Bucket {
     std::int64_t head;
     std::int64_t last;
@@ -124,14 +124,14 @@ private:
   static constexpr std::int64_t empty = 0;
   static constexpr std::int64_t noChunk = 0;
   static constexpr std::int64_t wordBits = 64;
-  // A chunk has room for what a bucket might hold: large ones are read fast, small ones waste
-  // little where each of many buckets has an entry or two.
+  // Chunks are about as large as the average bucket: large chunks are read fast, small ones waste
+  // little memory where many buckets hold an entry or two.
   static constexpr int smallestChunkShift = 2;
   static constexpr int largestChunkShift = 8;
-  // So many entries ahead, memory asked for now will have arrived.
+  // How many entries ahead to prefetch, so that the memory arrives in time.
   static constexpr int lookahead = 16;
-  // Room for so many entries an element is granted without a look at what is outdated. The current
-  // ones, one an element, fill at most five: in each bucket a chunk may be as good as empty.
+  // The pool may grow to this many entries per element before outdated ones are dropped. The
+  // current entries, one per element, need room for at most five: chunks are partly empty.
   static constexpr std::int64_t roomPerElement = 8;
 
   std::int64_t nwords() const { return (nbuckets_ + wordBits - 1) / wordBits; }
@@ -139,7 +139,7 @@ private:
   std::int64_t firstOf(std::int64_t chunk) const { return chunk << chunkShift_; }
   bool endsChunk(std::int64_t position) const { return (position & chunkMask_) == chunkMask_; }
 
-  // The position behind another one of the same bucket.
+  // The position after another one in the same bucket.
   std::int64_t follower(std::int64_t position) const {
     return endsChunk(position) ? firstOf(next_[chunkOf(position)]) : position + 1;
   }
@@ -161,7 +161,7 @@ private:
     }
   }
 
-  // Puts an unused chunk at the tail of bucket b; returns the position of its first entry.
+  // Appends an unused chunk to bucket b; returns the position of its first entry.
   std::int64_t startChunk(Bucket &bucket, int b) {
     if (freeChunk_ == noChunk)
       growPool();
@@ -178,7 +178,7 @@ private:
     return firstOf(chunk);
   }
 
-  // Gives back the chunk around a position; returns the chunk that followed it in its bucket.
+  // Frees the chunk that holds a position; returns the chunk that followed it in its bucket.
   std::int64_t releaseChunk(std::int64_t position) {
     const std::int64_t chunk = chunkOf(position);
     const std::int64_t behind = next_[chunk];
@@ -188,7 +188,7 @@ private:
     return behind;
   }
 
-  // Empties bucket b, of which one chunk is left.
+  // Empties bucket b, which has one chunk left.
   void drain(Bucket &bucket, int b) {
     releaseChunk(bucket.last);
     bucket.last = empty;
@@ -198,7 +198,7 @@ private:
       sparse_.erase(b);
   }
 
-  // Moves the current entries of bucket b to its head and gives back the chunks behind them.
+  // Moves the current entries of bucket b to its head and frees the chunks behind them.
   template <class IsCurrent>
   void dropOutdatedOf(Bucket &bucket, int b, IsCurrent isCurrent) {
     std::int64_t kept = empty; // the position of the last one
@@ -265,7 +265,7 @@ private:
   int nelems_;
   bool dense_;
   int chunkShift_;
-  std::int64_t chunkMask_; // the place of a position in its chunk
+  std::int64_t chunkMask_; // selects the bits of a position that are its index in the chunk
   std::int64_t grantedChunks_;
   std::int64_t usedChunks_ = 0;
   int current_ = 0;
@@ -279,8 +279,8 @@ private:
   std::int64_t freeChunk_ = noChunk;
 };
 
-/// A queue for transforms whose keys are no path costs but single weights: what is appended before
-/// the current bucket is served next.
+/// A queue for transforms whose keys are single weights, not path costs, and can decrease: an
+/// append before the current bucket moves the search back to it.
 template <class Entry>
 class PulledBackQueue : public BucketQueue<Entry> {
 public:

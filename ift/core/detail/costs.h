@@ -1,4 +1,4 @@
-// Costs and weights, for code that inlines them.
+// Helpers for costs and weights.
 #pragma once
 
 #include "ift/core/ifCost.h"
@@ -11,8 +11,8 @@ namespace seedforest::detail {
 /// over `count` >= 1 features whose squared differences have this sum.
 int rootOfMean(std::uint64_t sum, int count);
 
-/// The bound that an operation passes on for paths through band 0 of an image: the image's
-/// maxValue, or the largest value where a file's pixels exceed that.
+/// The bound of costs for paths through band 0 of an image: the image's maxValue, or the largest
+/// value where pixels exceed it.
 int costBound(const imImage *image);
 
 } // namespace seedforest::detail

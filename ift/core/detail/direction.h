@@ -15,7 +15,7 @@ struct Direction {
   Extremum best;
   int unreached;              ///< the cost of a pixel at which no path arrives
   ifPathCostFn pathCost;      ///< the worst of the starting cost and all values on the way
-  ifPathCostFn localPathCost; ///< the same for paths that meet nothing worse than they start with
+  ifPathCostFn localPathCost; ///< the same, for paths on which no value is worse than their start
 };
 
 /// Maximising, as a reconstruction by dilation; it finds regional maxima.

@@ -15,8 +15,8 @@ namespace seedforest::detail {
 
 namespace {
 
-// What waits: a pixel with its offsets to its root, which nothing else needs to keep. They fit, as
-// their squares fit 31 bits.
+// A waiting pixel with its offsets to its root, which are stored nowhere else. 16 bits are enough,
+// since the sum of the squares fits 31.
 struct EuclideanEntry {
   int pixel;
   int arrival; // the displacement by which it was reached
@@ -26,8 +26,8 @@ struct EuclideanEntry {
   int cost() const { return static_cast<int>(unsigned{x} * x + unsigned{y} * y); }
 };
 
-// A queue that knows how often the search has gone round, and so finds the bucket of a cost of this
-// turn or the next without a division.
+// A queue that keeps track of the turns of its search round the circle, and so finds the bucket of
+// a cost of this turn or the next without a division.
 class TurningQueue : public BucketQueue<EuclideanEntry> {
 public:
   TurningQueue(std::int64_t nbuckets, int nelems)
@@ -55,12 +55,12 @@ private:
   std::uint64_t turn_ = 0; // the multiple of nbuckets_ below the cost of the entry taken last
 };
 
-// A displacement without its signs: those that differ in signs only add the same to the offsets, so
-// what they offer is computed once for all, when a pixel is settled.
+// The absolute values of a displacement. Displacements that differ only in sign add the same to the
+// offsets, so their offer is computed once for all of them when a pixel is settled.
 struct Step {
   unsigned dx;
   unsigned dy;
-  int cost; // what a step from the pixel settled last comes to, and the offsets then
+  int cost; // after the step from the pixel settled last: squared distance and offsets
   std::uint16_t x;
   std::uint16_t y;
 
@@ -124,9 +124,9 @@ public:
                  [&](int q, int k) SEEDFOREST_INLINE { offer(q, k, steps_[stepOf_[k]].cost); });
   }
 
-  // As long as pixels are settled in the order of their costs, none that is can be improved, and
-  // there is no need to ask. The order is lost when a step is longer than the circle of buckets.
-  // Roots are never improved.
+  // While pixels are settled in the order of their costs, a settled pixel cannot be improved, and
+  // comparing costs is enough. The order is lost when a step is longer than the circle of buckets;
+  // from then on pixels that have a predecessor, and are settled, are left out. Roots have cost 0.
   bool improves(int cost, int q) const { return cost < cost_[q] && (isOrdered_ || pred_[q] == q); }
   void conquer(int, int q, int, int cost) { cost_[q] = cost; }
   int bucket(int cost, int) const { return cost; } // the queue knows how often to go round
@@ -152,8 +152,8 @@ private:
   propagate(transform, queue);
 }
 
-// Hands down along the predecessors what the roots have. In memory order, and each pixel once: far
-// cheaper than while the propagation goes all over the image.
+// Copies the roots' values to the pixels that they won, along the predecessors. Raster order, with
+// each pixel filled once, touches far fewer cache lines than filling during the propagation.
 void inherit(const EuclideanProblem &problem) {
   constexpr unsigned wordBits = 64;
   const int npixels = problem.image->npixels;

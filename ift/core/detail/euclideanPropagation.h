@@ -1,4 +1,5 @@
-// The Euclidean propagation, for the operations that run it.
+// Vector propagation of squared Euclidean distances, shared by iftEuclideanDT() and iftSkelNova();
+// see iftEuclidean.h.
 #pragma once
 
 #include "image/detail/neighborWalk.h"
@@ -8,15 +9,14 @@
 
 namespace seedforest::detail {
 
-/// A band that hands down what a root has to the pixels that the root wins; 0 where no path
-/// arrives.
+/// A band that takes, at each pixel, a value of the pixel's root; 0 where no path arrives.
 struct InheritedBand {
   int *band;
   const int *atRoots; ///< the value of each root, in the order of the roots
 };
 
 struct EuclideanProblem {
-  const char *operation; ///< named where a root is outside the image
+  const char *operation; ///< named in the error for a root outside the image
   const imImage *image;
   const NeighborWalk &neighbors;
   std::int64_t nbuckets;
@@ -26,6 +26,9 @@ struct EuclideanProblem {
   int *pred; ///< written: the predecessors
   std::initializer_list<InheritedBand> inherited;
 };
+
+/// Writes the bands of the problem.
+/// Ends with an error: a root outside the image, memory that cannot be allocated.
 void propagateEuclidean(const EuclideanProblem &problem);
 
 } // namespace seedforest::detail

@@ -1,6 +1,6 @@
-// The transforms of iftForest.h and of pixel spanning trees, put together from three things: the
-// arcs of an image and their weights; what a pixel gains and when; and the wrapper that makes an
-// object for the loop of iftPropagate.h of them.
+// The transforms of iftForest.h and of spanning trees, composed of three parts: the arcs of an
+// image and their weights; the rule that says when a pixel is conquered and what it gains; and
+// Marked, which turns a rule into a transform for the loop of iftPropagate.h.
 #pragma once
 
 #include "base/arith.h"
@@ -28,7 +28,7 @@ struct AdjacencyArcs {
   int weight(int p, int q, int) const { return weigh(p, q); }
 };
 
-/// A weight function of the caller's, for one image.
+/// A weight function that the caller passed, for one image.
 struct CalledWeight {
   const imImage *image;
   ifArcWeightFn function;
@@ -36,7 +36,7 @@ struct CalledWeight {
 };
 using FunctionArcs = AdjacencyArcs<CalledWeight>;
 
-/// Ends with an error where something is missing: the adjacency, the function, a band that it reads.
+/// Ends with an error: no adjacency, no weight function, an image without a band that it reads.
 inline FunctionArcs functionArcs(const char *operation, const imImage *image,
                                  imNeighborhoodFn adjacency, ifArcWeightFn arcWeight) {
   requireGiven(operation, "adjacency", adjacency);
@@ -46,8 +46,8 @@ inline FunctionArcs functionArcs(const char *operation, const imImage *image,
   return {NeighborWalk(image, adjacency), {image, arcWeight}};
 }
 
-/// The arcs of an arc-weight image, whose band k weighs those by displacement k; a negative weight
-/// is no arc.
+/// The arcs of an arc-weight image: band k holds the weights of the arcs by displacement k; a
+/// negative weight means no arc.
 struct WeightImageArcs {
   NeighborWalk neighbors;
   const int *const *band;
@@ -62,7 +62,7 @@ struct WeightImageArcs {
   int weight(int p, int, int k) const { return band[k][p]; }
 };
 
-/// Ends with an error where the arc-weight image has another size than the image or lacks its
+/// Ends with an error: an arc-weight image of another size than the image, or without its
 /// adjacency.
 inline WeightImageArcs weightImageArcs(const char *operation, const imImage *image,
                                        const imImage *weights) {
@@ -132,8 +132,8 @@ struct ForestTransform : ForestBands {
   int bucket(int offered, int) const { return bucketOf<Towards>(offered, maxCost); }
 };
 
-/// Levelling: label 1 grows upwards by the maximum, label 2 downwards by the minimum, side by side
-/// in one queue. A pixel's cost never returns to what it was: once it is no less than the pixel's
+/// Levelling: paths of label 1 spread by the maximum, paths of label 2 by the minimum, in one
+/// queue. A pixel's cost never returns to an earlier value: once it is no less than the pixel's
 /// value only label 1 improves it, once it is no more only label 2.
 template <class Arcs>
 struct LevelTransform : ForestBands {
@@ -158,7 +158,8 @@ struct LevelTransform : ForestBands {
   }
 };
 
-/// Spanning trees of pixels: what a pixel gains is an edge, whatever the path so far; no label.
+/// Spanning trees of pixels: a pixel's cost is the weight of its edge alone, and there are no
+/// labels.
 template <class Arcs>
 struct SpanningTransform : ForestBands {
   Arcs arcs;
@@ -172,22 +173,21 @@ struct SpanningTransform : ForestBands {
   int bucket(int offered, int) const { return bucketOf<Minimising>(offered, maxCost); }
 };
 
-/// What waits in the queue of a transform whose costs can meet others in their buckets: a pixel
-/// with the cost that it had when it began to wait. Costs improve strictly, so no pixel waits twice
-/// with one cost.
+/// The queue entry of a transform in which one bucket can hold several costs: a pixel with its cost
+/// when it was appended. Costs improve strictly, so a pixel has at most one entry of each cost.
 struct CostedEntry {
   int pixel;
   int cost;
 };
 
-/// Makes an object for the loop of one that says extend(p, q, k), the cost of the path through p to
-/// q, beside costOf(p), improves(), conquer() and bucket(), with the arcs that it goes along in
-/// `arcs`; and settle(p), where it wants to know. Whether a pixel is settled is marked: paths may
-/// get better as they grow, and a settled pixel still stays as it is.
+/// Turns a rule into a transform for the loop. A rule has `arcs`, costOf(p), extend(p, q, k) (the
+/// cost of the path through p to q), improves(), conquer() and bucket(), and may have settle(p).
+/// Settled pixels are marked, because a path may get better as it grows, and a settled pixel must
+/// not change.
 template <class Base>
 class Marked : public Base {
 public:
-  /// Ends with the error of initQueue() without memory.
+  /// Ends with an error, with the line of initQueue(), when the marks cannot be allocated.
   Marked(Base base, int nelems)
       : Base(std::move(base)),
         settled_(static_cast<char *>(tryAllocateZeroed(static_cast<std::size_t>(nelems), 1))) {

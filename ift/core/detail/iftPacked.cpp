@@ -35,7 +35,7 @@ struct Packing {
 
 // Paths never get better as they grow, and each bucket holds a single cost. So a settled pixel
 // cannot be improved, neighbours that the predecessor shares need no offer, and an entry is
-// outdated exactly when its pixel's cost belongs elsewhere.
+// outdated exactly when its pixel's cost is not that of the bucket.
 template <class Word, bool local>
 class PackedTransform {
 public:
@@ -96,7 +96,7 @@ void run(const PackedProblem &problem, Word *words) {
   using Transform = PackedTransform<Word, local>;
   const int npixels = problem.input->npixels;
   const NeighborWalk &neighbors = problem.neighbors;
-  // Keys and costs are each other's mirror image, or the same.
+  // Turns a cost into a key, and a key into a cost.
   const auto mirror = [&problem](int v) { return problem.maximise ? problem.maxCost - v : v; };
   const int *value = problem.input->band[0];
   for (int p = 0; p < npixels; ++p)
@@ -145,7 +145,7 @@ bool runPacked(const PackedProblem &problem) {
     return false;
   ++packedRuns;
   if (problem.maxCost <= static_cast<int>(Narrow::valueMask)) {
-    // In place: a word is as large as the cost that it ends as.
+    // In place: a word has the size of a cost, which replaces it at the end.
     run(problem, reinterpret_cast<std::uint32_t *>(problem.cost));
   } else {
     run(problem, makeArray<std::uint64_t>(static_cast<std::size_t>(input->npixels)).get());

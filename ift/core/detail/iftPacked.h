@@ -2,10 +2,11 @@
 // (minimising) or a minimum (maximising), or with their local forms, over values that fit into few
 // bits. Internal; iftForest.cpp decides when it applies.
 //
-// A transform visits pixels in the order of their costs, which is no order in memory: its cost is
-// the cache lines touched around each pixel. So all that the loop reads and writes there is packed
-// into one word per pixel, and the bands of the forest are filled in afterwards, in order, but for
-// the labels, which need the order of the transform.
+// A transform visits pixels in the order of their costs, not in memory order, so its time is mostly
+// that of the cache lines touched around each pixel. Value, cost and predecessor of a pixel are
+// therefore packed into one word. The costs and predecessors of the forest are filled in
+// afterwards, in raster order; labels are written during the transform, since a pixel takes its
+// predecessor's.
 #pragma once
 
 #include "ift/core/ifRoots.h"
@@ -22,7 +23,7 @@ struct PackedProblem {
   const ifRoots *seeds;
   int maxCost;
   bool maximise;
-  bool local; ///< a path keeps its first cost, and arcs that weigh worse are closed
+  bool local; ///< a path keeps its starting cost, and arcs of a worse weight are closed
   int *label; ///< the forest's bands
   int *cost;
   int *pred;
@@ -32,7 +33,7 @@ struct PackedProblem {
 /// outside 0 .. maxCost, or maxCost or the adjacency is too large, returns false.
 bool runPacked(const PackedProblem &problem);
 
-/// How many forests this thread has computed so: a test notices when the fast form is lost.
+/// The number of forests that this thread has computed in this form, for tests that check its use.
 inline thread_local std::int64_t packedRuns = 0;
 
 } // namespace seedforest::detail

@@ -1,8 +1,8 @@
 // The one loop behind every transform. Internal: the public operations are in iftForest.h and its
 // siblings.
 //
-// Every transform is the same sentence: take the best waiting pixel, offer each neighbour a path
-// through it, let a strictly better path conquer. What differs is one object, the transform:
+// Every transform repeats the same step: take the best waiting pixel, offer each neighbour a path
+// through it, let a strictly better path conquer. All differences are in one object, the transform:
 //
 //   operation                    path through p to q costs             better  waits in bucket
 //   iftNonNormalized, …WF        pathCost(cost of p, weight)           <       cost
@@ -15,7 +15,7 @@
 //   iftPrimGraph                 the edge's weight, no path            <       cost, pulled back
 //   an area opening's flood      min(cost of p, value of q)            >       bound - cost
 //
-// Ties: within a bucket first in, first out; a pixel conquered anew waits behind all that are in
+// Ties: within a bucket first in, first out; a pixel conquered again waits behind all that are in
 // its new bucket; an equal cost never conquers. Buckets are served in a circle, costs beyond the
 // last one in the order of their remainders.
 #pragma once
@@ -28,24 +28,24 @@
 
 namespace seedforest::detail {
 
-/// What stands for any offer() in the concept below.
+/// Stands for the callback of offers() in the concept below.
 struct AnyOffer {
   void operator()(int q, int k, int cost) const;
 };
 
-/// What a transform says of itself:
+/// What a transform provides:
 ///
-/// - Entry is what waits in the queue: a pixel, and what else must be known of it;
-/// - isCurrent(entry, bucket): the entry has not been outdated by a better one, nor its pixel
+/// - Entry: what waits in the queue, a pixel and perhaps more;
+/// - isCurrent(entry, bucket): whether no better entry has replaced this one and its pixel is not
 ///   settled;
 /// - offers(entry, offer): the path to the entry's pixel is final; calls offer(q, k, cost) for each
-///   of its neighbours q, by displacement k, in the order of the adjacency, with the cost of the path
-///   through it; neighbours that cannot be improved may be left out;
+///   of its neighbours q, by displacement k, in the order of the adjacency, with the cost of the
+///   path through it; neighbours that cannot be improved may be left out;
 /// - improves(cost, q): the strict test;
 /// - conquer(p, q, k, cost): q gains the path through p;
-/// - bucket(cost, q) and entry(q, k, cost): where q waits then, and as what;
-/// - where there is something to do, settle(entry): the path to its pixel is final; before offers();
-/// - where it pays, prefetch(p): p will be settled soon.
+/// - bucket(cost, q) and entry(q, k, cost): the bucket in which q waits then, and its entry;
+/// - optional, settle(entry): called before offers(), when the path to the entry's pixel is final;
+/// - optional, prefetch(p): p will be settled soon.
 template <class T>
 concept Transform = requires(T &transform, typename T::Entry entry, int q, AnyOffer offer) {
   { transform.isCurrent(entry, q) } -> std::same_as<bool>;
@@ -85,9 +85,9 @@ SEEDFOREST_INLINE inline void propagate(T &transform, Queue &queue) {
   }
 }
 
-/// Calls plant(i, p) for each of n seeds, in order, p = pixel[i], but for a pixel that is listed
-/// several times only at its last place. `scratch` has an element for each pixel of the image;
-/// those of seeds are overwritten.
+/// Calls plant(i, pixel[i]) for each of n seeds, in order; for a pixel that is listed several
+/// times, only at its last place. `scratch` has an element for each pixel of the image; those of
+/// seeds are overwritten.
 template <class Plant>
 void forEachSeed(const int *pixel, int n, int *scratch, Plant plant) {
   for (int i = 0; i < n; ++i)

@@ -1,12 +1,13 @@
-// What is said where a queue cannot be had.
+// The errors of a queue that cannot be allocated.
 #pragma once
 
 namespace seedforest::detail {
 
-/// Prints the line of initQueue() on standard error: `what` is 'Q' for buckets, 'A' for elements.
+/// Prints the line of initQueue() on standard error, or throws it in a scope of ThrowingErrors:
+/// `what` is 'Q' for buckets, 'A' for elements.
 void complainOfQueue(char what);
 
-/// The same, for a transform that cannot go on without: ends the process with status 1.
+/// Ends with an error, with the same line.
 [[noreturn]] void queueUnavailable(char what);
 
 } // namespace seedforest::detail

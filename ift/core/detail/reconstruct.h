@@ -1,4 +1,5 @@
-// Grey-level reconstruction, on which regional extrema and connected filters are built.
+// Grey-level reconstruction (Vincent, "Morphological grayscale reconstruction in image analysis",
+// 1993), on which regional extrema and connected filters are built.
 #pragma once
 
 #include "ift/core/detail/direction.h"
@@ -10,11 +11,11 @@ namespace seedforest::detail {
 /// the transform in this direction, with imNeighborhood8 and ifWatershedMetric. The costs are the
 /// reconstruction.
 ///   bound    the largest cost expected
-///   isLocal  paths by the local path cost; pixels that none of them reaches take f's value
+///   isLocal  use the local path cost; pixels that no path reaches take f's value
 imImagePtr reconstruct(const Direction &direction, const imImage *f, int bound,
                        const ifRoots *roots, bool isLocal = false);
 
-/// Gives the bound back; ends with an error that names the operation unless it is at least 0.
+/// Returns the bound; ends with an error that names the operation where it is negative.
 int requireBound(const char *operation, int bound);
 
 } // namespace seedforest::detail

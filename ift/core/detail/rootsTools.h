@@ -1,4 +1,4 @@
-// Roots that an operation cannot go on without, and the text form of roots.
+// Creation and checks of roots, and their text form.
 #pragma once
 
 #include "base/writer.h"
@@ -8,7 +8,7 @@
 
 namespace seedforest::detail {
 
-/// A new record with n entries of zeros.
+/// A new record with n entries of zeros; ends with an error where it cannot be allocated.
 ifRootsPtr createRoots(int n);
 
 /// Writes roots as ifSaveRoots() does.
@@ -17,8 +17,8 @@ void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, con
 /// The roots in a file's bytes, as ifReadRoots() reads them; `path` only names the file in a line.
 ifRootsPtr parseRoots(std::string_view bytes, const char *path, const imImage *image);
 
-/// Ends with an error that names the operation, unless the roots are there and all are pixels of the
-/// image.
+/// Ends with an error that names the operation, unless the roots are there and all are pixels of
+/// the image.
 void requireRoots(const char *operation, const ifRoots *roots, const imImage *image);
 
 } // namespace seedforest::detail

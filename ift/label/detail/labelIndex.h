@@ -10,9 +10,10 @@
 
 namespace seedforest::detail {
 
-/// Where a table keeps the entry of each label that occurs in band 0 of an image: at its distance
-/// from the smallest one or, where the labels are spread wider than the image has pixels, at its
-/// rank among those that occur, which takes a binary search. A table never outgrows the image.
+/// The index in a table of each label that occurs in band 0 of an image: the label minus the
+/// smallest one or, where the labels' range is larger than the number of pixels, its rank among the
+/// labels that occur, found by binary search. A table never has more entries than the image has
+/// pixels.
 class LabelIndex {
 public:
   explicit LabelIndex(const imImage *labels) {
@@ -33,7 +34,7 @@ public:
   /// Entries that a table needs.
   std::size_t size() const { return size_; }
 
-  /// The entry of a label that occurs.
+  /// The index of a label that occurs.
   std::size_t operator()(int label) const {
     if (sorted_ == nullptr)
       return static_cast<std::size_t>(std::int64_t{label} - smallest_);
@@ -42,7 +43,7 @@ public:
   }
 
 private:
-  Array<int> sorted_; // the labels that occur, where they are far apart
+  Array<int> sorted_; // the labels that occur, where their range is large; else null
   std::int64_t smallest_;
   std::size_t size_;
 };

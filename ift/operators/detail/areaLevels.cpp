@@ -19,8 +19,8 @@ namespace seedforest::detail {
 
 namespace {
 
-// Sorts pixels by the digit of `bits` bits, at `shift`, of their values, the largest first; those
-// of equal digits keep their order.
+// One pass of a radix sort: sorts pixels by the `bits` bits at `shift` of their values, the largest
+// first; equal ones keep their order.
 void sortByDigit(const int *value, const int *from, int *to, int n, int shift, int bits) {
   const int mask = (1 << bits) - 1;
   Vector<int> place(std::size_t{1} << bits);
@@ -35,7 +35,7 @@ void sortByDigit(const int *value, const int *from, int *to, int n, int shift, i
 
 // The pixels of an image by falling value, which is at least 0; equal ones in raster order.
 Array<int> sortByFallingValue(const imImage *image) {
-  constexpr int mostBits = 11; // so many places are written to in turn without slowing down
+  constexpr int mostBits = 11; // with more bits, the scattered writes miss the cache
   const auto n = static_cast<std::size_t>(image->npixels);
   const int bits = std::bit_width(static_cast<unsigned>(largestValue(image, 0)));
   const int passes = (bits + mostBits - 1) / mostBits;
@@ -50,17 +50,18 @@ Array<int> sortByFallingValue(const imImage *image) {
   return sorted;
 }
 
-// Components that grow pixel by pixel until they have a certain area, when they are complete. What
-// touches a complete one is complete at once, and has no need of a number; other pixels have the
-// number of the component that they were added to. Components that met are linked to one of them,
-// which leads them. They are far fewer than pixels, so that the randomly accessed tables stay in
-// cache.
+// Components that grow by pixels of falling value. One with `area` pixels is complete; a pixel that
+// touches a complete component belongs to it, gets the number `late`, and completes the growing
+// components that it touches. Other pixels get the number of the component to which they are added.
+// Components that meet are linked to one of them, their leader. There are far fewer components than
+// pixels, so the tables that are accessed at random stay in the cache.
 class GrowingComponents {
 public:
   GrowingComponents(const imImage *image, int area)
       : neighbors_(image, imNeighborhood8), area_(area),
         numberOf_(makeZeroedArray<int>(static_cast<std::size_t>(image->npixels))) {
-    // Components begin at pixels of which no two are neighbours; number 0 is no component's.
+    // No two components begin at neighbouring pixels, which bounds their number. Number 0 is not
+    // used.
     const auto most = (std::size_t(image->ncols) + 1) / 2 * ((std::size_t(image->nrows) + 1) / 2);
     link_ = makeArray<int>(most + 1);
     last_ = makeArray<int>(most + 1);
@@ -73,7 +74,7 @@ public:
     std::array<int, 8> met; // numbers of components around p
     int n = 0;
     bool isComplete = false;
-    neighbors_.each(p, [&](int q, int) { // without a branch: none could be foretold
+    neighbors_.each(p, [&](int q, int) { // without branches, which would be unpredictable
       const int number = numberOf_[q];
       isComplete |= number == late;
       met[n] = number;
@@ -125,8 +126,8 @@ public:
   static constexpr int none = -1;
 
 private:
-  static constexpr int absent = 0; // numbers of pixels that have not been added
-  static constexpr int late = -1;  // or whose component was complete already
+  static constexpr int absent = 0; // the number of a pixel that has not been added
+  static constexpr int late = -1;  // or that touched a complete component
   static constexpr int complete = minInt;
 
   int find(int number) {
@@ -141,8 +142,8 @@ private:
   int count_ = 0;
   int growing_ = 0;
   Array<int> numberOf_;
-  // By number: the one to which a component is linked or, of a leader, minus its area, or complete;
-  // and the pixel that completed it, whose value is its level.
+  // By number. link_: the component to which this one is linked; for a leader, minus its area, or
+  // `complete`. last_: the pixel that completed it, whose value is its level.
   Array<int> link_;
   Array<int> last_;
 };
@@ -185,8 +186,8 @@ void findByComponents(const imImage *image, const ifRoots *maxima, int count, in
   });
 }
 
-// One flood after the other; what they have reached and settled is marked with their labels, which
-// need no clearing in between. A flood that has its area offers nothing any more.
+// Runs one flood after the other. Pixels reached and settled are marked with the flood's label, so
+// nothing is cleared in between. A flood that has taken its area makes no more offers.
 class FloodTransform {
 public:
   FloodTransform(const imImage *image, int maxCost, int area)

@@ -1,18 +1,18 @@
-// To which level an area opening lowers each regional maximum. Internal; the operations are in
+// The level to which an area opening lowers each regional maximum. Internal; the operations are in
 // ifConnected.h.
 //
-// The level of a maximum is found by a flood that starts at the first of its pixels and always takes
-// the front pixel whose path has the highest minimum. It stops at `area` pixels; the minimum of the
-// path to the last of them is the level. So it is the
-// highest threshold at which the maximum's component has `area` pixels or, in a smaller image, the
-// lowest value of all.
+// The level of a maximum is defined by a flood that starts at the first of its pixels and always
+// takes the waiting pixel whose path has the highest minimum. It stops at `area` pixels; the
+// minimum of the path to the last of them is the level. That is the highest threshold at which the
+// maximum's component has `area` pixels or, in a smaller image, the lowest value of all.
 //
-// The components of all thresholds come out of one pass over the pixels by falling value, with a
-// union-find: near linear time, however many maxima there are. It takes values of at least 0. Where
-// some are negative, the flood's circle of buckets, one for each cost of 0 .. the largest, is too
-// small for its costs and serves them in the order of remainders, which is no order of values: in the
-// row -3 2 -4 with area 2 the circle of three buckets serves -4 before -3, so the level is -4. Then
-// each maximum is flooded by itself, in time proportional to the number of maxima times the area.
+// For values of at least 0, one pass over the pixels by falling value, with a union-find of the
+// components, finds all levels in near linear time (Wilkinson and Roerdink, "Fast morphological
+// attribute operations using Tarjan's union-find algorithm", 2000). Negative values have no bucket
+// of their own in the flood's queue, whose buckets are for costs of 0 .. maxCost, and are served in
+// remainder order, which is no order of values: in the row -3 2 -4 with area 2, three buckets serve
+// -4 before -3, and the level is -4. Then each maximum is flooded by itself, in time proportional to
+// the number of maxima times the area.
 #pragma once
 
 #include "base/buffer.h"
@@ -22,14 +22,14 @@ namespace seedforest::detail {
 
 struct AreaLevel {
   int value;
-  bool reached; ///< the flood took as many pixels as were asked for
+  bool reached; ///< the flood took `area` pixels
 };
 
 /// The levels of the labels 1 .. count, at their indices.
-///   maxima   the roots of the labels, those of each label after the first of smaller ones
-///   maxCost  at least the largest value of band 0, and 0
-///   area     at most 0: all levels are 0, and reached
-/// Ends the process with status 1, after the line of initQueue(), when a queue cannot be had.
+///   maxima   the roots of the labels; the first root of each label after those of smaller labels
+///   maxCost  at least 0, and at least the largest value of band 0
+///   area     in pixels; 0 or less: all levels are 0, and reached
+/// Ends with an error: memory that cannot be allocated; for a queue, with the line of initQueue().
 Array<AreaLevel> findAreaLevels(const imImage *image, const ifRoots *maxima, int count, int maxCost,
                                 int area);
 

@@ -8,9 +8,9 @@
 
 namespace seedforest::detail {
 
-/// As iftFuzzy(), with its errors under the name of `operation`. Writes no file: after each object,
-/// calls look(object, costs), if there is such a function, with the costs of the object's chains, an
-/// ASCII image that `look` may change.
+/// As iftFuzzy(), with errors that name `operation`. Writes no file: after each object, calls
+/// look(object, costs), unless it is null, with the costs of the object's chains, an ASCII image
+/// that `look` may change in all but its pixels.
 void connectFuzzy(const char *operation, const imImage *image, imImage *labelOut, imImage *costOut,
                   imNeighborhoodFn adjacency, const ifRoots *seeds, const int *mean,
                   const int *sigma, int nObjects,
