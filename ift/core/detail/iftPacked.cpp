@@ -148,7 +148,11 @@ bool runPacked(const PackedProblem &problem) {
     // In place: a word has the size of a cost, which replaces it at the end.
     run(problem, reinterpret_cast<std::uint32_t *>(problem.cost));
   } else {
-    run(problem, makeArray<std::uint64_t>(static_cast<std::size_t>(input->npixels)).get());
+    const Array<std::uint64_t> words(static_cast<std::uint64_t *>(
+        tryReallocate(nullptr, static_cast<std::size_t>(input->npixels), sizeof(std::uint64_t))));
+    if (words == nullptr)
+      queueUnavailable('A');
+    run(problem, words.get());
   }
   return true;
 }
