@@ -4,6 +4,7 @@
 #include "support.h"
 
 #include <cstdint>
+#include <functional>
 
 using namespace seedforest::detail;
 

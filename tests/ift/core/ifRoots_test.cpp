@@ -1,7 +1,4 @@
-#include "ift/core/ifCost.h"
-#include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
-#include "ift/core/ifWeightImage.h"
 
 #include "ift/core/detail/rootsTools.h"
 #include "support.h"
@@ -28,6 +25,7 @@ TEST(Roots, FileRoundTrip) {
   ifSaveRoots(path.c_str(), image.get(), roots.get());
   EXPECT_EQ(contentsOf(path), "3\n0 0 1\n0 1 2\n2 2 3\n");
   std::string printed;
+  ifReleaseRoots(nullptr); // nothing happens
   const ifRootsPtr again = readText(contentsOf(path), &printed);
   EXPECT_EQ(printed, "read: 0 1\nread: 5 2\nread: 12 3\n");
   EXPECT_EQ(listOf(again.get()), (std::vector<Root>{{0, 1}, {5, 2}, {12, 3}}));
@@ -81,25 +79,6 @@ TEST(Roots, WhatCannotBeDoneEndsWithALine) {
   EXPECT_FATAL(ifReadRoots("/proc/self/mem", image.get()), "^ifReadRoots: .*/proc/self/mem");
   EXPECT_FATAL(ifReadRoots("no/folder", image.get()),
                "^Could not open file no/folder for reading\n$");
-}
-
-TEST(Roots, NothingWhereSomethingIsNeeded) {
-  const ifRootsPtr roots = makeRoots({});
-  ifRoots *read = nullptr;
-  imImage *made = nullptr;
-  expectErrors({
-      {"ifAllocateRoots", [] { ifAllocateRoots(nullptr, 1); }},
-      {"ifSaveRoots", [&] { ifSaveRoots(nullptr, image.get(), roots.get()); }},
-      {"ifSaveRoots", [&] { ifSaveRoots("/dev/null", nullptr, roots.get()); }},
-      {"ifSaveRoots2", [] { ifSaveRoots2("/dev/null", image.get(), nullptr); }},
-      {"ifReadRoots", [&] { read = ifReadRoots("/dev/null", nullptr); }},
-      {"ifVisualizeRoots", [&] { made = ifVisualizeRoots(nullptr, roots.get()); }},
-      {"ifVisualizeRoots", [&] { made = ifVisualizeRoots(image.get(), nullptr); }},
-      {"gaussianWF", [&] { made = gaussianWF(image.get(), nullptr); }},
-      {"ifMaxDistance", [] { ifMaxDistance(nullptr, 0, 0); }},
-      {"isEmpty", [] { isEmpty(nullptr); }},
-  });
-  ifReleaseRoots(nullptr);
 }
 
 TEST(Roots, PaintedInOrder) {
