@@ -17,7 +17,6 @@ TEST(Image, ImpossibleSizesAreRefused) {
     EXPECT_EQ(imCreateImage(1, imTypeGrey, 0, 5), nullptr);
   } catch (const seedforest::Error &error) {
     EXPECT_EQ(dynamic_cast<const seedforest::OutOfMemory *>(&error), nullptr); // there is enough
-    EXPECT_STREQ(error.what(), "Could not allocate image!");
   }
 }
 
