@@ -42,25 +42,28 @@ public:
   }
 
 private:
+  template <class Function, class Arguments>
+  void run(Function function, const Arguments &arguments) {
+    if constexpr (std::is_void_v<decltype(std::apply(function, arguments))>)
+      std::apply(function, arguments);
+    else
+      take(std::apply(function, arguments));
+  }
+
   template <class Result, class... Parameters>
   void add(const char *name, Result (*function)(Parameters...),
            std::type_identity_t<Parameters>... accepted) {
     using Arguments = std::tuple<Parameters...>;
-    const auto run = [this, function](const Arguments &arguments) {
-      if constexpr (std::is_void_v<Result>)
-        std::apply(function, arguments);
-      else
-        take(std::apply(function, arguments));
-    };
     const Arguments arguments(accepted...);
-    Operation &operation = operations.emplace_back(name, [=] { run(arguments); });
+    operations.push_back({name, [=, this] { run(function, arguments); }});
+    Operation &operation = operations.back();
     constexpr int nImages = (0 + ... + (isImage<Parameters> ? 1 : 0));
     const auto breakArgument = [&]<std::size_t i>(std::integral_constant<std::size_t, i>) {
       using Parameter = std::tuple_element_t<i, Arguments>;
       const auto refuse = [&](const char *what, Parameter argument) {
         Arguments broken = arguments;
         std::get<i>(broken) = argument;
-        operation.refused.emplace_back(what, [=] { run(broken); });
+        operation.refused.emplace_back(what, [=, this] { run(function, broken); });
       };
       if constexpr (std::is_pointer_v<Parameter>)
         if (std::get<i>(arguments) != nullptr) { // else it is not read
@@ -333,6 +336,7 @@ TEST_F(Scope, RefusesWhatDoesNotFit) {
 
       {"in createGraph", [&] { t.take(createGraph(t.grey, -1)); }},
       {"in allocateGraph", [&] { t.take(allocateGraph(maxInt, 0)); }},
+      {"in allocateGraph", [&] { t.take(allocateGraph(-2, 0)); }},
       {"copyBaseGraph: vertex 77", [&] { t.take(copyBaseGraph(t.astray, 0)); }},
       {"insertEdge: vertex 7", [&] { insertEdge(t.graph, 1, 7, 1); }},
       {"removeEdge: vertex -1", [&] { removeEdge(t.graph, -1, 1); }},

@@ -90,6 +90,7 @@ TEST(Tool, Runs) {
       {"in.pgm no/out labels", 1, wasRead, "Could not open file no/out for writing\n", none},
       {"/dev/stdin out labels <in.pgm", 0, stdinRead, "", sampleLabels},
       {"/dev/stdin out labels <<E\n" + std::string(sample) + "E", 0, stdinRead, "", sampleLabels},
+      {"in.pgm /dev/stdout labels", 0, wasRead + sampleLabels + savedRoots(4), "", none},
       {"in.pgm /dev/full labels", 1, wasRead, "ifSaveRoots: ", none},
       {"in.pgm out labels >/dev/full", 1, "", SEEDFOREST_TOOL, sampleLabels},
       {"in.pgm out cells 1000001", 1, wasRead, "ifCellsRoots: ", none},
@@ -131,13 +132,6 @@ TEST(Tool, EndsInTheMiddleOfAFile) {
       std::erase_if(after, [](const std::string &name) { return name.starts_with("tool."); });
       EXPECT_EQ(after, before) << limit << out;
     }
-}
-
-TEST(Tool, WritesToItsStandardOutput) {
-  const TemporaryFolder folder;
-  folder.write("in.pgm", sample);
-  EXPECT_EQ(runTool(folder, "in.pgm /dev/stdout labels").out,
-            wasRead + sampleLabels + savedRoots(4));
 }
 
 // Small pictures whose roots a person can find by eye. Each run prints its lines and leaves its

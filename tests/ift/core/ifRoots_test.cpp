@@ -34,16 +34,6 @@ TEST(Roots, FileRoundTrip) {
   EXPECT_EQ(contentsOf(path), "2\n0 0 1\n0 1 2\n");
 }
 
-TEST(Roots, TellsAScopeWhatItReads) {
-  const TemporaryFolder folder;
-  const std::string path = folder.write("roots", "2 1 1 4  2 0 5");
-  std::string told;
-  const seedforest::ThrowingErrors throwing(
-      [&told](seedforest::Notice, std::string_view text) { told += text; });
-  EXPECT_EQ(printedBy([&] { ifRootsPtr(ifReadRoots(path.c_str(), image.get())); }), "");
-  EXPECT_EQ(told, "read: 6 4\nread: 2 5\n");
-}
-
 TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
   const TemporaryFolder folder;
   const std::string path = folder.path("roots");
