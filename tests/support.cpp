@@ -91,12 +91,6 @@ std::vector<Root> listOf(const ifRoots *roots) {
   return list;
 }
 
-void expectErrors(const std::vector<Misuse> &misuses) {
-  for (const Misuse &misuse : misuses)
-    EXPECT_EQ(thrownBy(misuse.call).substr(0, misuse.operation.size() + 13),
-              misuse.operation + ": there is no");
-}
-
 TemporaryFolder::TemporaryFolder() {
   std::string name = (std::filesystem::temp_directory_path() / "seedforest-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr)

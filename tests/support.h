@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -86,13 +85,6 @@ std::string thrownBy(Work work) {
   }
   return "none";
 }
-
-/// Each operation, given nothing where it needs something, says so in an error that names it.
-struct Misuse {
-  std::string operation;
-  std::function<void()> call;
-};
-void expectErrors(const std::vector<Misuse> &misuses);
 
 /// A new empty folder, removed with all that is in it.
 class TemporaryFolder {

@@ -53,27 +53,12 @@ void *operator new(std::size_t size) {
     return block;
   throw std::bad_alloc();
 }
-void *operator new[](std::size_t size) {
-  return operator new(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &nothrow) noexcept {
-  return operator new(size, nothrow);
-}
 void operator delete(void *block) noexcept {
   std::free(block);
 }
 void operator delete(void *block, std::size_t) noexcept {
   std::free(block);
 }
-void operator delete[](void *block) noexcept {
-  std::free(block);
-}
-void operator delete[](void *block, std::size_t) noexcept {
-  std::free(block);
-}
 void operator delete(void *block, const std::nothrow_t &) noexcept { // where a constructor throws
-  std::free(block);
-}
-void operator delete[](void *block, const std::nothrow_t &) noexcept {
   std::free(block);
 }

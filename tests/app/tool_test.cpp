@@ -85,10 +85,13 @@ TEST(Tool, Runs) {
       {"in.pgm out ''", 1, wasRead, "Invalid opt \n", none},
       {"missing out nonsense", 1, "", "could not open file missing\n", none},
       {"/dev/null out labels", 1, "", "unknown file format; trying to read \n", none},
+      {". out labels", 1, "", "unknown file format; trying to read \n", none},
+      {"/dev/zero out labels", 1, "", "unknown file format; trying to read \n", none},
       {"in.pgm no/out labels", 1, wasRead, "Could not open file no/out for writing\n", none},
       {"/dev/stdin out labels <in.pgm", 0, stdinRead, "", sampleLabels},
       {"/dev/stdin out labels <<E\n" + std::string(sample) + "E", 0, stdinRead, "", sampleLabels},
-      {"in.pgm /dev/full labels", 1, wasRead, "/dev/full", none},
+      {"in.pgm /dev/stdout labels", 0, wasRead + sampleLabels + savedRoots(4), "", none},
+      {"in.pgm /dev/full labels", 1, wasRead, "ifSaveRoots: ", none},
       {"in.pgm out labels >/dev/full", 1, "", SEEDFOREST_TOOL, sampleLabels},
       {"in.pgm out cells 1000001", 1, wasRead, "ifCellsRoots: ", none},
       {"colour.ppm out cells 1", 1, "Image colour.ppm was read\n", "ifCellsRoots: ", none},
@@ -129,13 +132,6 @@ TEST(Tool, EndsInTheMiddleOfAFile) {
       std::erase_if(after, [](const std::string &name) { return name.starts_with("tool."); });
       EXPECT_EQ(after, before) << limit << out;
     }
-}
-
-TEST(Tool, WritesToItsStandardOutput) {
-  const TemporaryFolder folder;
-  folder.write("in.pgm", sample);
-  EXPECT_EQ(runTool(folder, "in.pgm /dev/stdout labels").out,
-            wasRead + sampleLabels + savedRoots(4));
 }
 
 // Small pictures whose roots a person can find by eye. Each run prints its lines and leaves its

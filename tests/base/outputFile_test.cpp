@@ -139,11 +139,4 @@ TEST(OutputFile, DescriptorsAreAppendedTo) {
   EXPECT_FALSE(save("/dev/fd/987", "x"));
 }
 
-TEST(OutputFile, FullDiskIsNoticed) {
-  OutputFile file("/dev/full");
-  ASSERT_TRUE(file.isOpen());
-  file.writer().text("a few bytes that only the last flush hands on");
-  EXPECT_FALSE(file.close());
-}
-
 } // namespace

@@ -17,41 +17,14 @@ TEST(Image, ImpossibleSizesAreRefused) {
     EXPECT_EQ(imCreateImage(1, imTypeGrey, 0, 5), nullptr);
   } catch (const seedforest::Error &error) {
     EXPECT_EQ(dynamic_cast<const seedforest::OutOfMemory *>(&error), nullptr); // there is enough
-    EXPECT_STREQ(error.what(), "Could not allocate image!");
   }
 }
 
-TEST(Image, NothingWhereSomethingIsNeeded) {
-  const imImagePtr owned = blank(2, 2, 3);
-  imImage *image = owned.get();
-  imImage *made = nullptr;
-  float *histogram = nullptr;
-  int size = 0;
-  expectErrors({
-      {"imReadImage", [&] { imReadImage(nullptr, &made); }},
-      {"imReadImage", [] { imReadImage("/dev/null", nullptr); }},
-      {"imSaveImage", [&] { imSaveImage(nullptr, image); }},
-      {"imSaveImage", [] { imSaveImage("/dev/null", nullptr); }},
-      {"imCopyBand", [&] { made = imCopyBand(nullptr, 1, 0); }},
-      {"imHistogram", [&] { imHistogram(image, image, nullptr, &size); }},
-      {"imHistogram", [&] { imHistogram(image, image, &histogram, nullptr); }},
-      {"imPrintWindow", [&] { imPrintWindow(nullptr, image, 0, 1); }},
-      {"imPgm2rgb", [&] { imPgm2rgb(nullptr, image); }},
-      {"imNeighborhood8", [] { imNeighborhood8(nullptr); }},
-      {"imNeighborhood", [] { imNeighborhood(nullptr, 2); }},
-      {"imMorphWindow", [] { imMorphWindow(nullptr, 2); }},
-      {"imThreshold", [&] { made = imThreshold(nullptr, 1, 0, 9); }},
-      {"imUpperEnvelope", [&] { made = imUpperEnvelope(image, nullptr); }},
-      {"imMorphErode", [&] { imMorphErode(image, nullptr, 1); }},
-      {"imRgb2lab", [&] { imRgb2lab(image, nullptr); }},
-      {"imShowSegm", [&] { made = imShowSegm(image, nullptr, 1, 2, 3); }},
-  });
-  imReleaseImage(nullptr);
-  imReleaseImage(&made); // which is null
-}
-
 TEST(Image, Copies) {
-  EXPECT_EQ(imCopyImage(nullptr), nullptr);
+  imImage *none = imCopyImage(nullptr);
+  EXPECT_EQ(none, nullptr);
+  imReleaseImage(&none);
+  imReleaseImage(nullptr);
   const std::vector<Matrix> bands = {{{-9, -8}, {-7, -6}}, {{5, 6}, {7, 8}}};
   const imImagePtr image = makeBands(bands, imTypeXyz);
   image->maxValue = 77;

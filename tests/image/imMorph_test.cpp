@@ -73,19 +73,7 @@ imImagePtr randomIn(std::mt19937 &random, int which, int nbands, int ncols, int 
   return image;
 }
 
-TEST(Morph, EmptyDiscsLeaveTheStartValues) {
-  const imImagePtr image = makeImage({{3, -4}});
-  for (const auto &[operation, value] : {std::pair<MorphFn, int>{imMorphDilate, -1000000},
-                                         {imMorphErode, 1000000},
-                                         {imMorphOpen, -1000000},
-                                         {imMorphClose, 1000000}}) {
-    expectImage("", run(operation, image.get(), -1).release(), imTypeAscii, value,
-                {{{value, value}}});
-    EXPECT_EQ(run(operation, blank(2, 2, 0).get(), -1)->maxValue, -1000000);
-  }
-}
-
-// Every small size and radius, and every range and radius at some larger sizes.
+// Every small size and radius, without a band too, and every range and radius at some larger sizes.
 TEST(Morph, DiscsLikePlain) {
   std::mt19937 random(1);
   const auto expectAll = [&random](int which, int nbands, int ncols, int nrows, int s) {
@@ -96,7 +84,7 @@ TEST(Morph, DiscsLikePlain) {
   for (int ncols = 1; ncols <= 7; ++ncols)
     for (int nrows = 1; nrows <= 7; ++nrows)
       for (int s = -1; s <= 75; s += s < 26 ? 1 : 7)
-        expectAll(pick(random, 0, nRanges - 1), 1 + (s & 1), ncols, nrows, s);
+        expectAll(pick(random, 0, nRanges - 1), (s + 1) % 3, ncols, nrows, s);
   const int sizes[][2] = {{67, 41}, {1, 90}, {130, 1}, {25, 33}, {64, 3}};
   for (int s = 0; s <= 200; s += s < 30 ? 1 : 10) {
     const auto &[ncols, nrows] = sizes[s % std::size(sizes)];
