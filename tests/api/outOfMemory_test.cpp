@@ -188,12 +188,6 @@ TEST_F(Memory, OfGraphs) {
        [&](Made &) { iftPrim(grey.get(), forest.get(), imNeighborhood8, ifWatershedMetric); }},
       {"iftPrimGraph",
        [&](Made &made) { made.graph.reset(iftPrimGraph(graph.get(), ifGraphEuclideanDistance)); }},
-      {"iftGraph",
-       [&](Made &made) {
-         int root[] = {1, 5, 0};
-         const ifRoots one = {root, root + 1, root + 2, 1};
-         made.graph.reset(iftGraph(graph.get(), ifGraphEuclideanDistance, ifPathCostMax, 9, &one));
-       }},
       {"ifEliminateSmallRegions",
        [&](Made &made) {
          made.graph.reset(ifEliminateSmallRegions(graph.get(), 7, ifGraphEuclideanDistance));

@@ -52,8 +52,9 @@ bool joinMostSimilar(const ifGraph *graph, const imImage *image, Parts &parts, i
                      ifGraphWeightFn weight) {
   const ifGraphPtr regions = makeGraph(graph->nVertices - 1, {});
   Matrix labels = bandOf(graph->labelImage);
-  for (int &label : labels[0])
-    label = parts[label];
+  for (std::vector<int> &row : labels)
+    for (int &label : row)
+      label = parts[label];
   setLabelImage(regions.get(), makeImage(labels).release());
   const ifGraphPtr means(ifComputeAverageColors(regions.get(), image));
   std::tuple<int, int, int> best = {maxInt, 0, 0}; // weight, regions
@@ -91,19 +92,23 @@ void expectParts(const char *what, ifGraph *made, ifGraph *graph, Step step) {
 TEST(RegionMerging, EqualsTheDefinitionsOnRandomGraphs) {
   std::mt19937 random(81);
   for (int round = 0; round < 1500; ++round) {
-    const int n = pick(random, 0, 14);
-    const int ncols = pick(random, 1, 60);
-    imImagePtr labels = randomImage(random, 1, imTypeAscii, ncols, 1, 0, n);
-    const ifGraphPtr graph = makeGraph(n, {}, 1); // and some labels without a pixel
-    setLabelImage(graph.get(), labels.release());
-    for (int edges = pick(random, 0, 2 * n); edges > 0; --edges)
-      (round % 3 == 0 ? insertDirectedEdge : insertEdge)(graph.get(), pick(random, 0, n),
-                                                         pick(random, 0, n), 77);
+    const int n = pick(random, 0, 14); // some labels may have no pixel
+    imImagePtr labels =
+        randomImage(random, 1, imTypeAscii, pick(random, 1, 9), pick(random, 1, 6), 0, n);
+    const imImagePtr image =
+        randomImage(random, pick(random, 1, 3), imTypeWork, labels->ncols, labels->nrows,
+                    round % 5 == 0 ? minInt : 0, round % 5 == 0 ? maxInt : 30);
+    ifGraphPtr graph(ifMosaicToGraph(labels.get()));
+    graph.reset(copyBaseGraph(graph.get(), 1));
+    if (round % 3 != 0) { // not only neighbours in the plane
+      graph = makeGraph(n, {}, 1);
+      setLabelImage(graph.get(), labels.release());
+      for (int edges = pick(random, 0, 2 * n); edges > 0; --edges)
+        (round % 3 == 1 ? insertDirectedEdge : insertEdge)(graph.get(), pick(random, 0, n),
+                                                           pick(random, 0, n), 77);
+    }
     for (int v = 0; v <= n; ++v)
       graph->vertices[v].data[0] = pick(random, -2, 4);
-    const bool isFar = round % 5 == 0;
-    const imImagePtr image = randomImage(random, pick(random, 1, 3), imTypeWork, ncols, 1,
-                                         isFar ? minInt : 0, isFar ? maxInt : 30);
     const auto weight = round % 2 == 0 ? ifGraphEuclideanDistance : ifGraphWatershedDistance;
     const int limit = pick(random, -1, 20);
     SCOPED_TRACE(round);

@@ -13,7 +13,7 @@ ifGraphPtr pixelGraph(const imImage *image, imNeighborhoodFn adjacency) {
   ifGraphPtr graph(allocateGraph(image->npixels - 1, image->nbands));
   const NeighborWalk neighbors(image, adjacency);
   for (int p = 0; p < image->npixels; ++p) {
-    std::vector<int> list;
+    std::vector<int> list; // edges are inserted at the head
     neighbors.each(p, [&](int q, int) { list.insert(list.begin(), q); });
     for (const int q : list)
       insertDirectedEdge(graph.get(), p, q, 5);
@@ -40,11 +40,11 @@ TEST(GraphForest, EqualsTheTransformOfPixels) {
     const imImagePtr forest = blankLike(image, 3);
     iftNonNormalized(image.get(), forest.get(), adjacency,
                      isEuclidean ? ifEuclideanDistance : ifWatershedMetric, maxCost,
-                     costs[round % 4], seeds.get());
+                     costs[round / 2 % 4], seeds.get());
     const ifGraphPtr graph = pixelGraph(image.get(), adjacency);
     const ifGraphPtr made(
         iftGraph(graph.get(), isEuclidean ? ifGraphEuclideanDistance : ifGraphWatershedDistance,
-                 costs[round % 4], maxCost, seeds.get()));
+                 costs[round / 2 % 4], maxCost, seeds.get()));
     for (int p = 0; p < image->npixels; ++p)
       EXPECT_EQ(dataOf(made)[p],
                 (std::vector<int>{forest->band[0][p], forest->band[1][p], forest->band[2][p]}))
