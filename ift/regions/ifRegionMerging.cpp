@@ -23,6 +23,9 @@ using namespace seedforest::detail;
 
 namespace {
 
+template <class T>
+using MinHeap = std::priority_queue<T, Vector<T>, std::greater<>>;
+
 // Disjoint sets of vertices, each represented by its smallest one.
 class Regions {
 public:
@@ -125,6 +128,28 @@ int lightestNeighbor(BorderedRegions &regions, int region) {
     return true;
   });
   return best.second;
+}
+
+// The same for a region of 0 pixels. As it merges with others of 0 pixels it stays the smallest
+// region, and nothing else changes: so it takes them in here, one after the other, as a spanning
+// tree grows. Scanning all its edges for each would take a time that grows with their square.
+int lightestNeighborOfEmpty(BorderedRegions &regions, const int *areaOf, int region) {
+  MinHeap<std::pair<int, int>> border; // weight, neighbour
+  for (int next = region;;) {
+    regions.filterEdges(next, [&](int neighbor, const ifEdge &edge) {
+      border.emplace(edge.weight, neighbor);
+      return true;
+    });
+    if (next != region)
+      regions.merge(next, region);
+    while (!border.empty() && regions.of(border.top().second) == region)
+      border.pop();
+    if (border.empty())
+      return 0;
+    next = border.top().second;
+    if (areaOf[next] != 0)
+      return next;
+  }
 }
 
 // Region growing by mean colour: see the header.
@@ -253,7 +278,7 @@ ifGraph *ifEliminateSmallRegions(ifGraph *graph, int area, ifGraphWeightFn weigh
   requireGiven(operation, "weight", weight);
   BorderedRegions regions(operation, graph, 0);
   const Array<int> areaOf = areasOf(graph);
-  std::priority_queue<std::pair<int, int>, Vector<std::pair<int, int>>, std::greater<>> small;
+  MinHeap<std::pair<int, int>> small; // area, region
   const auto enqueue = [&](int region) {
     if (areaOf[region] < area)
       small.emplace(areaOf[region], region);
@@ -269,7 +294,9 @@ ifGraph *ifEliminateSmallRegions(ifGraph *graph, int area, ifGraphWeightFn weigh
     small.pop();
     if (regions.of(region) != region || areaOf[region] != areaThen)
       continue;
-    const int neighbor = lightestNeighbor(regions, region);
+    const int neighbor = areaOf[region] == 0
+                             ? lightestNeighborOfEmpty(regions, areaOf.get(), region)
+                             : lightestNeighbor(regions, region);
     if (neighbor == 0)
       continue;
     const int sum = areaOf[region] + areaOf[neighbor];

@@ -23,8 +23,7 @@
 /// smallest number; areas grow as regions merge. In the end a small region is left only where it
 /// has no neighbour. An area of 1 or less leaves all regions that have pixels.
 /// Algorithm: a heap of the small regions and a union-find. A region that comes up is the smallest,
-/// so merging doubles its area at least: each edge is looked at once for each doubling. Regions of
-/// 0 pixels may take more looks.
+/// so merging doubles its area at least: each edge is looked at once for each doubling.
 [[nodiscard]] ifGraph *ifEliminateSmallRegions(ifGraph *graph, int area, ifGraphWeightFn weight);
 
 /// Merges regions across every edge that weighs no more than the threshold, from the vertex in
