@@ -4,6 +4,8 @@
 #include "detail/quietly.h"
 #include "ift/regions/ifFeatures.h"
 #include "ift/regions/ifRegionData.h"
+#include "ift/regions/ifRegionMerging.h"
+#include "ift/regions/iftGraph.h"
 #include "ift/regions/iftSpanning.h"
 
 #include <algorithm>
@@ -139,6 +141,29 @@ Image RegionGraph::cutInto(int n) const {
 
 Image RegionGraph::cutAbove(int weight) const {
   return quietly([&] { return takeLabels(owned(ifThresholdMST(record(), weight))); });
+}
+
+RegionGraph RegionGraph::forestBy(const Roots &roots, ifPathCostFn cost, ifGraphWeightFn weight,
+                                  int maxCost) const {
+  return quietly(
+      [&] { return RegionGraph(owned(iftGraph(record(), weight, cost, maxCost, roots.get()))); });
+}
+
+Image RegionGraph::removeSmallBy(int area, ifGraphWeightFn weight) const {
+  return quietly(
+      [&] { return takeLabels(owned(ifEliminateSmallRegions(record(), area, weight))); });
+}
+
+Image RegionGraph::mergeSimilarBy(int threshold, ifGraphWeightFn weight) const {
+  return quietly(
+      [&] { return takeLabels(owned(eliminateSimilarRegions(record(), threshold, weight))); });
+}
+
+Image RegionGraph::mergeSimilarColors(const Image &image, int distance) const {
+  return quietly([&] {
+    return takeLabels(
+        owned(ifMergeSimilarColors(record(), recordOf(image), distance, ifGraphEuclideanDistance)));
+  });
 }
 
 RegionGraph RegionGraph::collapsed() const {

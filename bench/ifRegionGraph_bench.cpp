@@ -5,16 +5,20 @@
 #include "bench.h"
 
 #include "ift/regions/ifRegionGraph.h"
+#include "ift/regions/ifRegionMerging.h"
 #include "ift/regions/iftSpanning.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <vector>
 
 namespace {
 
-// Squares of 16 x 16 pixels, every second row shifted by half a square, numbered from 1.
-imImagePtr bricks(int side) {
-  constexpr int brick = 16;
+// Squares of some pixels, shifted from row to row as bricks are, numbered from 1.
+imImagePtr bricks(int side, int brick = 16) {
   imImagePtr labels(imCreateImage(1, imTypeAscii, side, side));
   const int perRow = side / brick + 1;
   for (int p = 0; p < labels->npixels; ++p) {
@@ -51,13 +55,28 @@ void mosaicToGraph(benchmark::State &state) {
   reportPeakMemory(state, labels->npixels);
 }
 
-// The spanning tree of a mosaic's regions by the difference of one feature; the graph is made
-// before the measurement.
+// A value 0 .. 999 for each label of a mosaic, the same ones every time.
+std::vector<int> randomFeatures(const imImagePtr &labels) {
+  std::mt19937 random(7);
+  std::vector<int> values(static_cast<std::size_t>(labels->maxValue) + 1);
+  std::ranges::generate(values, [&] { return static_cast<int>(random() % 1000); });
+  return values;
+}
+
+// The graph of a mosaic with one feature on each vertex.
+ifGraphPtr graphWithFeature(const imImagePtr &labels) {
+  ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
+  const std::vector<int> features = randomFeatures(labels);
+  for (int v = 0; v < graph->nVertices; ++v)
+    graph->vertices[v].data[0] = features[v];
+  return graph;
+}
+
+// The spanning tree of a mosaic's regions, weighed by the difference of one feature; the graph is
+// made beforehand.
 void treeOfRegions(benchmark::State &state) {
   const imImagePtr labels = bricks(static_cast<int>(state.range(0)));
-  const ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
-  for (int v = 0; v < graph->nVertices; ++v)
-    graph->vertices[v].data[0] = v * 7919LL % 1000;
+  const ifGraphPtr graph = graphWithFeature(labels);
   for (auto _ : state)
     ifGraphPtr(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
   reportPerItem(state, "ns/pixel", labels->npixels);
@@ -86,6 +105,59 @@ void cutStarIntoRegions(benchmark::State &state) {
   reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
 }
 
+// About n regions of 16 pixels, in the mosaic of a square image.
+imImagePtr smallBricks(std::int64_t n) {
+  return bricks(4 * static_cast<int>(std::sqrt(n)), 4);
+}
+
+// Merging down to a thousand regions or so, as small ones; what is left is counted.
+void dropSmallRegions(benchmark::State &state) {
+  const imImagePtr labels = smallBricks(state.range(0));
+  const ifGraphPtr graph = graphWithFeature(labels);
+  int left = 0;
+  for (auto _ : state) {
+    const ifGraphPtr merged(
+        ifEliminateSmallRegions(graph.get(), labels->npixels / 1500, ifGraphEuclideanDistance));
+    left = merged->nVertices - 1;
+  }
+  state.counters["left"] = left;
+  reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
+}
+
+// The same where all but one are neighbours of that one alone.
+void dropSmallRegionsOfStar(benchmark::State &state) {
+  const ifGraphPtr graph = graphWithFeature(star(static_cast<int>(state.range(0))));
+  for (auto _ : state)
+    ifGraphPtr(ifEliminateSmallRegions(graph.get(), 2, ifGraphEuclideanDistance));
+  reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
+}
+
+// Growing by mean colour until neighbours are far apart.
+void mergeSimilarColors(benchmark::State &state) {
+  const imImagePtr labels = smallBricks(state.range(0));
+  const ifGraphPtr graph(ifMosaicToGraph(labels.get()));
+  const imImagePtr image(imCopyImage(labels.get()));
+  const std::vector<int> features = randomFeatures(labels);
+  for (int p = 0; p < image->npixels; ++p)
+    image->band[0][p] = features[labels->band[0][p]];
+  int left = 0;
+  for (auto _ : state) {
+    const ifGraphPtr merged(
+        ifMergeSimilarColors(graph.get(), image.get(), 200, ifGraphEuclideanDistance));
+    left = merged->nVertices - 1;
+  }
+  state.counters["left"] = left;
+  reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
+}
+
+// Merging across light edges, which takes all edges once: what the other two are compared with.
+void mergeAcrossLightEdges(benchmark::State &state) {
+  const ifGraphPtr graph = graphWithFeature(smallBricks(state.range(0)));
+  for (auto _ : state)
+    ifGraphPtr(eliminateSimilarRegions(graph.get(), 100, ifGraphEuclideanDistance));
+  reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
+}
+
 void sides(benchmark::internal::Benchmark *b) {
   b->ArgName("side")->Arg(1024)->Arg(benchSide)->Unit(benchmark::kMillisecond);
 }
@@ -100,5 +172,15 @@ void doubling(benchmark::internal::Benchmark *b) {
 }
 BENCHMARK(starToGraph)->Apply(doubling);
 BENCHMARK(cutStarIntoRegions)->Apply(doubling);
+
+void doublingToAMillion(benchmark::internal::Benchmark *b) {
+  b->ArgName("regions")->Unit(benchmark::kMillisecond);
+  for (const int n : {125000, 250000, 500000, 1000000})
+    b->Arg(n);
+}
+BENCHMARK(mergeAcrossLightEdges)->Apply(doublingToAMillion);
+BENCHMARK(dropSmallRegions)->Apply(doublingToAMillion);
+BENCHMARK(dropSmallRegionsOfStar)->Apply(doublingToAMillion);
+BENCHMARK(mergeSimilarColors)->Apply(doublingToAMillion);
 
 } // namespace

@@ -1,50 +1,33 @@
-// Splits a grey or colour image into many regions, merges those of similar average colour until N
-// are left, and draws their borders over the image:
+// Splits a grey or colour image into many regions, merges them in one of three ways, and draws the
+// borders of what is left over the image:
 //
-//   merge_regions IMAGE N PICTURE.ppm
+//   merge_regions IMAGE N PICTURE.ppm [small | similar]
+//
+// Those of similar colour merge until N are left; with `small`, each of fewer than N pixels merges
+// with the neighbour of the most similar colour; with `similar`, the two neighbours of the most
+// similar average colours merge, as long as these differ by N at most.
 //
 // Built with the project as build/examples/merge_regions, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. examples/merge_regions.cpp -o merge_regions
 //       -Lbuild -lseedforest-ift -lseedforest-graph -lseedforest-image  (one line)
 
-#include "ift/ift.h"
-#include "image/image.h"
+#include "mosaic.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
-// The watershed of the image's gradient from its regional minima, labels from 1. Basins of fewer
-// than leastArea pixels are filled first, because small regions of unusual colour would merge last.
-static imImagePtr mosaic(const imImage *image) {
-  static constexpr int leastArea = 60;
-  const imImagePtr gradient(imCreateImage(1, imTypeAscii, image->ncols, image->nrows));
-  const imImagePtr forest(imCreateImage(3, imTypeWork, image->ncols, image->nrows));
-  if (gradient == nullptr || forest == nullptr)
-    return nullptr;
-  imMorphGrad(image, gradient.get());
-  imImage *closed = nullptr;
-  imImage *basins = nullptr;
-  ifAreaClose(gradient.get(), &closed, &basins, leastArea);
-  const imImagePtr owners[] = {imImagePtr(closed), imImagePtr(basins)};
-  const ifRootsPtr minima(ifRegionalMinimaAsRoots(closed));
-  iftNonNormalized(closed, forest.get(), imNeighborhood8, ifWatershedMetric, gradient->maxValue,
-                   ifPathCostMax, minima.get());
-  return imImagePtr(imCopyBand(forest.get(), imTypeAscii, 0));
-}
-
-// The mosaic with its regions merged: their minimum spanning tree, by the difference of the average
-// colours, is cut at its n - 1 heaviest edges.
-static ifGraphPtr merge(const imImage *labels, const imImage *image, int n) {
-  const ifGraphPtr regions(ifMosaicToGraph(labels));
-  const ifGraphPtr colours(ifComputeAverageColors(regions.get(), image));
-  const ifGraphPtr features(ifCreateFeaturesGraph(colours.get()));
-  const ifGraphPtr tree(iftPrimGraph(features.get(), ifGraphEuclideanDistance));
+// A spanning tree of the regions, by how much the average colours of neighbours differ, is cut at
+// its n - 1 heaviest edges.
+static ifGraphPtr mergeTo(int n, ifGraph *regions) {
+  const ifGraphPtr tree(iftPrimGraph(regions, ifGraphEuclideanDistance));
   return ifGraphPtr(ifThresholdMST_nRegions(tree.get(), n));
 }
 
 int main(int argc, char **argv) {
-  if (argc != 4) {
-    std::fprintf(stderr, "usage: %s IMAGE N PICTURE.ppm\n", argv[0]);
+  const std::string_view way = argc == 5 ? argv[4] : "";
+  if (argc < 4 || argc > 5 || (argc == 5 && way != "small" && way != "similar")) {
+    std::fprintf(stderr, "usage: %s IMAGE N PICTURE [small | similar]\n", argv[0]);
     return 1;
   }
   imImage *read = nullptr;
@@ -53,11 +36,20 @@ int main(int argc, char **argv) {
   const imImagePtr labels = mosaic(image.get());
   if (labels == nullptr)
     return 1;
-  const ifGraphPtr merged = merge(labels.get(), image.get(), std::atoi(argv[2]));
+  const ifGraphPtr regions = coloredRegions(labels.get(), image.get());
+  const int n = std::atoi(argv[2]);
+  ifGraphPtr merged;
+  if (way == "small")
+    merged.reset(ifEliminateSmallRegions(regions.get(), n, ifGraphEuclideanDistance));
+  else if (way == "similar")
+    merged.reset(ifMergeSimilarColors(regions.get(), image.get(), n, ifGraphEuclideanDistance));
+  else
+    merged = mergeTo(n, regions.get());
   const imImagePtr picture(imShowSegm(image.get(), merged->labelImage, 255, 0, 0));
   if (picture == nullptr)
     return 1;
-  std::printf("%d regions before merging\n", labels->maxValue);
+  std::printf("%d regions before merging, %d after\n", labels->maxValue,
+              merged->labelImage->maxValue);
   imSaveImage(argv[3], picture.get());
   return 0;
 }

@@ -15,6 +15,8 @@
 #include "ift/regions/ifFeatures.h"
 #include "ift/regions/ifRegionData.h"
 #include "ift/regions/ifRegionGraph.h"
+#include "ift/regions/ifRegionMerging.h"
+#include "ift/regions/iftGraph.h"
 #include "ift/regions/iftSpanning.h"
 #include "ift/seeds/ifCellSeeds.h"
 #include "ift/seeds/ifContourSeeds.h"

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "graph/graph.h"
+#include "ift/core/ifCost.h"
 #include "ift/regions/ifRegionGraph.h"
 #include "seedforest/detail/through.hpp"
 #include "seedforest/image.hpp"
+#include "seedforest/roots.hpp"
 
 #include <span>
 #include <vector>
@@ -128,8 +130,38 @@ public:
   Image cutInto(int n) const;
   Image cutAbove(int weight) const;
 
-  /// The graph of merged regions, where the first feature is the number of the merged region; see
-  /// ifColapseGraph.
+  /// Labels of merged regions, likewise, in the order of the regions that they are made of. In the
+  /// first, regions of fewer pixels than `area` go to the neighbour at the lightest edge; in the
+  /// second, regions merge across all edges up to a weight, whether they are connected with region
+  /// 1 or not; in the third, the two neighbours of the nearest average colours merge as long as
+  /// these, which follow, are no farther apart than a distance. See ifRegionMerging.h.
+  /// Throws Error: no features where the weights read them, an image of another size.
+  template <class Weight = const ifGraphWeightFn &>
+  Image removeSmall(int area, Weight &&weight = regionWeight::euclidean) const {
+    return detail::withFunction<ifGraphWeightFn>(
+        weight, [&](ifGraphWeightFn function) { return removeSmallBy(area, function); });
+  }
+  template <class Weight = const ifGraphWeightFn &>
+  Image mergeSimilar(int threshold, Weight &&weight = regionWeight::euclidean) const {
+    return detail::withFunction<ifGraphWeightFn>(
+        weight, [&](ifGraphWeightFn function) { return mergeSimilarBy(threshold, function); });
+  }
+  Image mergeSimilarColors(const Image &image, int distance) const;
+
+  /// The forest of the paths of least cost from regions, the pixels of the roots: a copy with
+  /// label, cost and predecessor on each vertex; see iftGraph. Costs beyond maxCost are served in
+  /// remainder order.
+  /// Throws Error: a root that is no vertex, a negative maxCost.
+  template <class Cost, class Weight>
+  RegionGraph forest(const Roots &roots, Cost &&cost, Weight &&weight, int maxCost = 1000) const {
+    return detail::withFunction<ifPathCostFn>(cost, [&](ifPathCostFn costFunction) {
+      return detail::withFunction<ifGraphWeightFn>(weight, [&](ifGraphWeightFn weightFunction) {
+        return forestBy(roots, costFunction, weightFunction, maxCost);
+      });
+    });
+  }
+
+  /// The graph of the regions that the first feature numbers; see ifColapseGraph.
   RegionGraph collapsed() const;
 
   /// An image with a band for each feature: its value on each pixel's region.
@@ -137,6 +169,10 @@ public:
 
 private:
   RegionGraph treeBy(ifGraphWeightFn weight) const;
+  RegionGraph forestBy(const Roots &roots, ifPathCostFn cost, ifGraphWeightFn weight,
+                       int maxCost) const;
+  Image removeSmallBy(int area, ifGraphWeightFn weight) const;
+  Image mergeSimilarBy(int threshold, ifGraphWeightFn weight) const;
 };
 
 } // namespace seedforest

@@ -54,6 +54,22 @@ int rescale(int value, int range) {
   return wrap(std::int64_t{wrap(std::int64_t{value} * 1000)} / range);
 }
 
+struct Range {
+  int min;
+  int max;
+};
+
+// Rescales n >= 1 values to 0 .. 1000; zeros stay where they are all the same. Returns their range.
+Range rescaleBand(const int *value, int n, int *rescaled) {
+  const auto [smallest, largest] = std::minmax_element(value, value + n);
+  const std::int64_t min = *smallest;
+  const int range = wrap(*largest - min);
+  if (range != 0)
+    std::transform(value, value + n, rescaled,
+                   [=](int v) { return rescale(wrap(v - min), range); });
+  return {*smallest, *largest};
+}
+
 } // namespace
 
 void ifAverageColor(const imImage *image, imImage *output, const imImage *labels) {
@@ -78,15 +94,23 @@ imImage *ifCreateFeaturesVector(const imImage *image) {
   requireBands("ifCreateFeaturesVector", image, 0);
   imImagePtr result = createLike(image, image->nbands, imTypeFeatures);
   for (int b = 0; b < image->nbands; ++b) {
-    const int *value = image->band[b];
-    const auto [smallest, largest] = std::minmax_element(value, value + image->npixels);
-    const std::int64_t min = *smallest;
-    const int range = wrap(*largest - min);
-    progress("MAX = %d, MIN = %d\n", *largest, *smallest);
-    if (range != 0)
-      std::transform(value, value + image->npixels, result->band[b],
-                     [=](int v) { return rescale(wrap(v - min), range); });
+    const Range range = rescaleBand(image->band[b], image->npixels, result->band[b]);
+    progress("MAX = %d, MIN = %d\n", range.max, range.min);
   }
+  result->maxValue = 1000;
+  return result.release();
+}
+
+imImage *ifAddFeatureToVector(const imImage *features, const imImage *image, int band) {
+  requireBands("ifAddFeatureToVector", features, 0);
+  requireBands("ifAddFeatureToVector", image, 0);
+  requireSameSize("ifAddFeatureToVector", features, image);
+  if (band < 0 || band >= image->nbands)
+    fatal("ifAddFeatureToVector: the image has no band %d\n", band);
+  imImagePtr result = createLike(features, features->nbands + 1, imTypeFeatures);
+  for (int b = 0; b < features->nbands; ++b)
+    std::copy_n(features->band[b], features->npixels, result->band[b]);
+  rescaleBand(image->band[band], image->npixels, result->band[features->nbands]);
   result->maxValue = 1000;
   return result.release();
 }

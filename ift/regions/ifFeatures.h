@@ -25,6 +25,12 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
 /// becomes 0. Prints "MAX = %d, MIN = %d\n" on standard output for each band.
 [[nodiscard]] imImage *ifCreateFeaturesVector(const imImage *image);
 
+/// A new image of type features, maxValue 1000, with the bands of a feature image and one more
+/// behind them: that of the image, 0 .. nbands - 1, rescaled as by ifCreateFeaturesVector(). Prints
+/// nothing. Ends with an error, too: no such band.
+[[nodiscard]] imImage *ifAddFeatureToVector(const imImage *features, const imImage *image,
+                                            int band);
+
 /// A copy of the graph (see copyBaseGraph) with the averages of the image's bands on each vertex,
 /// over the pixels that have its label; 0 where there are none.
 [[nodiscard]] ifGraph *ifComputeAverageColors(ifGraph *graph, const imImage *image);

@@ -160,20 +160,7 @@ ifGraph *ifColapseGraph(ifGraph *graph) {
   const Array<int> region = makeArray<int>(static_cast<std::size_t>(n));
   std::transform(graph->vertices, graph->vertices + n, region.get(),
                  [](const ifVertex &vertex) { return vertex.data[0]; });
-  const std::int64_t last = n == 0 ? 0 : *std::max_element(region.get(), region.get() + n);
-  imImagePtr labels =
-      createImage(1, imTypeAscii, graph->labelImage->ncols, graph->labelImage->nrows);
-  mapLabels(graph->labelImage, region.get(), labels.get());
-  labels->maxValue = largestValue(labels.get(), 0);
-  ifGraphPtr merged =
-      requireMade(tryMakeGraph("createGraph", std::max<std::int64_t>(last, 0) + 1, 0).release());
-  setLabelImage(merged.get(), labels.release());
-  EdgeInserter edges("ifColapseGraph", merged.get());
-  forEachEdge("ifColapseGraph", graph, [&](int v, const ifEdge &edge) {
-    if (region[v] != region[edge.target])
-      edges.insertDirected(region[v], region[edge.target], 0);
-  });
-  return merged.release();
+  return collapse("ifColapseGraph", graph, region.get()).release();
 }
 
 namespace seedforest::detail {
@@ -181,6 +168,24 @@ namespace seedforest::detail {
 void mapLabels(const imImage *labels, const int *map, imImage *output) {
   std::transform(labels->band[0], labels->band[0] + labels->npixels, output->band[0],
                  [map](int label) { return map[label]; });
+}
+
+ifGraphPtr collapse(const char *operation, const ifGraph *graph, const int *region) {
+  const int n = graph->nVertices;
+  const std::int64_t last = n == 0 ? 0 : *std::max_element(region, region + n);
+  imImagePtr labels =
+      createImage(1, imTypeAscii, graph->labelImage->ncols, graph->labelImage->nrows);
+  mapLabels(graph->labelImage, region, labels.get());
+  labels->maxValue = largestValue(labels.get(), 0);
+  ifGraphPtr merged =
+      requireMade(tryMakeGraph("createGraph", std::max<std::int64_t>(last, 0) + 1, 0).release());
+  setLabelImage(merged.get(), labels.release());
+  EdgeInserter edges(operation, merged.get());
+  forEachEdge(operation, graph, [&](int v, const ifEdge &edge) {
+    if (region[v] != region[edge.target])
+      edges.insertDirected(region[v], region[edge.target], 0);
+  });
+  return merged;
 }
 
 } // namespace seedforest::detail

@@ -10,6 +10,7 @@
 #include "graph/unionfind.h"
 #include "ift/core/detail/forestTransforms.h"
 #include "ift/label/ifLabel.h"
+#include "ift/regions/detail/graphTransforms.h"
 #include "ift/regions/detail/regionWalks.h"
 #include "image/detail/imageTools.h"
 
@@ -23,9 +24,6 @@
 using namespace seedforest::detail;
 
 namespace {
-
-// A vertex's integers in a spanning tree of regions.
-enum TreeData { treeNumber, treeCost, treePredecessor, treeDataSize };
 
 template <class Arcs>
 void growPixelTree(Arcs arcs, imImage *forest) {
@@ -50,43 +48,19 @@ void checkForest(const char *operation, const imImage *image, const imImage *for
 
 constexpr const char *primGraph = "iftPrimGraph";
 
-struct GraphArcs {
-  const ifGraph *graph;
-  ifGraphWeightFn weigh;
-
-  template <class Visit>
-  void each(int u, Visit visit) const {
-    forEachEdgeOf(primGraph, graph, u, [&](const ifEdge &edge) { visit(edge.target, 0); });
-  }
-  int weight(int u, int v, int) const { return weigh(graph, u, v); }
-};
-
-// The spanning tree of a graph: a graph whose vertices hold their TreeData.
-struct GraphTreeTransform {
+// The spanning tree of a graph: a graph whose vertices hold what they gain.
+struct GraphTreeTransform : VertexForest {
   static constexpr int nbuckets = 1001;
-
-  GraphArcs arcs;
-  ifVertex *vertices; // of the tree
-
-  void set(int v, int number, int cost, int predecessor) {
-    int *data = vertices[v].data;
-    data[treeNumber] = number;
-    data[treeCost] = cost;
-    data[treePredecessor] = predecessor;
-  }
 
   // No search for duplicates: a vertex has no edge in the tree before it is settled.
   void settle(int v) {
-    const int predecessor = vertices[v].data[treePredecessor];
+    const int predecessor = vertices[v].data[forestPredecessor];
     if (predecessor == v)
       return;
     prependEdge(&vertices[predecessor], v, costOf(v));
     prependEdge(&vertices[v], predecessor, costOf(v));
   }
-  int costOf(int v) const { return vertices[v].data[treeCost]; }
   int extend(int u, int v, int k) const { return arcs.weight(u, v, k); }
-  bool improves(int offered, int v) const { return offered < costOf(v); }
-  void conquer(int u, int v, int, int offered) { set(v, vertices[u].data[treeNumber], offered, u); }
   int bucket(int offered, int) const { return circularBucket(offered, nbuckets); }
 };
 
@@ -155,11 +129,10 @@ void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights) {
 ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight) {
   requireData(primGraph, graph, 1);
   requireGiven(primGraph, "weight", weight);
-  ifGraphPtr tree = requireMade(tryMakeAlike(graph, treeDataSize).release());
+  ifGraphPtr tree = requireMade(tryMakeAlike(graph, forestDataSize).release());
   const int n = graph->nVertices;
-  Marked<GraphTreeTransform> transform({{graph, weight}, tree->vertices}, n);
-  for (int v = 0; v < n; ++v)
-    transform.set(v, 0, ifInfiniteCost, v);
+  Marked<GraphTreeTransform> transform({{{primGraph, graph, weight}, tree->vertices}}, n);
+  transform.clear(n);
   if (n < 2)
     return tree.release();
   PulledBackQueue<CostedEntry> queue(GraphTreeTransform::nbuckets, n);
@@ -190,17 +163,17 @@ void ifMstThreshold(const imImage *forest, imImage *output, double fraction) {
 }
 
 ifGraph *ifThresholdGraph(ifGraph *tree, double fraction) {
-  requireData("ifThresholdGraph", tree, treeDataSize);
+  requireData("ifThresholdGraph", tree, forestDataSize);
   requireRegions("ifThresholdGraph", tree);
   const int n = tree->nVertices;
   const int threshold = truncate(fraction * 1000.0);
   const auto isKept = [&](int v) {
     const int *data = tree->vertices[v].data;
-    return data[treePredecessor] != v && data[treeCost] <= threshold;
+    return data[forestPredecessor] != v && data[forestCost] <= threshold;
   };
   for (int v = 1; v < n; ++v)
     if (isKept(v))
-      requireVertex("ifThresholdGraph", tree, tree->vertices[v].data[treePredecessor]);
+      requireVertex("ifThresholdGraph", tree, tree->vertices[v].data[forestPredecessor]);
   ifGraphPtr graph = requireMade(tryMakeAlike(tree, 0).release());
   progress("threshold is %d\n", threshold);
   DisjointSets sets(n);
@@ -208,8 +181,8 @@ ifGraph *ifThresholdGraph(ifGraph *tree, double fraction) {
   for (int v = 1; v < n; ++v)
     if (isKept(v)) {
       const int *data = tree->vertices[v].data;
-      edges.insert(v, data[treePredecessor], data[treeCost]);
-      sets.join(v, data[treePredecessor]);
+      edges.insert(v, data[forestPredecessor], data[forestCost]);
+      sets.join(v, data[forestPredecessor]);
     }
   const Array<int> representative = makeArray<int>(static_cast<std::size_t>(n));
   for (int v = 0; v < n; ++v)

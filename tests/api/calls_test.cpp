@@ -145,6 +145,10 @@ private:
     add("ifComputeVolume", ifComputeVolume, graph, grey);
     add("ifComputeAverageColors", ifComputeAverageColors, graph, labels);
     add("ifCreateFeaturesVector", ifCreateFeaturesVector, colour);
+    add("ifAddFeatureToVector", ifAddFeatureToVector, colour, grey, 0);
+    add("ifEliminateSmallRegions", ifEliminateSmallRegions, graph, 7, ifGraphEuclideanDistance);
+    add("eliminateSimilarRegions", eliminateSimilarRegions, graph, 2, ifGraphEuclideanDistance);
+    add("ifMergeSimilarColors", ifMergeSimilarColors, graph, grey, 9, ifGraphEuclideanDistance);
     add("ifCreateFeaturesGraph", ifCreateFeaturesGraph, graph);
     add("ifAverageColor", ifAverageColor, grey, out, mask);
     add("ifAverageColorsGraphToImage", ifAverageColorsGraphToImage, graph, imTypeGrey);
@@ -383,6 +387,8 @@ TEST_F(Scope, RefusesWhatDoesNotFit) {
       {"ifThresholdGraph", [&] { t.take(ifThresholdGraph(t.bareGraph, 0.5)); }},
       {"ifThresholdGraph", [&] { t.take(ifThresholdGraph(t.unlabelled, 0.5)); }},
       {"ifThresholdMST: vertex 77", [&] { t.take(ifThresholdMST(t.astray, 1)); }},
+      {"iftGraph: vertex 77",
+       [&] { t.take(iftGraph(t.astray, ifGraphMinDistance, ifPathCostMax, 9, t.roots)); }},
       {"ifInitColorData", [&] { ifInitColorData(&t.sets, t.colour); }},
       {"ifEdgeWeightArea", [&] { ifEdgeWeightArea(t.grey, &t.sets, 0, 1); }},
       {"ifComputeArea: vertex 77", [&] { t.take(ifComputeArea(t.astray)); }},

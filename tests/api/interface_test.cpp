@@ -275,6 +275,19 @@ TEST_F(Interface, GivesRegionGraphsOfTheLibrary) {
   const ifGraphPtr below(ifThresholdMST(tree.get(), 300));
   EXPECT_TRUE(regions.mergeTo(3) == given(imCopyImage(three->labelImage)));
   EXPECT_TRUE(regions.mergeBelow(300) == given(imCopyImage(below->labelImage)));
+  const auto expectLabels = [](const sf::Image &got, ifGraph *made) {
+    EXPECT_TRUE(got == given(imCopyImage(ifGraphPtr(made)->labelImage)));
+  };
+  const auto &weigh = ifGraphEuclideanDistance;
+  expectLabels(regions.removeSmall(4), ifEliminateSmallRegions(features.get(), 4, weigh));
+  expectLabels(regions.mergeSimilar(300, captured),
+               eliminateSimilarRegions(features.get(), 300, weigh));
+  expectLabels(regions.mergeSimilarColors(color, 60),
+               ifMergeSimilarColors(mosaic.get(), color.get(), 60, weigh));
+  const sf::Roots marked = {{1, 1, 0}, {3, 2, 0}};
+  const ifGraphPtr grown(iftGraph(features.get(), weigh, ifPathCostMax, 1000, marked.get()));
+  EXPECT_EQ(printed(regions.forest(marked, sf::pathCost::max, captured).get()),
+            printed(grown.get()));
   EXPECT_TRUE(regions.paint() ==
               given(ifAverageColorsGraphToImage(features.get(), imTypeFeatures)));
   const ifGraphPtr areas(ifComputeArea(mosaic.get()));

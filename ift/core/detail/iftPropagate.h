@@ -13,6 +13,7 @@
 //   iftFuzzy, for each object    max(cost of p, link)                  <       cost
 //   iftPrim, iftPrimWF           49 times the weight, no path          <       cost, pulled back
 //   iftPrimGraph                 the edge's weight, no path            <       cost, pulled back
+//   iftGraph                     pathCost(cost of u, edge's weight)    <       cost
 //   an area opening's flood      min(cost of p, value of q)            >       bound - cost
 //
 // Ties: within a bucket first in, first out; a pixel conquered again waits behind all that are in

@@ -9,6 +9,10 @@ namespace seedforest::detail {
 /// be the label image itself.
 void mapLabels(const imImage *labels, const int *map, imImage *output);
 
+/// ifColapseGraph() of a graph whose label image has been checked, by the numbers of the regions
+/// that its vertices become part of.
+ifGraphPtr collapse(const char *operation, const ifGraph *graph, const int *region);
+
 /// Calls visit(edge) for each edge of vertex v, from the head of its list.
 template <class Visit>
 void forEachEdgeOf(const char *operation, const ifGraph *graph, int v, Visit visit) {

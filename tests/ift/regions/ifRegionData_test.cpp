@@ -109,6 +109,11 @@ TEST(Features, Rescaled) {
     const imImagePtr image = makeImage(values);
     EXPECT_EQ(printedBy([&] { rescaled = ifCreateFeaturesVector(image.get()); }), line);
     expectImage("", rescaled, imTypeFeatures, 1000, {expected});
+    const imImagePtr two = makeBands({values, values}, imTypeWork);
+    std::fill_n(two->band[0], two->npixels, 9);
+    EXPECT_EQ(printedBy([&] { rescaled = ifAddFeatureToVector(two.get(), two.get(), 1); }), "");
+    expectImage("", rescaled, imTypeFeatures, 1000,
+                {{std::vector<int>(values[0].size(), 9)}, values, expected});
   }
   const ifGraphPtr graph = withData({{10, 0}, {11, -1}, {12, -4}}, {});
   ifGraphPtr features;

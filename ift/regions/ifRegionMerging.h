@@ -1,0 +1,50 @@
+// Merging the regions of a mosaic: away with small ones, and together what looks alike.
+//
+// A region is known by the smallest of the vertices that it consists of; this number decides ties.
+// Vertex 0 is no region: it neither merges nor is merged with. A label that no pixel has is a
+// region of 0 pixels. Regions are neighbours where an edge leads from one to the other, in the
+// lists of either. Edges weigh what the function says of the graph given, whatever weights stand in
+// the lists.
+//
+// The result is the graph of merged regions, as by ifColapseGraph(), numbered from 1 in the order
+// of the numbers that they are known by, and 0: new, and the caller's to release. Nothing is
+// printed.
+//
+// Ends with an error, in every operation: no graph, no label image or no weight, labels or edges
+// that lead outside the graph's vertices, memory that cannot be allocated (an error is a line on
+// standard error and status 1, or an exception: base/error.h).
+#pragma once
+
+#include "ift/regions/ifRegionGraph.h"
+
+/// Merges each region of fewer than `area` pixels with the neighbour to which it has the lightest
+/// edge, weighed from the small region's vertex to the neighbour's; of equal ones with the
+/// neighbour of the smallest number. The smallest region comes first, of equal ones that of the
+/// smallest number; areas grow as regions merge. In the end a small region is left only where it
+/// has no neighbour. An area of 1 or less leaves all regions that have pixels.
+/// Algorithm: a heap of the small regions and a union-find. A region that comes up is the smallest,
+/// so merging doubles its area at least: each edge is looked at once for each doubling.
+[[nodiscard]] ifGraph *ifEliminateSmallRegions(ifGraph *graph, int area, ifGraphWeightFn weight);
+
+/// Merges regions across every edge that weighs no more than the threshold, from the vertex in
+/// whose list it stands to its target: single linkage (Sneath, "The application of computers to
+/// taxonomy", 1957), in linear time but for the union-find.
+[[nodiscard]] ifGraph *eliminateSimilarRegions(ifGraph *graph, int threshold,
+                                               ifGraphWeightFn weight);
+
+/// Merges the two neighbours that are the most alike, as long as their edge weighs no more than the
+/// threshold: region growing by mean colour.
+///   image   at least one band, of the label image's size; the averages of its bands, as by
+///           ifComputeAverageColors(), are the features, and follow the regions as they merge
+///   weight  is asked about a graph of dataSize image->nbands in which the vertex of a region's
+///           number has its averages, with the smaller number first; ifGraphEuclideanDistance is
+///           the usual one
+/// Of equally light edges that with the smaller of the smaller numbers at its ends comes first,
+/// then that with the smaller of the larger numbers.
+/// Algorithm: stepwise optimization (Beaulieu and Goldberg, "Hierarchy in picture segmentation: a
+/// stepwise optimization approach", 1989) on a heap of edges, renewed around a region whose number
+/// or averages have changed. Each such change takes a time that grows with the number of the
+/// region's neighbours.
+/// Ends with an error, too: an image of another size or without bands.
+[[nodiscard]] ifGraph *ifMergeSimilarColors(ifGraph *graph, const imImage *image, int threshold,
+                                            ifGraphWeightFn weight);
