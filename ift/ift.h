@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ift/core/ifCost.h"
+#include "ift/core/ifExactDistance.h"
 #include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
 #include "ift/core/ifWeightImage.h"

@@ -185,6 +185,8 @@ TEST(Errors, OfTransformsLabelsAndSeeds) {
                  t.roots.get());
        }},
       {"iftEuclideanDT", [&] { iftEuclideanDT(grey, t.forest.get(), eight, outside); }},
+      {"ifExactDistance: pixel 12", [&] { ifExactDistance(grey, t.forest.get(), outside); }},
+      {"ifExactDistance", [&] { ifExactDistance(grey, out, t.roots.get()); }},
       {"iftFuzzy",
        [&] {
          const int parameters[] = {0, 0};

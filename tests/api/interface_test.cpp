@@ -222,6 +222,9 @@ TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
       [&](imImage *out) { iftMaskWF(g, out, s, expectedWeights.get(), ifPathCostMax, r); });
   expectForest("distances", sf::distanceTransform(grey, roots), grey,
                [&](imImage *out) { iftEuclideanDT(g, out, imNeighborhood8, r); });
+  const auto [labels, squared, pixels] = sf::exactDistanceTransform(grey, roots);
+  expectForest("exact distances", {labels.copy(), squared.copy(), pixels.copy()}, grey,
+               [&](imImage *out) { ifExactDistance(g, out, r); });
   const sf::SpanningTree tree = sf::spanningTree(grey, sf::arcWeight::largestDifference);
   const sf::Image prim = filled(
       grey, 2, imTypeWork, [&](imImage *out) { iftPrim(g, out, imNeighborhood8, ifMaxDistance); });

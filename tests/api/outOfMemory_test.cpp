@@ -236,6 +236,7 @@ TEST_F(Memory, OfTransforms) {
        }},
       {"iftEuclideanDT",
        [&](Made &) { iftEuclideanDT(grey.get(), forest.get(), imNeighborhood8, roots.get()); }},
+      {"ifExactDistance", [&](Made &) { ifExactDistance(grey.get(), forest.get(), roots.get()); }},
       {"iftFuzzy",
        [&](Made &) {
          const int mean[] = {0, 2, 4}, sigma[] = {1, 2, 1};
