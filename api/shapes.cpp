@@ -103,6 +103,10 @@ Skeleton skeleton(const Image &shape, int scale, Side side) {
   });
 }
 
+Image shapeOf(const Image &squaredDistances) {
+  return quietly([&] { return made(iftSkelReconstr(recordOf(squaredDistances))); });
+}
+
 Components splitTouching(const Image &shape, int h) {
   return quietly([&] {
     const Image squared = distanceTransform(shape).costs;

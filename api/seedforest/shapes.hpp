@@ -49,6 +49,10 @@ struct Skeleton {
 /// Throws Error: an image of several bands.
 Skeleton skeleton(const Image &shape, int scale, Side side = Side::inside);
 
+/// The shape that a skeleton's squared distances make: 1 wherever some pixel of value d > 0 lies at a
+/// squared distance of at most d. See iftSkelReconstr.
+Image shapeOf(const Image &squaredDistances);
+
 /// Separates shapes that touch: labels from 1, a different one for each part, 0 outside. A part is
 /// what grows around a maximum, by more than h pixels, of the (not squared) distance to the nearest
 /// pixel outside the shape: the watershed of the distance's negative within the shape. Necks that

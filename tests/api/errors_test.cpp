@@ -243,6 +243,7 @@ TEST(Errors, OfOperatorsAndRegions) {
       {"ifLevel2", [&] { ifLevel2(grey, grey, nullptr); }},
       {"iftSkelNova", [&] { iftSkelNova(grey, t.forest.get(), nullptr); }},
       {"ifSkel", [&] { ifSkel(grey, 0, 1, nullptr); }},
+      {"iftSkelReconstr", [&] { t.made = iftSkelReconstr(t.bare.get()); }},
       {"ifSkel", [&] { ifSkel(t.colour.get(), 0, 1, made); }},
       {"ifMosaicToGraph", [&] { drop(ifMosaicToGraph(t.far.get())); }},
       {"ifMorphoGradGraph", [&] { drop(ifMorphoGradGraph(none)); }},

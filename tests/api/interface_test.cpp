@@ -262,6 +262,7 @@ TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
            filter([&](imImage **f, imImage **l) { ifLevel(g, o, sides.get(), f, l); })},
       Case{"level 2", sf::level(grey, other), given(levelled)},
       Case{"skeleton", sf::skeleton(shape, 2, sf::Side::both).squaredDistances, given(skeleton)},
+      Case{"shape of a skeleton", sf::shapeOf(grey), given(iftSkelReconstr(g))},
       Case{"flatZones", sf::flatZones(shape, roots),
            filled(shape, [&](imImage *out) { ifConnectedComponents(s, out, r); })}));
 }
