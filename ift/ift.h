@@ -11,6 +11,7 @@
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/operators/ifConnected.h"
+#include "ift/operators/ifEuclideanShortestPath.h"
 #include "ift/operators/ifSkeleton.h"
 #include "ift/operators/iftFuzzy.h"
 #include "ift/regions/ifFeatures.h"

@@ -53,6 +53,11 @@ Skeleton skeleton(const Image &shape, int scale, Side side = Side::inside);
 /// squared distance of at most d. See iftSkelReconstr.
 Image shapeOf(const Image &squaredDistances);
 
+/// The shortest 8-connected path within a mask (band 0 above 0) as roots in its order: label is the
+/// place, from 1, value the squared straight distance from where it begins. Empty where there is
+/// none. See ifEuclideanShortestPath. Throws Error: a pixel outside the image.
+Roots shortestPath(const Image &mask, int from, int to);
+
 /// Separates shapes that touch: labels from 1, a different one for each part, 0 outside. A part is
 /// what grows around a maximum, by more than h pixels, of the (not squared) distance to the nearest
 /// pixel outside the shape: the watershed of the distance's negative within the shape. Necks that

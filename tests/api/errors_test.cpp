@@ -243,6 +243,8 @@ TEST(Errors, OfOperatorsAndRegions) {
       {"ifLevel2", [&] { ifLevel2(grey, grey, nullptr); }},
       {"iftSkelNova", [&] { iftSkelNova(grey, t.forest.get(), nullptr); }},
       {"ifSkel", [&] { ifSkel(grey, 0, 1, nullptr); }},
+      {"ifEuclideanShortestPath: pixel 12",
+       [&] { t.roots.reset(ifEuclideanShortestPath(grey, 0, 12)); }},
       {"iftSkelReconstr", [&] { t.made = iftSkelReconstr(t.bare.get()); }},
       {"ifSkel", [&] { ifSkel(t.colour.get(), 0, 1, made); }},
       {"ifMosaicToGraph", [&] { drop(ifMosaicToGraph(t.far.get())); }},

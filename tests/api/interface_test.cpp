@@ -182,6 +182,7 @@ TEST_F(Interface, GivesRootsOfTheLibrary) {
       }));
   add("skeleton by curve", sf::skeletonRootsByCurve(shape),
       written([&](ifRoots *roots) { ifSkel2RootsSplit(s, roots); }));
+  add("path", sf::shortestPath(grey, 0, 390), ifRootsPtr(ifEuclideanShortestPath(g, 0, 390)));
   for (const RootsCase &c : cases) {
     EXPECT_GT(c.got.size(), 0U) << c.name;
     EXPECT_EQ(listOf(c.got.get()), listOf(c.expected.get())) << c.name;

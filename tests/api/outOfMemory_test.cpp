@@ -303,6 +303,8 @@ TEST_F(Memory, OfOperators) {
       {"ifLevel",
        both([&](imImage **a, imImage **b) { ifLevel(grey.get(), mask.get(), roots.get(), a, b); })},
       {"ifLevel2", both([&](imImage **a, imImage **) { ifLevel2(grey.get(), mask.get(), a); })},
+      {"ifEuclideanShortestPath",
+       [&](Made &made) { made.roots.reset(ifEuclideanShortestPath(shape.get(), 8, 19)); }},
       {"iftSkelReconstr", [&](Made &made) { made.image.reset(iftSkelReconstr(grey.get())); }},
       {"ifSkel", both([&](imImage **a, imImage **) { ifSkel(shape.get(), 1, 3, a); })},
   });
