@@ -192,6 +192,11 @@ TEST(Errors, OfTransformsLabelsAndSeeds) {
          const int parameters[] = {0, 0};
          iftFuzzy(grey, out, out, eight, t.roots.get(), parameters, parameters, 1);
        }},
+      {"iftFuzzyEdges: there is no image",
+       [&] {
+         const imImage *const weights[] = {nullptr, nullptr};
+         iftFuzzyEdges(grey, out, out, eight, t.roots.get(), weights, 1);
+       }},
       {"ifLabelImage", [&] { ifLabelImage(grey, small); }},
       {"ifConnectedComponents", [&] { ifConnectedComponents(grey, out, nullptr); }},
       {"ifConnectedComponents: pixel 12", [&] { ifConnectedComponents(grey, out, outside); }},
