@@ -1,6 +1,7 @@
 // Skeletons of a shape, the pixels of an image above a grey level (0 unless given), at three
 // scales: three parts side by side with the shape in grey, the skeleton inside it in red and the
-// one outside in blue. The larger the scale, the fewer branches:
+// one outside in blue. The larger the scale, the fewer branches; what the discs around the pixels of
+// the inner one leave out of the shape is orange:
 //
 //   skeleton IMAGE PICTURE.ppm [LEVEL]
 //
@@ -24,11 +25,13 @@ static imImagePtr paintSkeletons(const imImage *shape, int scale) {
   ifSkel(shape, 1, scale, &inside);
   ifSkel(shape, 2, scale, &outside);
   const imImagePtr owners[] = {imImagePtr(inside), imImagePtr(outside)};
+  const imImagePtr rebuilt(iftSkelReconstr(inside));
   imImagePtr picture(imCreateImage(3, imTypeColor, shape->ncols, shape->nrows));
-  if (picture == nullptr)
+  if (rebuilt == nullptr || picture == nullptr)
     return nullptr;
   for (int p = 0; p < shape->npixels; ++p) {
-    paint(picture.get(), p, shape->band[0][p] > 0 ? Colour{190, 190, 190} : Colour{255, 255, 255});
+    const Colour held = rebuilt->band[0][p] > 0 ? Colour{190, 190, 190} : Colour{255, 170, 60};
+    paint(picture.get(), p, shape->band[0][p] > 0 ? held : Colour{255, 255, 255});
     if (inside->band[0][p] > 0)
       paint(picture.get(), p, {220, 0, 0});
     if (outside->band[0][p] > 0)
