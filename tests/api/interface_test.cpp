@@ -282,6 +282,10 @@ TEST_F(Interface, GivesFuzzyObjectsOfTheLibrary) {
   });
   EXPECT_TRUE(got.labels == labels);
   EXPECT_TRUE(got.costs == costs);
+  const std::array links = {given(ifFuzzyEdgesWeight(g, imNeighborhood8, 10, 50)),
+                            given(ifFuzzyEdgesWeight(g, imNeighborhood8, 30, 20))};
+  EXPECT_TRUE(sf::fuzzyConnectedness(links, roots).labels == labels);
+  EXPECT_THROW(sf::fuzzyConnectedness(std::span<const sf::Image>(), roots), sf::Error);
 }
 
 TEST_F(Interface, GivesRegionGraphsOfTheLibrary) {

@@ -242,6 +242,11 @@ TEST_F(Memory, OfTransforms) {
          const int mean[] = {0, 2, 4}, sigma[] = {1, 2, 1};
          iftFuzzy(grey.get(), out.get(), mask.get(), imNeighborhood8, roots.get(), mean, sigma, 2);
        }},
+      {"iftFuzzyEdges",
+       [&](Made &) {
+         const imImage *const given[] = {nullptr, weights.get()};
+         iftFuzzyEdges(grey.get(), out.get(), mask.get(), imNeighborhood8, roots.get(), given, 1);
+       }},
   });
 }
 
