@@ -6,6 +6,7 @@
 #include "ift/core/detail/costs.h"
 #include "ift/operators/detail/fuzzyObjects.h"
 #include "ift/operators/ifConnected.h"
+#include "ift/operators/iftFuzzy.h"
 #include "seedforest/pixelwise.hpp"
 
 #include "image/imPixelwise.h"
@@ -132,6 +133,25 @@ Connectedness fuzzyConnectedness(const Image &image, const Roots &roots,
     withNeighborhood(adjacency, [&](imNeighborhoodFn neighbors) {
       connectFuzzy("fuzzyConnectedness", image.get(), result.labels.get(), result.costs.get(),
                    neighbors, roots.get(), mean.data(), sigma.data(), count);
+    });
+    result.labels.setMaxValue(count);
+    return result;
+  });
+}
+
+Connectedness fuzzyConnectedness(std::span<const Image> links, const Roots &roots,
+                                 const Adjacency &adjacency) {
+  return quietly([&] {
+    if (links.empty())
+      fatal("fuzzyConnectedness: there are no links\n");
+    std::vector<const imImage *> weights = {nullptr}; // entry o is that of object o, from 1
+    for (const Image &object : links)
+      weights.push_back(recordOf(object));
+    Connectedness result = {like(links[0]), like(links[0])};
+    const int count = static_cast<int>(links.size());
+    withNeighborhood(adjacency, [&](imNeighborhoodFn neighbors) {
+      iftFuzzyEdges(weights[1], result.labels.get(), result.costs.get(), neighbors, roots.get(),
+                    weights.data(), count);
     });
     result.labels.setMaxValue(count);
     return result;

@@ -4,6 +4,7 @@
 #include "base/report.h"
 #include "detail/forestTools.h"
 #include "detail/quietly.h"
+#include "ift/core/ifExactDistance.h"
 #include "ift/core/ifWeightImage.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/core/iftForest.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace seedforest {
 
@@ -175,6 +177,15 @@ Forest distanceTransform(const Image &shape) {
       if (values[static_cast<std::size_t>(p)] <= 0)
         outside.push_back({p, 1});
     return distanceTransform(shape, outside);
+  });
+}
+
+NearestRoots exactDistanceTransform(const Image &image, const Roots &roots) {
+  return quietly([&] {
+    Forest nearest = grown(
+        image, roots, [&](imImage *bands) { ifExactDistance(image.get(), bands, roots.get()); });
+    return NearestRoots{std::move(nearest.labels), std::move(nearest.costs),
+                        std::move(nearest.predecessors)};
   });
 }
 

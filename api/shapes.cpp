@@ -5,6 +5,7 @@
 #include "detail/quietly.h"
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
+#include "ift/operators/ifEuclideanShortestPath.h"
 #include "ift/operators/ifSkeleton.h"
 #include "seedforest/forest.hpp"
 #include "seedforest/pixelwise.hpp"
@@ -101,6 +102,15 @@ Skeleton skeleton(const Image &shape, int scale, Side side) {
     const int largest = ifSkel(recordOf(shape), static_cast<int>(side), scale, &result);
     return Skeleton{made(result), largest};
   });
+}
+
+Image shapeOf(const Image &squaredDistances) {
+  return quietly([&] { return made(iftSkelReconstr(recordOf(squaredDistances))); });
+}
+
+Roots shortestPath(const Image &mask, int from, int to) {
+  return quietly(
+      [&] { return Roots(ifRootsPtr(ifEuclideanShortestPath(recordOf(mask), from, to))); });
 }
 
 Components splitTouching(const Image &shape, int h) {

@@ -6,6 +6,7 @@
 #include "images.h"
 
 #include "ift/core/detail/rootsTools.h"
+#include "ift/core/ifExactDistance.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/seeds/ifContourSeeds.h"
 
@@ -39,6 +40,14 @@ void distance(benchmark::State &state) {
   reportPeakMemory(state, problem.binary->npixels);
 }
 
+void exactDistance(benchmark::State &state) {
+  const Problem problem(state);
+  for (auto _ : state)
+    ifExactDistance(problem.binary.get(), problem.result.get(), problem.roots.get());
+  reportPerItem(state, "ns/pixel", problem.binary->npixels);
+  reportPeakMemory(state, problem.binary->npixels);
+}
+
 #ifdef SEEDFOREST_BENCH_VIGRA
 void vigraDistance(benchmark::State &state) {
   const Problem problem(state);
@@ -57,6 +66,7 @@ void sizesAndImages(benchmark::internal::Benchmark *b) {
 }
 BENCHMARK(copyImage)->Apply(sizesAndImages);
 BENCHMARK(distance)->Apply(sizesAndImages);
+BENCHMARK(exactDistance)->Apply(sizesAndImages);
 #ifdef SEEDFOREST_BENCH_VIGRA
 BENCHMARK(vigraDistance)->Apply(sizesAndImages);
 #endif

@@ -1,6 +1,7 @@
 // Skeletons, at three scales, of the shape of all pixels above a grey level (0 unless given). The
 // picture has three parts side by side with the shape in grey, the skeleton inside it in red and
-// the one outside in blue. The larger the scale, the fewer branches:
+// the one outside in blue. The larger the scale, the fewer branches; the part of the shape that the
+// discs around the inner skeleton's pixels do not cover is orange:
 //
 //   skeleton IMAGE PICTURE.ppm [LEVEL]
 //
@@ -24,11 +25,13 @@ static imImagePtr paintSkeletons(const imImage *shape, int scale) {
   ifSkel(shape, 1, scale, &inside);
   ifSkel(shape, 2, scale, &outside);
   const imImagePtr owners[] = {imImagePtr(inside), imImagePtr(outside)};
+  const imImagePtr rebuilt(iftSkelReconstr(inside));
   imImagePtr picture(imCreateImage(3, imTypeColor, shape->ncols, shape->nrows));
-  if (picture == nullptr)
+  if (rebuilt == nullptr || picture == nullptr)
     return nullptr;
   for (int p = 0; p < shape->npixels; ++p) {
-    paint(picture.get(), p, shape->band[0][p] > 0 ? Colour{190, 190, 190} : Colour{255, 255, 255});
+    const Colour held = rebuilt->band[0][p] > 0 ? Colour{190, 190, 190} : Colour{255, 170, 60};
+    paint(picture.get(), p, shape->band[0][p] > 0 ? held : Colour{255, 255, 255});
     if (inside->band[0][p] > 0)
       paint(picture.get(), p, {220, 0, 0});
     if (outside->band[0][p] > 0)

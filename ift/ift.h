@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ift/core/ifCost.h"
+#include "ift/core/ifExactDistance.h"
 #include "ift/core/ifQueue.h"
 #include "ift/core/ifRoots.h"
 #include "ift/core/ifWeightImage.h"
@@ -10,6 +11,7 @@
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/operators/ifConnected.h"
+#include "ift/operators/ifEuclideanShortestPath.h"
 #include "ift/operators/ifSkeleton.h"
 #include "ift/operators/iftFuzzy.h"
 #include "ift/regions/ifFeatures.h"

@@ -67,4 +67,10 @@ Connectedness fuzzyConnectedness(const Image &image, const Roots &roots,
                                  std::span<const FuzzyObject> objects,
                                  const Adjacency &adjacency = Adjacency::eight());
 
+/// The same with the costs of all links given: of object o in links[o - 1], a band for each
+/// displacement of the adjacency, as ifFuzzyEdgesWeight makes them. See iftFuzzyEdges.
+/// Throws Error: no links at all, images of different size or with too few bands.
+Connectedness fuzzyConnectedness(std::span<const Image> links, const Roots &roots,
+                                 const Adjacency &adjacency = Adjacency::eight());
+
 } // namespace seedforest

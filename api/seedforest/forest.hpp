@@ -148,6 +148,17 @@ Forest distanceTransform(const Image &image, const Roots &roots,
 /// fills the image.
 Forest distanceTransform(const Image &shape);
 
+/// Of each pixel the nearest root, 0 and infinite where there is none.
+struct NearestRoots {
+  Image labels;           ///< the root's label; maxValue as of a Forest
+  Image squaredDistances; ///< to the root; infinite is 2^31 - 1
+  Image pixels;           ///< the root's pixel; the pixel itself where there is none
+};
+
+/// The exact Euclidean distance transform: of roots equally near the first in the list wins; see
+/// ifExactDistance. Faster than distanceTransform(), without paths.
+NearestRoots exactDistanceTransform(const Image &image, const Roots &roots);
+
 /// The minimum spanning tree of an image's pixels from pixel 0, for weights of 0 .. 1000: 49 times
 /// each pixel's weight to its predecessor, and the predecessor; see iftPrim.
 struct SpanningTree {

@@ -49,6 +49,15 @@ struct Skeleton {
 /// Throws Error: an image of several bands.
 Skeleton skeleton(const Image &shape, int scale, Side side = Side::inside);
 
+/// The shape that a skeleton's squared distances make: 1 wherever some pixel of value d > 0 lies at a
+/// squared distance of at most d. See iftSkelReconstr.
+Image shapeOf(const Image &squaredDistances);
+
+/// The shortest 8-connected path within a mask (band 0 above 0) as roots in its order: label is the
+/// place, from 1, value the squared straight distance from where it begins. Empty where there is
+/// none. See ifEuclideanShortestPath. Throws Error: a pixel outside the image.
+Roots shortestPath(const Image &mask, int from, int to);
+
 /// Separates shapes that touch: labels from 1, a different one for each part, 0 outside. The parts
 /// are the watershed, within the shape, of the negative of the (not squared) distance to the
 /// nearest pixel outside the shape; the markers are the distance's maxima that stand out by more

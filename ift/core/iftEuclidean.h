@@ -7,8 +7,10 @@
 
 /// Gives each pixel the squared Euclidean distance to its nearest root, along the propagation: the
 /// squared length of (sum of |dx|, sum of |dy|) over the steps of the path that won. That is the
-/// distance to the path's root where the path is monotone in x and in y. With the 8-adjacency some
-/// pixels, rarely, are given to a root that is a little farther than their nearest.
+/// distance to the path's root where the path is monotone in x and in y. With the 8-adjacency that
+/// is not exact everywhere: some pixels, rarely, are given to a root that is a little farther than
+/// their nearest (from the borders of cells, 83 pixels of an image of 1024 x 1024, at most 0.04
+/// pixels too far; 1183 and 0.07 at 4096 x 4096). ifExactDistance() is exact, and gives no paths.
 ///   image      gives the size
 ///   result     at least three bands of that size; the last three are written: the root's label (0
 ///              where no path arrives), the squared distance (there ifInfiniteCost), and the pixel

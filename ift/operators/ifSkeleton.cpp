@@ -3,6 +3,7 @@
 #include "base/report.h"
 #include "base/require.h"
 #include "ift/core/detail/euclideanPropagation.h"
+#include "ift/core/detail/lowerEnvelope.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
 #include "ift/label/ifContour.h"
@@ -13,6 +14,7 @@
 #include "image/imPixelwise.h"
 
 #include <algorithm>
+#include <cstdint>
 
 using namespace seedforest::detail;
 
@@ -51,6 +53,45 @@ Distances distances(const imImage *image) {
 
 imImagePtr masked(const imImagePtr &image, const imImage *mask) {
   return requireMade(imMask(image.get(), mask, 0));
+}
+
+// Discs are known by their squared radii. So many columns, or rows, off its centre, what is left of a
+// disc is its radius less the square of that; a disc of 0 is a single pixel.
+constexpr int noDisc = -1;
+
+// Leaves of a line the largest disc that is left at each place.
+void spreadDiscs(int *disc, int length, LowerEnvelope &envelope) {
+  envelope.clear();
+  for (int x = 0; x < length; ++x)
+    if (disc[x] != noDisc)
+      envelope.add({x, 0, -std::int64_t{disc[x]}});
+  envelope.each([disc](const Parabola &parabola, int begin, int end) {
+    for (int x = begin; x < end; ++x)
+      disc[x] = static_cast<int>(std::max<std::int64_t>(-parabola.at(x), noDisc));
+  });
+}
+
+// Several columns at a time, copied next to each other, so that memory is read by whole cache lines.
+void spreadDiscsAlongColumns(imImage *discs) {
+  constexpr int blockWidth = 16;
+  const std::int64_t nrows = discs->nrows;
+  LowerEnvelope envelope(discs->nrows);
+  const int widest = std::min(discs->ncols, blockWidth);
+  const Array<int> columns = makeArray<int>(static_cast<std::size_t>(nrows * widest));
+  Meter meter(discs->npixels);
+  for (std::int64_t left = 0; left < discs->ncols; left += blockWidth) {
+    const int width = static_cast<int>(std::min<std::int64_t>(blockWidth, discs->ncols - left));
+    int *block = discs->band[0] + left;
+    for (int y = 0; y < nrows; ++y)
+      for (int x = 0; x < width; ++x)
+        columns[x * nrows + y] = block[discs->row[y] + x];
+    for (int x = 0; x < width; ++x)
+      spreadDiscs(&columns[x * nrows], discs->nrows, envelope);
+    for (int y = 0; y < nrows; ++y)
+      for (int x = 0; x < width; ++x)
+        block[discs->row[y] + x] = columns[x * nrows + y];
+    meter.advance(width * nrows);
+  }
 }
 
 } // namespace
@@ -96,4 +137,25 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) 
   if (skelType >= 0 && skelType <= 2)
     *result = masked(side, selected.get()).release();
   return largest;
+}
+
+imImage *iftSkelReconstr(const imImage *skeleton) {
+  requireBands("iftSkelReconstr", skeleton, 1);
+  imImagePtr shape = tryCreateLike(skeleton, 1, imTypeAscii);
+  if (shape == nullptr)
+    return nullptr;
+  int *disc = shape->band[0];
+  std::transform(skeleton->band[0], skeleton->band[0] + skeleton->npixels, disc,
+                 [](int value) { return value > 0 ? value : noDisc; });
+  spreadDiscsAlongColumns(shape.get());
+  LowerEnvelope envelope(shape->ncols);
+  Meter meter(shape->npixels);
+  for (int y = 0; y < shape->nrows; ++y) {
+    int *row = disc + shape->row[y];
+    spreadDiscs(row, shape->ncols, envelope);
+    std::transform(row, row + shape->ncols, row, [](int value) { return value != noDisc; });
+    meter.advance(shape->ncols);
+  }
+  shape->maxValue = largestValue(shape.get(), 0);
+  return shape.release();
 }

@@ -2,7 +2,7 @@
 // position along the contour, and every pixel takes the label of its nearest border pixel. It lies
 // on the skeleton where its label and a neighbour's differ by at least the scale.
 //
-// Ends with an error, in both operations: no image, no roots or no place for the result, images of
+// Ends with an error, in all operations: no image, no roots or no place for the result, images of
 // different size or of a number of bands that does not fit, a root outside the image, memory that
 // cannot be allocated (an error is a line on standard error and status 1, or an exception:
 // base/error.h).
@@ -33,3 +33,14 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots);
 /// skeleton is empty whatever the threshold. Algorithm: ifSkel2Roots(), iftSkelNova(),
 /// ifLabelDifferences().
 int ifSkel(const imImage *image, int skelType, int threshold, imImage **result);
+
+/// The shape that a skeleton was made from, as far as the skeleton has it: 1 wherever some pixel of
+/// value d > 0 in band 0 lies at a squared distance of at most d, 0 elsewhere. That is the union of
+/// the discs that imPaintCircles() paints, at a cost that is linear in the pixels, whatever the
+/// discs' areas. A skeleton of ifSkel() has the discs that reach the nearest border pixels, rims
+/// included; of a pruned one, what its branches held is missing.
+/// Returns a new image of type ASCII, maxValue 1 (0 where there is no disc); the caller releases it.
+/// None where it cannot be had, after the line of imCreateImage().
+/// Prints nothing. Algorithm: a power distance transform (F. Aurenhammer, Power diagrams, 1987) along
+/// columns and then along rows, each with the lower envelope of ifExactDistance().
+[[nodiscard]] imImage *iftSkelReconstr(const imImage *skeleton);

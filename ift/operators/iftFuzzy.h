@@ -36,6 +36,19 @@
 void iftFuzzy(const imImage *image, imImage *labelOut, imImage *costOut, imNeighborhoodFn adjacency,
               const ifRoots *seeds, const int *mean, const int *sigma, int nObjects);
 
+/// The same with the costs of all links given, an arc-weight image for each object, as
+/// ifFuzzyEdgesWeight() makes them. With its images the labels and costs are those of iftFuzzy().
+///   image      gives the size; its values are not read
+///   labelOut, costOut, adjacency, seeds, nObjects  as for iftFuzzy()
+///   weights    of object o in entry o, at least a band for each displacement of the adjacency, of
+///              the image's size; entry 0 is not read. A weight below 0 costs a path no more than 0,
+///              one of 2^31 - 1 is no link, and what leads out of the image is not read.
+/// Prints nothing and writes no file. Further errors: an entry without an image, one of another size
+/// or with too few bands.
+void iftFuzzyEdges(const imImage *image, imImage *labelOut, imImage *costOut,
+                   imNeighborhoodFn adjacency, const ifRoots *seeds, const imImage *const *weights,
+                   int nObjects);
+
 /// The costs of all links for the mean m and the spread s: a new work image with a band for each
 /// displacement of the adjacency, whose value at p is the cost of the link from p by that
 /// displacement, 0 where it leads out of the image. nAdj and adj are not set.

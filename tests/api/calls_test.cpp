@@ -171,6 +171,9 @@ private:
     add("iftMaskWF", iftMaskWF, grey, forest, mask, weights, max, roots);
     add("iftNonNormalizedLevel", iftNonNormalizedLevel, grey, mask, forest, eight, roots);
     add("iftEuclideanDT", iftEuclideanDT, grey, forest, eight, roots);
+    add("ifExactDistance", ifExactDistance, grey, forest, roots);
+    add("iftSkelReconstr", iftSkelReconstr, grey);
+    add("ifEuclideanShortestPath", ifEuclideanShortestPath, grey, 0, 5);
     add("iftFuzzy", iftFuzzy, grey, out, mask, eight, roots, mean, sigma, 2);
   }
 
@@ -387,8 +390,8 @@ TEST_F(Scope, RefusesWhatDoesNotFit) {
       {"ifThresholdGraph", [&] { t.take(ifThresholdGraph(t.bareGraph, 0.5)); }},
       {"ifThresholdGraph", [&] { t.take(ifThresholdGraph(t.unlabelled, 0.5)); }},
       {"ifThresholdMST: vertex 77", [&] { t.take(ifThresholdMST(t.astray, 1)); }},
-      {"iftGraph: vertex 77",
-       [&] { t.take(iftGraph(t.astray, ifGraphMinDistance, ifPathCostMax, 9, t.roots)); }},
+      {"iftGraph: vertex",
+       [&] { t.take(iftGraph(t.bareGraph, ifGraphMinDistance, ifPathCostMax, 9, t.roots)); }},
       {"ifInitColorData", [&] { ifInitColorData(&t.sets, t.colour); }},
       {"ifEdgeWeightArea", [&] { ifEdgeWeightArea(t.grey, &t.sets, 0, 1); }},
       {"ifComputeArea: vertex 77", [&] { t.take(ifComputeArea(t.astray)); }},

@@ -157,6 +157,7 @@ TEST_F(Interface, GivesRootsOfTheLibrary) {
          }));
   expect("skeleton by curve", sf::skeletonRootsByCurve(shape),
          written([&](ifRoots *roots) { ifSkel2RootsSplit(s, roots); }));
+  expect("path", sf::shortestPath(grey, 0, 390), ifEuclideanShortestPath(g, 0, 390));
 }
 
 TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
@@ -193,6 +194,12 @@ TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
       [&](imImage *out) { iftMaskWF(g, out, s, expectedWeights.get(), ifPathCostMax, r); });
   expectForest("distances", sf::distanceTransform(grey, roots), grey,
                [&](imImage *out) { iftEuclideanDT(g, out, imNeighborhood8, r); });
+  const auto [nearest, squared, pixels] = sf::exactDistanceTransform(grey, roots);
+  expectForest("exact distances", {nearest.copy(), squared.copy(), pixels.copy()}, grey,
+               [&](imImage *out) { ifExactDistance(g, out, r); });
+  const auto [labels, squared, pixels] = sf::exactDistanceTransform(grey, roots);
+  expectForest("exact distances", {labels.copy(), squared.copy(), pixels.copy()}, grey,
+               [&](imImage *out) { ifExactDistance(g, out, r); });
   const sf::SpanningTree tree = sf::spanningTree(grey, sf::arcWeight::largestDifference);
   const auto grow = [&](imImage *out) { iftPrim(g, out, imNeighborhood8, ifMaxDistance); };
   const sf::Image prim = given(filled(grey, 2, imTypeWork, grow));
@@ -227,6 +234,7 @@ TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
   expectSame("level", sf::level(grey, other, sides).image,
              filter([&](imImage **f, imImage **l) { ifLevel(g, o, sides.get(), f, l); }));
   expectSame("level 2", sf::level(grey, other), levelled);
+  expectSame("shape of a skeleton", sf::shapeOf(grey), iftSkelReconstr(g));
   expectSame("skeleton", sf::skeleton(shape, 2, sf::Side::both).squaredDistances, skeleton);
   expectSame("flatZones", sf::flatZones(shape, roots),
              filled(shape, [&](imImage *out) { ifConnectedComponents(s, out, r); }));
@@ -246,6 +254,10 @@ TEST_F(Interface, GivesFuzzyObjectsOfTheLibrary) {
   }));
   EXPECT_TRUE(got.labels == labels);
   EXPECT_TRUE(got.costs == costs);
+  const std::array links = {given(ifFuzzyEdgesWeight(g, imNeighborhood8, 10, 50)),
+                            given(ifFuzzyEdgesWeight(g, imNeighborhood8, 30, 20))};
+  EXPECT_TRUE(sf::fuzzyConnectedness(links, roots).labels == labels);
+  EXPECT_THROW(sf::fuzzyConnectedness(std::span<const sf::Image>(), roots), sf::Error);
 }
 
 TEST_F(Interface, GivesRegionGraphsOfTheLibrary) {

@@ -10,7 +10,8 @@
 //   ift, iftWF, iftMask, …       the same, of 49 times the weight      <       cost
 //   iftNonNormalizedLevel        max or min with the value of q        < or >  cost, bound - cost
 //   iftEuclideanDT, iftSkelNova  the squared sum of the steps          <       cost
-//   iftFuzzy, for each object    max(cost of p, link)                  <       cost
+//   iftFuzzy…, for each object   max(cost of p, link)                  <       cost
+//   ifEuclideanShortestPath      that of p plus the step's length      <       its integer part
 //   iftPrim, iftPrimWF           49 times the weight, no path          <       cost, pulled back
 //   iftPrimGraph                 the edge's weight, no path            <       cost, pulled back
 //   iftGraph                     pathCost(cost of u, edge's weight)    <       cost

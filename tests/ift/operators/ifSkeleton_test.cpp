@@ -2,6 +2,7 @@
 
 #include "ift/label/ifContour.h"
 #include "ift/seeds/ifContourSeeds.h"
+#include "image/imVisual.h"
 #include "reference/literalEuclid.h"
 
 #include <algorithm>
@@ -73,6 +74,23 @@ TEST(Skeleton, EmptyShapesAndInvalidTypes) {
       const auto fail = [&] { EXPECT_EQ(skeleton(image, type, 1).image, nullptr); };
       EXPECT_EQ(errorsOf(fail), "invalid skelType: " + std::to_string(type) + "\n");
     }
+  }
+}
+
+TEST(Skeleton, GivesTheShapeBack) {
+  const imImagePtr discs = makeImage({{0, 0, 4, 0, 0, 0}, {-9, 0, 0, 0, 0, 1}});
+  expectImage("discs", iftSkelReconstr(discs.get()), imTypeAscii, 1,
+              {{{1, 1, 1, 1, 1, 1}, {0, 1, 1, 1, 1, 1}}});
+  std::mt19937 random(43);
+  for (int round = 0; round < 500; ++round) {
+    const imImagePtr radii = blank(pick(random, 1, 40), pick(random, 1, 40));
+    const int largest = std::vector{2, 50, 2000, maxInt}[round % 4];
+    for (int n = pick(random, 0, 60); n > 0; --n)
+      radii->band[0][pick(random, 0, radii->npixels - 1)] = pick(random, -2, largest);
+    imImagePtr painted(imPaintCircles(radii.get()));
+    std::replace(painted->band[0], painted->band[0] + painted->npixels, 255, 1);
+    const imImagePtr shape(iftSkelReconstr(radii.get()));
+    ASSERT_EQ(bandOf(shape), bandOf(painted)) << round;
   }
 }
 

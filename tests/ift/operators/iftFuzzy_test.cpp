@@ -1,6 +1,9 @@
 #include "ift/operators/iftFuzzy.h"
 
+#include "image/detail/neighborWalk.h"
 #include "support.h"
+
+using namespace seedforest::detail;
 
 namespace {
 
@@ -50,6 +53,69 @@ TEST(Fuzzy, TiesSeedsAndWhatIsNotReached) {
   EXPECT_EQ(one.debug[0].substr(0, 18), "P2\n3 2\n2147483647\n");
   EXPECT_EQ(one.debug[1], "(no such file)");
   EXPECT_EQ(run(plain, {{0, 1}}, {0}, {0}).costs, Matrix(2, {maxInt, maxInt, maxInt}));
+}
+
+// The cheapest chains for one object: every link is tried until nothing changes.
+std::vector<int> cheapest(const imImagePtr &weights, const std::vector<Root> &seeds, int object) {
+  const NeighborWalk neighbors(weights.get(), imNeighborhood8);
+  std::vector<int> cost(static_cast<std::size_t>(weights->npixels), maxInt);
+  for (const Root &seed : seeds)
+    if (seed.label == object)
+      cost[seed.pixel] = 0;
+  for (bool changes = true; changes;) {
+    changes = false;
+    for (int p = 0; p < weights->npixels; ++p)
+      neighbors.each(p, [&](int q, int k) {
+        const int offered = std::max(cost[p], weights->band[k][p]);
+        changes |= offered < cost[q];
+        cost[q] = std::min(cost[q], offered);
+      });
+  }
+  return cost;
+}
+
+TEST(Fuzzy, OnGivenWeights) {
+  std::mt19937 random(61);
+  for (int round = 0; round < 200; ++round) {
+    const int ncols = pick(random, 1, 12), nrows = pick(random, 1, 12);
+    const int largest = std::vector{3, 255, 70000, maxInt}[round % 4];
+    const imImagePtr one = randomImage(random, 8, imTypeWork, ncols, nrows, -5, largest);
+    const imImagePtr two = randomImage(random, 9, imTypeWork, ncols, nrows, -5, 3);
+    std::vector<Root> seeds;
+    for (int n = pick(random, 0, 4); n > 0; --n)
+      seeds.push_back({pick(random, 0, ncols * nrows - 1), pick(random, 1, 3)});
+    const imImage *const weights[] = {nullptr, one.get(), two.get()};
+    const imImagePtr labels = blank(ncols, nrows), costs = blank(ncols, nrows);
+    iftFuzzyEdges(labels.get(), labels.get(), costs.get(), imNeighborhood8, makeRoots(seeds).get(),
+                  weights, 2);
+    const std::vector<int> ones = cheapest(one, seeds, 1), twos = cheapest(two, seeds, 2);
+    for (int p = 0; p < ncols * nrows; ++p) {
+      const int best = std::min(ones[p], twos[p]);
+      ASSERT_EQ(costs->band[0][p], best) << round;
+      ASSERT_EQ(labels->band[0][p], best == maxInt ? 0 : ones[p] == best ? 1 : 2) << round;
+    }
+  }
+}
+
+TEST(Fuzzy, OnItsOwnWeightsIsTheSame) {
+  std::mt19937 random(62);
+  for (int round = 0; round < 40; ++round) {
+    const imImagePtr image =
+        randomImage(random, 1, imTypeGrey, pick(random, 1, 15), pick(random, 1, 15), 0, 40);
+    const std::vector<int> mean = {0, 10, 30},
+                           sigma = {0, pick(random, 1, 90), round % 2 ? 40 : -40};
+    const int last = image->npixels - 1;
+    const std::vector<Root> seeds = {{pick(random, 0, last), 1}, {pick(random, 0, last), 2}};
+    const Fuzzy expected = run(bandOf(image), seeds, mean, sigma);
+    const imImagePtr one(ifFuzzyEdgesWeight(image.get(), imNeighborhood4, mean[1], sigma[1]));
+    const imImagePtr two(ifFuzzyEdgesWeight(image.get(), imNeighborhood4, mean[2], sigma[2]));
+    const imImage *const weights[] = {nullptr, one.get(), two.get()};
+    const imImagePtr labels = blankLike(image), costs = blankLike(image);
+    iftFuzzyEdges(image.get(), labels.get(), costs.get(), imNeighborhood4, makeRoots(seeds).get(),
+                  weights, 2);
+    EXPECT_EQ(bandOf(labels), expected.labels);
+    EXPECT_EQ(bandOf(costs), expected.costs);
+  }
 }
 
 TEST(Fuzzy, LinkCosts) {
