@@ -17,20 +17,13 @@ imImagePtr run(MorphFn operation, const imImage *in, int s) {
   return out;
 }
 
-void expectSame(const imImage *a, const imImage *b) {
-  EXPECT_EQ(a->maxValue, b->maxValue);
-  for (int k = 0; k < a->nbands; ++k)
-    ASSERT_TRUE(std::equal(a->band[k], a->band[k] + a->npixels, b->band[k])) << "band " << k;
-}
-
 // Opening, closing and the filters as chains of literal steps.
-void plainOpen(const imImage *in, imImage *out, int s) {
-  plainDilate(run(plainErode, in, s).get(), out, s);
+template <MorphFn first, MorphFn second>
+void plainBoth(const imImage *in, imImage *out, int s) {
+  second(run(first, in, s).get(), out, s);
 }
-
-void plainClose(const imImage *in, imImage *out, int s) {
-  plainErode(run(plainDilate, in, s).get(), out, s);
-}
+constexpr MorphFn plainOpen = plainBoth<plainErode, plainDilate>;
+constexpr MorphFn plainClose = plainBoth<plainDilate, plainErode>;
 
 template <MorphFn first, MorphFn second>
 void plainAsf(const imImage *in, imImage *out, int n) {
@@ -50,9 +43,14 @@ constexpr MorphFn discPairs[][2] = {{imMorphDilate, plainDilate},
 
 void expectLikePlain(const MorphFn (&pair)[2], const imImage *in, int s) {
   SCOPED_TRACE(testing::Message() << in->ncols << " x " << in->nrows << ", " << s);
+  const imImagePtr plain = run(pair[1], in, s);
   const imImagePtr before(imCopyImage(in));
-  expectSame(run(pair[0], in, s).get(), run(pair[1], in, s).get());
-  expectSame(in, before.get());
+  const imImagePtr fast = run(pair[0], in, s);
+  EXPECT_EQ(fast->maxValue, plain->maxValue);
+  for (int b = 0; b < in->nbands; ++b) {
+    ASSERT_EQ(bandOf(fast, b), bandOf(plain, b)) << "band " << b;
+    ASSERT_EQ(bandOf(in, b), bandOf(before, b)) << "band " << b;
+  }
 }
 
 // Ranges of 8 bits, of 16, across their limits, and around and beyond the start values.
