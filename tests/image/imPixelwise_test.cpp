@@ -28,7 +28,6 @@ TEST(Pixelwise, NegativeRaisesTheMaximumOfOtherTypes) {
   EXPECT_EQ(image->maxValue, 7);
   image->maxValue = 10;
   expectImage("kept", imNegative(image.get(), 2), 2, 0, {{{10, 3, 12}}});
-  EXPECT_EQ(image->maxValue, 10);
   const imImagePtr below = makeImage({{-3, -5, minInt}});
   below->maxValue = -9;
   expectImage("below 0", imNegative(below.get(), 2), 2, 0, {{{0, 2, maxInt - 2}}});
@@ -44,8 +43,8 @@ TEST(Pixelwise, BandByBand) {
               {{{0, -1, -2, -1}}, {{1, 2, -8, minInt}}});
   expectImage("minus", imSubtractImage(a.get(), b.get()), 6, maxInt,
               {{{5, 0, 0, maxInt}}, {{0, 0, 11, 0}}});
-  expectImage("negative only", imSubtractImage(makeImage({{1}}).get(), makeImage({{2}}).get()), 2,
-              0, {{{0}}});
+  const imImagePtr one = makeImage({{1}}), two = makeImage({{2}});
+  expectImage("below 0", imSubtractImage(one.get(), two.get()), 2, 0, {{{0}}});
   expectImage("difference", imBinaryDifference(a.get(), b.get(), 1), 1, 255,
               {{{255, 0, 0, 0}}, {{0, 0, 0, 0}}}); // a negative b is not 0
   expectImage("union", imBinaryUnion(a.get(), b.get(), 2), 2, 255,
