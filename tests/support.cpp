@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <sys/wait.h>
 
 // Memory that cannot be had is tested too; AddressSanitizer would end the process there.
 extern "C" const char *__asan_default_options() {
@@ -129,13 +128,4 @@ std::string contentsOf(const std::string &path) {
   if (!file)
     return "(no such file)";
   return {std::istreambuf_iterator<char>(file), {}};
-}
-
-ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
-                const std::string &before) {
-  const std::string command = "cd '" + folder.path("") + "' && exec >tool.out 2>tool.err; " +
-                              before + " '" + SEEDFOREST_TOOL + "' " + arguments;
-  const int ended = std::system(command.c_str());
-  return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(folder.path("tool.out")),
-          contentsOf(folder.path("tool.err"))};
 }

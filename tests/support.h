@@ -74,18 +74,6 @@ std::string errorsOf(Work work) {
   return testing::internal::GetCapturedStderr();
 }
 
-/// The error that some work throws where errors are thrown; "none" where it throws none.
-template <class Work>
-std::string thrownBy(Work work) {
-  const seedforest::ThrowingErrors throwing;
-  try {
-    work();
-  } catch (const seedforest::Error &error) {
-    return error.what();
-  }
-  return "none";
-}
-
 /// A new empty folder, removed with all that is in it.
 class TemporaryFolder {
 public:
@@ -127,14 +115,3 @@ private:
 
 /// All bytes of a file; "(no such file)" where it cannot be opened.
 std::string contentsOf(const std::string &path);
-
-/// What a run of the tool left behind.
-struct ToolRun {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-/// Runs the tool in a folder, `arguments` as the shell takes them, after other commands.
-ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
-                const std::string &before = "");
