@@ -92,12 +92,11 @@ TEST(Morph, DiscsLikePlain) {
 TEST(Morph, DiscsLargerThanTheImage) {
   std::mt19937 random(3);
   for (const auto &[ncols, nrows] : {std::pair{9, 300}, {300, 9}, {40, 40}}) {
-    const imImagePtr in = randomIn(random, ncols % 4, 2, ncols, nrows);
+    const imImagePtr in = randomIn(random, 1, 1, ncols, nrows);
     expectLikePlain(discPairs[0], in.get(), 1000);
-    const Matrix least(nrows, std::vector<int>(ncols, ranges[ncols % 4][0]));
+    const Matrix least(nrows, std::vector<int>(ncols, ranges[1][0]));
     for (const int s : {90065, 2147395599, 2147395600, maxInt})
-      for (int b = 0; b < 2; ++b)
-        EXPECT_EQ(bandOf(run(imMorphErode, in.get(), s), b), least);
+      EXPECT_EQ(bandOf(run(imMorphErode, in.get(), s)), least);
   }
 }
 
