@@ -136,20 +136,18 @@ TEST(Tool, EndsInTheMiddleOfAFile) {
       folder.write("old", "precious");
       std::filesystem::create_symlink("old", folder.path("link"));
       runTool(folder, ""); // makes the files that hold what is printed
-      const std::vector<std::string> before = folder.names();
+      const std::set<std::string> before = folder.names();
       EXPECT_NE(runTool(folder, std::string("in.pgm ") + out + " labels", limit).status, 0);
       EXPECT_EQ(contentsOf(folder.path("old")), "precious");
       EXPECT_EQ(folder.names(), before) << limit << out;
     }
 }
 
-// Small pictures whose roots a person can find by eye. Each run prints its lines and leaves its
-// roots.
+// Small pictures whose roots a person can find by eye.
 TEST(Tool, RunsOnPictures) {
   const std::string peaks = "P2 5 3 9\n" // two maxima of 300 and 9; the minima are at the frame
                             "0 1 1 1 1\n1 300 1 9 1\n1 1 1 1 0\n";
   const std::string binary = "P5\n5 2\n255\n" + std::string("\0\xff\xff\0\0\0\0\0\0\xff", 10);
-  const std::string black = "P5 2 1 255\n" + std::string(2, '\0');
   const struct {
     const char *what;
     std::string image;
@@ -163,7 +161,6 @@ TEST(Tool, RunsOnPictures) {
       {"parameters beyond 32 bits", peaks, "regMin -99999999999 0", "regMin: -2147483648 0\n", 2,
        "0 0 1\n4 2 2\n"},
       {"0 and 255", binary, "regMax 0 255", "regMax: 0 255\n", 3, "1 0 1\n2 0 1\n4 1 2\n"},
-      {"a constant image of 0", black, "regMax 0 0", "regMax: 0 0\n", 0, ""},
       {"contours, one object at the frame", binary, "dt", "", 3, "1 0 1\n2 0 4\n4 1 7\n"},
       {"one column, extra parameters", "P2 1 4 1 0 1 1 1", "dt 1 2", "", 1, "0 1 3\n"},
   };

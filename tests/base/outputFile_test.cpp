@@ -56,13 +56,13 @@ TEST(OutputFile, ReplacesTheOldFileAtTheEnd) {
     OutputFile dropped(path.c_str());
     dropped.writer().text(std::string(2 * Writer::chunk, 'x'));
     EXPECT_EQ(contentsOf(path), "old");
-    EXPECT_TRUE(folder.names()[0].starts_with(".seedforest-tmp-"));
+    EXPECT_TRUE(folder.names().begin()->starts_with(".seedforest-tmp-"));
   }
-  EXPECT_EQ(folder.names(), std::vector<std::string>{"f"});
+  EXPECT_EQ(folder.names(), std::set<std::string>{"f"});
   EXPECT_EQ(contentsOf(path), "old");
   EXPECT_TRUE(save(path, "new"));
   EXPECT_EQ(contentsOf(path), "new");
-  EXPECT_EQ(folder.names(), std::vector<std::string>{"f"});
+  EXPECT_EQ(folder.names(), std::set<std::string>{"f"});
   EXPECT_EQ(static_cast<int>(std::filesystem::status(path).permissions()), 0640);
   for (const std::string &none : {std::string(), folder.path(""), folder.path("no/f")})
     EXPECT_FALSE(save(none, "x")) << none;
