@@ -3,18 +3,11 @@
 #include "image/detail/imageTools.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
 #include <iterator>
-#include <sys/wait.h>
 
 // Memory that cannot be had is tested too; AddressSanitizer would end the process there.
 extern "C" const char *__asan_default_options() {
   return "allocator_may_return_null=1";
-}
-
-imImagePtr makeImage(const Matrix &rows, char type) {
-  return makeBands({rows}, type);
 }
 
 imImagePtr makeBands(const std::vector<Matrix> &bands, char type) {
@@ -28,14 +21,6 @@ imImagePtr makeBands(const std::vector<Matrix> &bands, char type) {
   return image;
 }
 
-imImagePtr blank(int ncols, int nrows, int nbands, char type) {
-  return imImagePtr(imCreateImage(nbands, type, ncols, nrows));
-}
-
-imImagePtr blankLike(const imImagePtr &image, int nbands, char type) {
-  return blank(image->ncols, image->nrows, nbands, type);
-}
-
 Matrix bandOf(const imImage *image, int b) {
   Matrix rows;
   for (int y = 0; y < image->nrows; ++y) {
@@ -43,10 +28,6 @@ Matrix bandOf(const imImage *image, int b) {
     rows.emplace_back(row, row + image->ncols);
   }
   return rows;
-}
-
-Matrix bandOf(const imImagePtr &image, int b) {
-  return bandOf(image.get(), b);
 }
 
 void expectImage(const char *what, imImage *image, char type, int maxValue,
@@ -59,10 +40,6 @@ void expectImage(const char *what, imImage *image, char type, int maxValue,
   ASSERT_EQ(image->nbands, static_cast<int>(bands.size()));
   for (int b = 0; b < image->nbands; ++b)
     EXPECT_EQ(bandOf(image, b), bands[b]) << "band " << b;
-}
-
-int pick(std::mt19937 &random, int lo, int hi) {
-  return std::uniform_int_distribution(lo, hi)(random);
 }
 
 imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, int nrows, int lo,
@@ -91,51 +68,9 @@ std::vector<Root> listOf(const ifRoots *roots) {
   return list;
 }
 
-TemporaryFolder::TemporaryFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "seedforest-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr)
-    throw std::runtime_error("no temporary folder");
-  folder_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(folder_, ignored);
-}
-
-std::string TemporaryFolder::write(std::string_view name, std::string_view bytes) const {
-  std::ofstream(path(name), std::ios::binary) << bytes;
-  return path(name);
-}
-
-std::vector<std::string> TemporaryFolder::names() const {
-  std::vector<std::string> names;
-  for (const auto &entry : std::filesystem::directory_iterator(folder_))
-    names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-bool Pieces::refill() {
-  const std::string_view piece = whole_.substr(std::min(asked_, whole_.size()), size_);
-  at = piece.data();
-  end = at + piece.size();
-  asked_ += piece.empty() ? 1 : piece.size();
-  return !piece.empty();
-}
-
 std::string contentsOf(const std::string &path) {
   std::ifstream file(path, std::ios::binary);
   if (!file)
     return "(no such file)";
   return {std::istreambuf_iterator<char>(file), {}};
-}
-
-ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
-                const std::string &before) {
-  const std::string command = "cd '" + folder.path("") + "' && exec >tool.out 2>tool.err; " +
-                              before + " '" + SEEDFOREST_TOOL + "' " + arguments;
-  const int ended = std::system(command.c_str());
-  return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(folder.path("tool.out")),
-          contentsOf(folder.path("tool.err"))};
 }

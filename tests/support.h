@@ -10,8 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <random>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,26 +24,34 @@ using seedforest::detail::minInt;
 
 using Matrix = std::vector<std::vector<int>>;
 
-/// An image of one band with these rows; its maxValue is its largest value.
-imImagePtr makeImage(const Matrix &rows, char type = imTypeAscii);
-
-/// The same for several bands; maxValue is the largest value of band 0.
+/// An image with these bands as rows; its maxValue is the largest value of band 0.
 imImagePtr makeBands(const std::vector<Matrix> &bands, char type);
+inline imImagePtr makeImage(const Matrix &rows, char type = imTypeAscii) {
+  return makeBands({rows}, type);
+}
 
 /// An image of zeros, of one band in type 2 where nothing else is said.
-imImagePtr blank(int ncols, int nrows, int nbands = 1, char type = imTypeAscii);
-imImagePtr blankLike(const imImagePtr &image, int nbands = 1, char type = imTypeAscii);
+inline imImagePtr blank(int ncols, int nrows, int nbands = 1, char type = imTypeAscii) {
+  return imImagePtr(imCreateImage(nbands, type, ncols, nrows));
+}
+inline imImagePtr blankLike(const imImagePtr &image, int nbands = 1, char type = imTypeAscii) {
+  return blank(image->ncols, image->nrows, nbands, type);
+}
 
 /// A band as rows.
 Matrix bandOf(const imImage *image, int b = 0);
-Matrix bandOf(const imImagePtr &image, int b = 0);
+inline Matrix bandOf(const imImagePtr &image, int b = 0) {
+  return bandOf(image.get(), b);
+}
 
 /// Takes an image over, which has this type, maxValue and bands.
 void expectImage(const char *what, imImage *image, char type, int maxValue,
                  const std::vector<Matrix> &bands);
 
 /// A uniformly random value lo .. hi.
-int pick(std::mt19937 &random, int lo, int hi);
+inline int pick(std::mt19937 &random, int lo, int hi) {
+  return std::uniform_int_distribution(lo, hi)(random);
+}
 
 /// An image of uniformly random values lo .. hi, maxValue hi.
 imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, int nrows, int lo,
@@ -74,33 +85,37 @@ std::string errorsOf(Work work) {
   return testing::internal::GetCapturedStderr();
 }
 
-/// The error that some work throws where errors are thrown; "none" where it throws none.
-template <class Work>
-std::string thrownBy(Work work) {
-  const seedforest::ThrowingErrors throwing;
-  try {
-    work();
-  } catch (const seedforest::Error &error) {
-    return error.what();
-  }
-  return "none";
-}
-
 /// A new empty folder, removed with all that is in it.
 class TemporaryFolder {
 public:
-  TemporaryFolder();
-  ~TemporaryFolder();
+  TemporaryFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "seedforest-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr)
+      throw std::runtime_error("no temporary folder");
+    folder_ = name;
+  }
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
   TemporaryFolder(const TemporaryFolder &) = delete;
   TemporaryFolder &operator=(const TemporaryFolder &) = delete;
 
   std::string path(std::string_view name) const { return (folder_ / name).string(); }
 
   /// Writes a file and returns its path.
-  std::string write(std::string_view name, std::string_view bytes) const;
+  std::string write(std::string_view name, std::string_view bytes) const {
+    std::ofstream(path(name), std::ios::binary) << bytes;
+    return path(name);
+  }
 
-  /// The names of what is in it, sorted.
-  std::vector<std::string> names() const;
+  /// The names of what is in it.
+  std::set<std::string> names() const {
+    std::set<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(folder_))
+      names.insert(entry.path().filename().string());
+    return names;
+  }
 
 private:
   std::filesystem::path folder_;
@@ -112,7 +127,13 @@ public:
   explicit Pieces(std::string_view whole, std::size_t size, bool endsInError = false)
       : Text(whole.substr(0, 0)), whole_(whole), size_(size), endsInError_(endsInError) {}
 
-  bool refill() override;
+  bool refill() override {
+    const std::string_view piece = whole_.substr(std::min(asked_, whole_.size()), size_);
+    at = piece.data();
+    end = at + piece.size();
+    asked_ += piece.empty() ? 1 : piece.size();
+    return !piece.empty();
+  }
   bool hasFailed() const override { return endsInError_ && asked_ > whole_.size(); }
 
   /// How many bytes somebody has asked for; more than there are where the end has been met.
@@ -127,14 +148,3 @@ private:
 
 /// All bytes of a file; "(no such file)" where it cannot be opened.
 std::string contentsOf(const std::string &path);
-
-/// What a run of the tool left behind.
-struct ToolRun {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-/// Runs the tool in a folder, `arguments` as the shell takes them, after other commands.
-ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
-                const std::string &before = "");

@@ -3,6 +3,9 @@
 #include "image/imIO.h"
 #include "support.h"
 
+#include <cstdlib>
+#include <sys/wait.h>
+
 namespace {
 
 const char *const sample = "P2\n# a label image\n4 3\n300\n0 0 1 0\n2 -3 300 0\n0 0 0 5\n";
@@ -13,6 +16,22 @@ const std::string none = "(no such file)";
 
 std::string savedRoots(int n) {
   return "there are " + std::to_string(n) + " roots\ndone!\n";
+}
+
+struct ToolRun {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+// Runs the tool in a folder, `arguments` as the shell takes them, after other commands.
+ToolRun runTool(const TemporaryFolder &folder, const std::string &arguments,
+                const std::string &before = "") {
+  const std::string command = "cd '" + folder.path("") + "' && exec >tool.out 2>tool.err; " +
+                              before + " '" SEEDFOREST_TOOL "' " + arguments;
+  const int ended = std::system(command.c_str());
+  return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(folder.path("tool.out")),
+          contentsOf(folder.path("tool.err"))};
 }
 
 // A run in a folder with "in.pgm", which prints this and leaves this file "out". Of errors without
@@ -33,27 +52,27 @@ void expectRun(const TemporaryFolder &folder, const std::string &arguments, int 
 // The text itself stands in the tool: here are its parts, and its length.
 TEST(Tool, UsageNamesAllOptions) {
   const TemporaryFolder folder;
-  for (const char *arguments : {"", "in.pgm out"}) { // the image is not looked for
-    const ToolRun run = runTool(folder, arguments);
-    EXPECT_EQ(run.out.find("\n" SEEDFOREST_TOOL " <input image> <output roots file> <opt> "), 0);
-    for (const std::string option : {"regMax", "regMin", "dt", "join", "frame", "labels", "cells"})
-      EXPECT_NE(run.out.find("\n\t" + option + " "), std::string::npos) << option;
-    EXPECT_EQ(run.out.size() - std::string(SEEDFOREST_TOOL).size(), 530);
-    EXPECT_EQ(run.status, 0);
-  }
+  const ToolRun run = runTool(folder, "in.pgm out"); // the image is not looked for
+  EXPECT_EQ(run.out.find("\n" SEEDFOREST_TOOL " <input image> <output roots file> <opt> "), 0);
+  for (const std::string option : {"regMax", "regMin", "dt", "join", "frame", "labels", "cells"})
+    EXPECT_NE(run.out.find("\n\t" + option + " "), std::string::npos) << option;
+  EXPECT_EQ(run.out.size() - std::string_view(SEEDFOREST_TOOL).size(), 530);
+  EXPECT_EQ(run.status, 0);
 }
 
 TEST(Tool, Runs) {
   const std::string frame =
       "10\n0 0 1\n1 0 2\n2 0 3\n3 0 4\n0 2 5\n1 2 6\n2 2 7\n3 2 8\n0 1 9\n3 1 10\n";
-  const std::string sevens =
-      "10\n0 0 7\n1 0 7\n2 0 7\n3 0 7\n0 2 7\n1 2 7\n2 2 7\n3 2 7\n0 1 7\n3 1 7\n";
+  const std::string sevens = "6\n0 0 7\n0 3 7\n0 1 7\n0 2 7\n0 1 7\n0 2 7\n";
   const std::string both = "6\n0 0 1\n0 3 2\n0 1 3\n0 2 4\n0 1 5\n0 2 6\n"; // sides of a column
   const std::string joined = "3\n1 1 4\n1 1 4\n1 2 -2\n";
   const std::string four = wasRead + savedRoots(4);
+  const std::string rowRead = "Image row was read\n";
+  const std::string column = "Image column was read\n" + savedRoots(6);
   const std::string ten = wasRead + savedRoots(10);
   const std::string readA = wasRead + "read: 5 4\nread file a\n";
   const std::string readBoth = readA + "read: 5 4\nread: 9 -2\nread file b\n" + savedRoots(3);
+  const std::string halfway = rowRead + "in cells roots\n\n" + labelling + "ha 1 sementes\n";
   const std::string wrongCount = wasRead + "Invalid number of parameters\n";
   const std::string labelMissing = "value not suplied for <label>\n";
   const std::string bad = "invalid number of roots in file bad\nerror reading seeds file bad\n";
@@ -64,17 +83,15 @@ TEST(Tool, Runs) {
     std::string out, err, roots;
   } cases[] = {
       {"in.pgm out labels", 0, four, "", sampleLabels},
-      {"in.pgm out labels more 1 2", 0, four, "", sampleLabels},
       {"in.pgm out frame", 0, wasRead, "value not suplied for <uniform label>\n", none},
       {"in.pgm out frame no-number", 0, ten, "", frame},
       {"in.pgm out frame 0 7 8 9", 0, ten, "", frame},
       {"in.pgm out frame 1", 0, wasRead, labelMissing, none},
       {"in.pgm out frame 1 7 8", 0, wasRead, labelMissing, none},
-      {"in.pgm out frame -1x 7x", 0, ten, "", sevens},
+      {"column out frame -1x 7x", 0, column, "", sevens},
       {"in.pgm out join a", 0, wasRead, "invalid seed file(s) name(s)\n", none},
       {"in.pgm out join a b", 0, readBoth, "", joined},
       {"in.pgm out join a bad", 0, readA, bad, none},
-      {"in.pgm out join bad b", 0, wasRead, bad, none},
       {"in.pgm out join a missing", 1, readA, "Could not open file missing for reading\n", none},
       {"in.pgm out regMax 1", 1, wrongCount, "", none},
       {"in.pgm out regMin 1 2 3", 1, wrongCount, "", none},
@@ -82,29 +99,26 @@ TEST(Tool, Runs) {
       {"in.pgm out cells 1 2", 1, wrongCount, "", none},
       {"in.pgm out dtx", 1, wasRead, "Invalid opt dtx\n", none},
       {"in.pgm out Labels", 1, wasRead, "Invalid opt Labels\n", none},
-      {"in.pgm out ''", 1, wasRead, "Invalid opt \n", none},
       {"missing out nonsense", 1, "", "could not open file missing\n", none},
       {"/dev/null out labels", 1, "", "unknown file format; trying to read \n", none},
-      {". out labels", 1, "", "unknown file format; trying to read \n", none},
       {"/dev/zero out labels", 1, "", "unknown file format; trying to read \n", none},
       {"in.pgm no/out labels", 1, wasRead, "Could not open file no/out for writing\n", none},
-      {"/dev/stdin out labels <in.pgm", 0, stdinRead, "", sampleLabels},
       {"/dev/stdin out labels <<E\n" + std::string(sample) + "E", 0, stdinRead, "", sampleLabels},
       {"in.pgm /dev/stdout labels", 0, wasRead + sampleLabels + savedRoots(4), "", none},
       {"in.pgm /dev/full labels", 1, wasRead, "ifSaveRoots: ", none},
       {"in.pgm out labels >/dev/full", 1, "", SEEDFOREST_TOOL, sampleLabels},
+      {"row out cells 0", 1, halfway, "could not open file labeled.pgm for writing\n", none},
       {"in.pgm out cells 1000001", 1, wasRead, "ifCellsRoots: ", none},
-      {"colour.ppm out cells 1", 1, "Image colour.ppm was read\n", "ifCellsRoots: ", none},
-      {"column out frame 0", 0, "Image column was read\n" + savedRoots(6), "", both},
-      {"row old frame 0", 1, "Image row was read\n", "ifFrameAsRoots", none},
+      {"column out frame 0", 0, column, "", both},
+      {"row old frame 0", 1, rowRead, "ifFrameAsRoots", none},
   };
   for (const auto &c : cases) {
     const TemporaryFolder folder;
     folder.write("in.pgm", sample);
-    folder.write("colour.ppm", "P6 1 1 255\nabc");
     folder.write("column", "P2 1 4 1 0 0 0 0");
     folder.write("row", "P2 3 1 9 1 2 3");
     folder.write("old", "precious");
+    std::filesystem::create_directory(folder.path("labeled.pgm"));
     folder.write("a", "1\n1 1 4\n");
     folder.write("b", "2\n1 1 4\n1 2 -2\n");
     folder.write("bad", "0\n");
@@ -115,34 +129,25 @@ TEST(Tool, Runs) {
 
 // Runs that end while they write, by a signal or by an error, leave what was there before.
 TEST(Tool, EndsInTheMiddleOfAFile) {
-  std::string pixels = "P2 100 100 9\n";
-  for (int i = 0; i < 10000; ++i)
-    pixels += "1 ";
   for (const char *limit : {"ulimit -f 1;", "ulimit -f 1; trap '' XFSZ;"})
     for (const char *out : {"old", "link", "new"}) {
       const TemporaryFolder folder;
-      folder.write("in.pgm", pixels);
+      folder.write("in.pgm", "P5 100 100 9\n" + std::string(10000, '1'));
       folder.write("old", "precious");
       std::filesystem::create_symlink("old", folder.path("link"));
-      const std::vector<std::string> before = folder.names();
-      const ToolRun run = runTool(folder, std::string("in.pgm ") + out + " labels", limit);
-      EXPECT_NE(run.status, 0);
+      runTool(folder, ""); // makes the files that hold what is printed
+      const std::set<std::string> before = folder.names();
+      EXPECT_NE(runTool(folder, std::string("in.pgm ") + out + " labels", limit).status, 0);
       EXPECT_EQ(contentsOf(folder.path("old")), "precious");
-      std::vector<std::string> after = folder.names();
-      std::erase_if(after, [](const std::string &name) { return name.starts_with("tool."); });
-      EXPECT_EQ(after, before) << limit << out;
+      EXPECT_EQ(folder.names(), before) << limit << out;
     }
 }
 
-// Small pictures whose roots a person can find by eye. Each run prints its lines and leaves its
-// roots.
+// Small pictures whose roots a person can find by eye.
 TEST(Tool, RunsOnPictures) {
   const std::string peaks = "P2 5 3 9\n" // two maxima of 300 and 9; the minima are at the frame
                             "0 1 1 1 1\n1 300 1 9 1\n1 1 1 1 0\n";
   const std::string binary = "P5\n5 2\n255\n" + std::string("\0\xff\xff\0\0\0\0\0\0\xff", 10);
-  const std::string black = "P5 2 1 255\n" + std::string(2, '\0');
-  const std::string white = "P5 2 1 255\n\xff\xff";
-  const std::string low = "0 0 1\n3 0 1\n4 0 1\n0 1 1\n1 1 1\n2 1 1\n3 1 1\n";
   const struct {
     const char *what;
     std::string image;
@@ -156,9 +161,6 @@ TEST(Tool, RunsOnPictures) {
       {"parameters beyond 32 bits", peaks, "regMin -99999999999 0", "regMin: -2147483648 0\n", 2,
        "0 0 1\n4 2 2\n"},
       {"0 and 255", binary, "regMax 0 255", "regMax: 0 255\n", 3, "1 0 1\n2 0 1\n4 1 2\n"},
-      {"0 and 255", binary, "regMin 0 255", "regMin: 0 255\n", 7, low},
-      {"a constant image of 0", black, "regMax 0 0", "regMax: 0 0\n", 0, ""},
-      {"a constant image of 255", white, "regMin 0 255", "regMin: 0 255\n", 0, ""},
       {"contours, one object at the frame", binary, "dt", "", 3, "1 0 1\n2 0 4\n4 1 7\n"},
       {"one column, extra parameters", "P2 1 4 1 0 1 1 1", "dt 1 2", "", 1, "0 1 3\n"},
   };
@@ -175,11 +177,9 @@ TEST(Tool, RunsOnPictures) {
 // The cells of small pictures: the roots and the class image.
 TEST(Tool, Cells) {
   const std::string blobs = "P2 7 3 9 0 0 0 0 0 0 0 0 9 0 0 0 9 0 0 0 0 0 0 0 0";
-  const std::string touching = "P5 9 5 255\n0000000000kkkckkk00kzkckzk00kkkckkk0000000000";
   const std::string noise =
       "P2 8 6 9 7 9 5 4 2 2 0 5 8 7 9 1 5 8 9 0 6 2 7 6 2 2 3 0 1 2 8 9 1 6 1 "
       "4 3 3 6 1 4 3 6 4 5 0 3 0 6 0 6 7";
-  const Matrix::value_type valley = {0, 0, 0, 0, 1, 0, 0, 0, 0};
   const struct {
     const char *what;
     std::string image;
@@ -193,9 +193,6 @@ TEST(Tool, Cells) {
        {{0, 0, 0, 1, 0, 0, 0}, {0, 2, 0, 1, 0, 2, 0}, {0, 0, 0, 1, 0, 0, 0}}},
       {"one blob has no lines", "P5 3 2 255\n\1\1\1\1\x90\x90", -4, 2, 2,
        "1 1 2\n2 1 2\n", {{0, 0, 0}, {0, 2, 2}}},
-      {"two cells that touch, a valley of one column between", touching, 0, 2, 7,
-       "4 0 1\n4 1 1\n2 2 2\n4 2 1\n6 2 2\n4 3 1\n4 4 1\n",
-       {valley, valley, {0, 0, 2, 0, 1, 0, 2, 0, 0}, valley, valley}},
       {"noise, checked with an independent program", noise, 3, 8, 17,
        "0 0 2\n1 0 2\n0 1 2\n1 1 2\n4 1 1\n5 1 1\n6 1 1\n7 1 1\n4 2 1\n7 2 1\n4 3 1\n4 4 1\n6 4 2\n"
        "7 4 2\n4 5 1\n6 5 2\n7 5 2\n",
@@ -220,13 +217,6 @@ TEST(Tool, Cells) {
     imSaveImage(folder.path("expected").c_str(), classes.get());
     EXPECT_EQ(contentsOf(folder.path("labeled.pgm")), contentsOf(folder.path("expected")));
   }
-  const TemporaryFolder folder;
-  folder.write("in.pgm", "P2 2 1 9 0 5");
-  std::filesystem::create_directory(folder.path("labeled.pgm"));
-  const ToolRun run = runTool(folder, "in.pgm out cells 0");
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, "could not open file labeled.pgm for writing\n");
-  EXPECT_EQ(contentsOf(folder.path("out")), none);
 }
 
 } // namespace

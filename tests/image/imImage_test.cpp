@@ -1,12 +1,11 @@
 #include "image/image.h"
 
-#include "base/buffer.h"
 #include "support.h"
 
 namespace {
 
 TEST(Image, ImpossibleSizesAreRefused) {
-  const int sizes[][3] = {{1, 0, 5}, {1, 5, 0}, {1, -2, -2}, {1, 65536, 32768}, {-1, 2, 2}};
+  const int sizes[][3] = {{1, 0, 5}, {1, 5, 0}, {1, 65536, 32768}, {-1, 2, 2}};
   for (const auto &[nbands, ncols, nrows] : sizes)
     EXPECT_EQ(errorsOf([&, n = nbands, w = ncols, h = nrows] {
                 EXPECT_EQ(imCreateImage(n, imTypeGrey, w, h), nullptr);
@@ -29,7 +28,7 @@ TEST(Image, Copies) {
   const imImagePtr image = makeBands(bands, imTypeXyz);
   image->maxValue = 77;
   expectImage("whole", imCopyImage(image.get()), imTypeXyz, 77, bands);
-  expectImage("never below 0", imCopyBand(image.get(), imTypeAscii, 0), imTypeAscii, 0, {bands[0]});
+  expectImage("at least 0", imCopyBand(image.get(), imTypeAscii, 0), imTypeAscii, 0, {bands[0]});
   expectImage("its largest", imCopyBand(image.get(), imTypeGrey, 1), imTypeGrey, 8, {bands[1]});
   const imImagePtr colour = blank(2, 2, 3);
   imPgm2rgb(image.get(), colour.get());
@@ -43,8 +42,8 @@ TEST(Image, HistogramUnderAMask) {
   float *list = nullptr;
   int size = 0;
   imHistogram(image.get(), mask.get(), &list, &size);
-  const seedforest::detail::Array<float> histogram(list);
   EXPECT_EQ(std::vector<float>(list, list + size), (std::vector<float>{1, 1, 0, 2}));
+  std::free(list);
 }
 
 TEST(Image, PrintsAWindow) {
@@ -54,8 +53,7 @@ TEST(Image, PrintsAWindow) {
               imPrintWindow(stdout, image.get(), 0, 1);
               imPrintWindow(stdout, image.get(), 0, -1);
             }),
-            "\n     2      3 \n     5      6 \n"
-            "\n     1      2 \n     4      5 \n");
+            "\n     2      3 \n     5      6 \n\n     1      2 \n     4      5 \n");
 }
 
 } // namespace

@@ -39,9 +39,7 @@ TEST(Neighborhood, Lists) {
           disc.emplace_back(dx, dy);
       }
     EXPECT_EQ(pairsOf([r](int **list) { return imNeighborhood(list, r); }), disc) << r;
-    if (r >= 0) {
-      EXPECT_EQ(pairsOf([r](int **list) { return imMorphWindow(list, r); }), square) << r;
-    }
+    EXPECT_TRUE(r < 0 || pairsOf([r](int **list) { return imMorphWindow(list, r); }) == square);
   }
 }
 

@@ -15,7 +15,6 @@ TEST(Pixelwise, OneBandFromBandZero) {
   const imImagePtr owned = twoBands(imTypeGrey, {minInt, 0, 3, 7, 300, maxInt}, {1, 2, 3, 4, 5, 6});
   imImage *a = owned.get();
   expectImage("inclusive", imThreshold(a, 2, 3, 300), 2, 255, {{{0, 0, 255, 255, 255, 0}}});
-  expectImage("lo > hi", imThreshold(a, 1, 7, 3), 1, 255, {{{0, 0, 0, 0, 0, 0}}});
   expectImage("pass", imBandPass(a, 11, minInt, 7), 11, 0, {{{minInt, 0, 3, 7, 0, 0}}});
   expectImage("mask", imNegative2(a, 1), 1, 255, {{{255, 255, 0, 0, 0, 0}}});
   expectImage("grey", imNegative(a, 2), 2, 255, {{{maxInt, 255, 252, 248, -45, 255 - maxInt}}});
@@ -29,7 +28,6 @@ TEST(Pixelwise, NegativeRaisesTheMaximumOfOtherTypes) {
   EXPECT_EQ(image->maxValue, 7);
   image->maxValue = 10;
   expectImage("kept", imNegative(image.get(), 2), 2, 0, {{{10, 3, 12}}});
-  EXPECT_EQ(image->maxValue, 10);
   const imImagePtr below = makeImage({{-3, -5, minInt}});
   below->maxValue = -9;
   expectImage("below 0", imNegative(below.get(), 2), 2, 0, {{{0, 2, maxInt - 2}}});
@@ -45,8 +43,8 @@ TEST(Pixelwise, BandByBand) {
               {{{0, -1, -2, -1}}, {{1, 2, -8, minInt}}});
   expectImage("minus", imSubtractImage(a.get(), b.get()), 6, maxInt,
               {{{5, 0, 0, maxInt}}, {{0, 0, 11, 0}}});
-  expectImage("negative only", imSubtractImage(makeImage({{1}}).get(), makeImage({{2}}).get()), 2,
-              0, {{{0}}});
+  const imImagePtr one = makeImage({{1}}), two = makeImage({{2}});
+  expectImage("below 0", imSubtractImage(one.get(), two.get()), 2, 0, {{{0}}});
   expectImage("difference", imBinaryDifference(a.get(), b.get(), 1), 1, 255,
               {{{255, 0, 0, 0}}, {{0, 0, 0, 0}}}); // a negative b is not 0
   expectImage("union", imBinaryUnion(a.get(), b.get(), 2), 2, 255,
@@ -56,23 +54,21 @@ TEST(Pixelwise, BandByBand) {
 }
 
 TEST(Pixelwise, SumsClipByType) {
-  const imImagePtr grey = twoBands(imTypeGrey, {250, 3, minInt}, {0, 300, maxInt});
-  expectImage("grey", imAddToPixelValues(grey.get(), 210), 1, 260,
-              {{{255, 213, 0}}, {{210, 255, 255}}});
-  const imImagePtr other = twoBands(imTypeAscii, {250, 3, minInt}, {0, 300, maxInt});
-  expectImage("other", imAddToPixelValues(other.get(), 10), 2, 60,
-              {{{260, 13, 0}}, {{10, 310, maxInt}}});
-  expectImage("minus", imAddToPixelValues(other.get(), -51), 2, 0,
-              {{{199, 0, 0}}, {{0, 249, maxInt - 51}}});
+  const imImagePtr image = twoBands(imTypeGrey, {250, 3, minInt}, {0, 300, maxInt});
+  const auto sum = [&image](int k) { return imAddToPixelValues(image.get(), k); };
+  expectImage("grey", sum(210), 1, 260, {{{255, 213, 0}}, {{210, 255, 255}}});
+  image->type = imTypeAscii;
+  expectImage("other", sum(10), 2, 60, {{{260, 13, 0}}, {{10, 310, maxInt}}});
+  expectImage("minus", sum(-51), 2, 0, {{{199, 0, 0}}, {{0, 249, maxInt - 51}}});
 }
 
 TEST(Pixelwise, BordersGoAndComeBack) {
   const imImagePtr image = twoBands(imTypeGrey, {1, 2}, {-3, 4});
-  const imImagePtr framed(imAddBorder(image.get(), 1));
+  imImagePtr framed(imAddBorder(image.get(), 1));
   expectImage("and back", imRemoveBorder(framed.get(), 1), 1, 0, {{{1, 2}}, {{-3, 4}}});
-  expectImage(
-      "framed", imCopyImage(framed.get()), 1, 0,
-      {{{0, 0, 0, 0}, {0, 1, 2, 0}, {0, 0, 0, 0}}, {{0, 0, 0, 0}, {0, -3, 4, 0}, {0, 0, 0, 0}}});
+  const std::vector<int> border(4, 0);
+  expectImage("framed", framed.release(), 1, 0,
+              {{border, {0, 1, 2, 0}, border}, {border, {0, -3, 4, 0}, border}});
   EXPECT_EQ(errorsOf([&] { EXPECT_EQ(imAddBorder(image.get(), maxInt), nullptr); }),
             "Could not allocate image!\n");
   EXPECT_FATAL(imRemoveBorder(blank(2, 2).get(), 1), "imRemoveBorder");
@@ -84,7 +80,6 @@ TEST(Pixelwise, FalseExtremaLookNoFurtherThanTheirNeighbours) {
               {{{1, 1, 1, 0, 1}, {1, 1, 1, 0, 0}, {0, 1, 1, 1, 1}}});
   expectImage("maxima", imFalseRegionalMaximum(image.get()), 2, 1,
               {{{1, 1, 1, 1, 0}, {0, 0, 1, 1, 1}, {1, 0, 1, 1, 1}}});
-  expectImage("alone", imFalseRegionalMinimum(makeImage({{-3}}).get()), 2, 1, {{{1}}});
   expectImage("column", imFalseRegionalMaximum(makeImage({{8}, {8}}).get()), 2, 1, {{{1}, {1}}});
 }
 

@@ -13,9 +13,8 @@ TEST(Visual, HighlightsAMask) {
               {{{10, 1, 300}}, {{10, 2, 300}}, {{10, 3, 300}}});
   expectImage("colour", highlight({{{7, 7, 7}}, {{8, 8, 8}}, {{9, 9, 9}}}), imTypeColor, 0,
               {{{7, 1, 7}}, {{8, 2, 8}}, {{9, 3, 9}}});
-  EXPECT_EQ(errorsOf([&] {
-              EXPECT_EQ(highlight({{{0, 0, 0}}, {{0, 0, 0}}}), nullptr);
-            }),
+  const std::vector<Matrix> two(2, {{0, 0, 0}});
+  EXPECT_EQ(errorsOf([&] { EXPECT_EQ(highlight(two), nullptr); }),
             "invalid number of bands (expected 1 or 3)\n");
 }
 
@@ -23,17 +22,17 @@ TEST(Visual, BordersLieOnTheSmallerLabel) {
   const imImagePtr image = makeImage({{5, 5, 5, 5}, {5, 5, 5, 6}}, imTypeGrey);
   const imImagePtr labels = makeImage({{1, 1, 2, 2}, {1, 1, 1, 2}});
   const auto show = [&] { return imShowSegm(image.get(), labels.get(), 100, 8, 0); };
-  const Matrix black = Matrix(2, {0, 0, 0, 0});
   expectImage("grey", show(), imTypeColor, 0,
               {{{5, 100, 5, 5}, {5, 100, 100, 6}},
                {{5, 8, 5, 5}, {5, 8, 8, 6}},
                {{5, 0, 5, 5}, {5, 0, 0, 6}}});
   image->type = imTypeWeights; // of other types only the borders are painted
+  const Matrix black(2, {0, 0, 0, 0});
   expectImage("other", show(), imTypeColor, 0,
               {{{0, 100, 0, 0}, {0, 100, 100, 0}}, {{0, 8, 0, 0}, {0, 8, 8, 0}}, black});
-  const imImagePtr pixel = makeImage({{5}}, imTypeGrey);
-  expectImage("a pixel is black", imShowSegm(pixel.get(), pixel.get(), 7, 8, 9), imTypeColor, 0,
-              {{{0}}, {{0}}, {{0}}});
+  const imImagePtr pixel = makeImage({{5}}, imTypeGrey); // stays black
+  expectImage("pixel", imShowSegm(pixel.get(), pixel.get(), 7, 8, 9), imTypeColor, 0,
+              std::vector(3, Matrix{{0}}));
 }
 
 TEST(Visual, DiscsOfSquaredRadii) {
