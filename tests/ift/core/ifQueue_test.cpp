@@ -15,37 +15,32 @@ struct Queue : ifQueue {
   Queue &operator=(const Queue &) = delete;
 };
 
-// The same queue without links: each element's state, and when it was appended. It is asked only for
-// buckets and elements that exist.
+// The same queue with plain lists. It is asked only for buckets and elements that exist.
 struct Model {
-  int nbuckets;
-  std::vector<int> state, order = std::vector<int>(state.size());
+  Matrix lists;
+  std::vector<int> state;
   int current = 0;
-  int clock = 0;
 
-  std::vector<int> bucket(int b) const {
-    std::vector<int> list;
-    for (std::size_t e = 0; e < state.size(); ++e)
-      if (state[e] == b)
-        list.push_back(static_cast<int>(e));
-    std::sort(list.begin(), list.end(), [this](int a, int c) { return order[a] < order[c]; });
-    return list;
+  void leave(int e, int to) {
+    if (state[e] >= 0)
+      std::erase(lists[state[e]], e);
+    state[e] = to;
   }
   void insert(int b, int e, bool pullBack) {
-    state[e] = b;
-    order[e] = ++clock;
+    leave(e, b);
+    lists[b].push_back(e);
     current = pullBack ? std::min(current, b) : current;
   }
   int remove(int b) {
-    const std::vector<int> list = bucket(b);
-    if (list.empty())
-      return -1;
-    state[list[0]] = -2;
-    return list[0];
+    const int e = lists[b].empty() ? -1 : lists[b].front();
+    if (e >= 0)
+      leave(e, -2);
+    return e;
   }
   int isEmpty() {
+    const int nbuckets = static_cast<int>(lists.size());
     for (int i = 0; i < nbuckets; ++i, current = (current + 1) % nbuckets)
-      if (!bucket(current).empty())
+      if (!lists[current].empty())
         return 0;
     return 1;
   }
@@ -58,7 +53,7 @@ void expectEqual(const Queue &queue, const Model &model) {
   for (int b = 0; b < queue.nbuckets; ++b) {
     int previous = -1;
     int at = queue.first[b];
-    for (const int e : model.bucket(b)) {
+    for (const int e : model.lists[b]) {
       ASSERT_EQ(at, e);
       EXPECT_EQ(queue.nodes.prev[e], previous);
       previous = e;
@@ -69,7 +64,8 @@ void expectEqual(const Queue &queue, const Model &model) {
   }
 }
 
-// Buckets and elements reach one beyond their ranges on both sides.
+// Buckets and elements reach one beyond their ranges on both sides; a search from there starts at
+// the first bucket.
 TEST(Queue, EqualsTheModel) {
   std::mt19937 random(1);
   constexpr decltype(&insertQueue) moves[] = {insertQueue, insertQueueUpdateCurr, updateQueue,
@@ -77,7 +73,8 @@ TEST(Queue, EqualsTheModel) {
   for (const int nbuckets : {1, 2, 7})
     for (const int nelems : {0, 1, 12}) {
       Queue queue(nbuckets, nelems);
-      Model model = {nbuckets, std::vector<int>(nelems, -1)};
+      const Model fresh = {Matrix(nbuckets), std::vector<int>(nelems, -1)};
+      Model model = fresh;
       for (int step = 0; step < 2000 && !HasFailure(); ++step) {
         const int b = pick(random, -1, nbuckets);
         const int e = pick(random, -1, nelems);
@@ -91,52 +88,44 @@ TEST(Queue, EqualsTheModel) {
           moves[move](&queue, &queue.nodes, b, e);
         } else if (move == 4) {
           if (isWaiting)
-            model.state[e] = -1;
+            model.leave(e, -1);
           removeQueueElem(&queue, &queue.nodes, e);
         } else if (move == 5) {
           EXPECT_EQ(removeQueue(&queue, &queue.nodes, b), isBucket ? model.remove(b) : -1);
         } else {
+          if (b < 0 || b == nbuckets) {
+            queue.current = b;
+            model.current = 0;
+          }
           EXPECT_EQ(isEmpty(&queue), model.isEmpty());
           EXPECT_EQ(removeQueue(&queue, &queue.nodes, queue.current), model.remove(model.current));
         }
         expectEqual(queue, model);
       }
       resetQueue(&queue, &queue.nodes);
-      expectEqual(queue, {nbuckets, std::vector<int>(nelems, -1)});
+      expectEqual(queue, fresh);
     }
 }
 
 TEST(Queue, WithoutMemoryOrReleasedItDoesNothing) {
-  const std::string q = "Could not allocate queue (Q) in initQueue\n";
-  const std::string a = "Could not allocate queue (A) in initQueue\n";
   const struct {
     int nbuckets, nelems;
-    std::string message;
-  } cases[] = {{0, 5, q}, {-1, -1, q}, {5, -1, a}, {5, 5, ""}}; // the last is released below
+    const char *message;
+  } cases[] = {{0, -1, "Could not allocate queue (Q) in initQueue\n"},
+               {5, -1, "Could not allocate queue (A) in initQueue\n"},
+               {5, 5, ""}};
   for (const auto &c : cases) {
     testing::internal::CaptureStderr();
     Queue queue(c.nbuckets, c.nelems);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
-    if (c.message.empty())
+    if (c.nelems > 0)
       releaseQueue(&queue, &queue.nodes);
     insertQueue(&queue, &queue.nodes, 0, 0);
-    removeQueueElem(&queue, &queue.nodes, 0);
     EXPECT_EQ(removeQueue(&queue, &queue.nodes, 0), -1);
-    expectEqual(queue, {0, {}});
+    expectEqual(queue, {});
     EXPECT_EQ(isEmpty(&queue), 1);
-    for (const int *array :
-         {queue.first, queue.last, queue.nodes.prev, queue.nodes.next, queue.nodes.bucket})
-      EXPECT_EQ(array, nullptr);
-  }
-}
-
-TEST(Queue, ASearchFromNowhereStartsAtTheFirstBucket) {
-  Queue queue(3, 2);
-  insertQueue(&queue, &queue.nodes, 2, 1);
-  for (const int nowhere : {-1, 3, maxInt}) {
-    queue.current = nowhere;
-    EXPECT_EQ(isEmpty(&queue), 0);
-    EXPECT_EQ(queue.current, 2);
+    EXPECT_EQ(queue.first, nullptr);
+    EXPECT_EQ(queue.nodes.bucket, nullptr);
   }
 }
 

@@ -14,8 +14,7 @@ imImagePtr distances(int ncols, int nrows, const std::vector<Root> &roots,
 }
 
 TEST(Euclidean, SmallPictures) {
-  const imImagePtr corner = distances(3, 3, {{0, 7, 0}});
-  EXPECT_EQ(bandOf(corner, 2), (Matrix{{0, 1, 4}, {1, 2, 5}, {4, 5, 8}}));
+  EXPECT_EQ(bandOf(distances(3, 2, {{0, 7, 0}}), 2), (Matrix{{0, 1, 4}, {1, 2, 5}}));
   // The middle goes to the root listed first; a pixel listed twice takes its later label and place.
   EXPECT_EQ(bandOf(distances(5, 1, {{4, 2}, {0, 1}, {4, 3}}), 1), (Matrix{{1, 1, 1, 3, 3}}));
 }
@@ -38,10 +37,10 @@ TEST(Euclidean, LongWays) {
   EXPECT_EQ(bandOf(distances(2, 1, {{0, 1, 0}}, leaps), 2), (Matrix{{0, ifInfiniteCost}}));
 }
 
-int knight(int **list) {
+int knight(int **list) { // its far steps outrun the buckets
   const int n = imNeighborhood4(list);
   for (int i = 0; i < 2 * n; ++i)
-    (*list)[i] = (*list)[i] * 2 + (i % 2 == 0 ? 1 : 5); // far steps, which outrun the buckets
+    (*list)[i] = (*list)[i] * 2 + (i % 2 == 0 ? 1 : 5);
   return n;
 }
 template <int r2>

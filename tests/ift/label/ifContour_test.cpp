@@ -3,24 +3,16 @@
 #include "image/imNeighborhood.h"
 #include "support.h"
 
-#include <algorithm>
-
 using namespace seedforest::detail;
 
 namespace {
 
 TEST(RegionsToContours, InnerBorders) {
-  const std::pair<Matrix, Matrix> cases[] = {
-      {{{1, 1, 1, 2, 2}, {1, 1, 0, 2, 2}, {1, 1, 1, -3, 2}, {1, 1, 1, 0, -3}},
-       {{0, 0, 255, 0, 0}, {0, 255, 0, 255, 0}, {0, 0, 255, 0, 0}, {0, 0, 255, 0, 0}}},
-      {{{1, 1}, {1, 1}}, {{0, 0}, {0, 0}}},
-  };
-  for (const auto &[labels, contours] : cases) {
-    const imImagePtr image = makeImage(labels);
-    imImagePtr output = blankLike(image);
-    ifRegionsToContours(image.get(), output.get());
-    expectImage("", output.release(), imTypeAscii, 255, {contours});
-  }
+  const imImagePtr labels = makeImage({{1, 1, 2, 2}, {1, 0, 2, 2}, {1, 1, -3, 2}});
+  imImagePtr output = blankLike(labels);
+  ifRegionsToContours(labels.get(), output.get());
+  expectImage("", output.release(), imTypeAscii, 255,
+              {{{0, 255, 0, 0}, {255, 0, 255, 0}, {0, 255, 0, 0}}});
 }
 
 TEST(LabelContours, Walks) {
@@ -30,7 +22,6 @@ TEST(LabelContours, Walks) {
     int count, maxValue;
   } cases[] = {
       {{{0, 0}}, {{0, 0}}, 0, 0},
-      {{{0, 1, 1, 1, 1, 1}}, {{0, 1, 2, 3, 4, 7}}, 5, 7},
       {{{1, 0, 1, 0, 1}}, {{3, 0, 6, 0, 9}}, 3, 9}, // more labels than pixels
       {{{-1, 4, -1}, {0, 0, 0}, {-1, -1, -1}}, {{5, 1, 2}, {0, 0, 0}, {0, 0, 0}}, 3, 5},
       // A ring: two branches in turn, straight before diagonal, meet at the far corner.
@@ -46,23 +37,11 @@ TEST(LabelContours, Walks) {
   }
 }
 
-// What has been appended to a record with room for every pixel of an image.
-struct Followed {
-  explicit Followed(const imImage *image)
-      : pixel(image->npixels), label(image->npixels), value(image->npixels) {}
-
-  std::vector<int> pixel, label, value;
-  int count = 0;
-  bool operator==(const Followed &) const = default;
-};
-
 // The recursive form, with the positions as differences of pixel indices.
-void followRecursively(Followed &record, int contour, imImage *mask, const imImage *shape, int p,
-                       const int *displacements) {
+void followRecursively(std::vector<Root> &record, int contour, imImage *mask, const imImage *shape,
+                       int p, const int *displacements) {
   const int w = shape->ncols;
-  record.pixel[record.count] = p;
-  record.label[record.count] = record.count + 1;
-  record.value[record.count++] = contour;
+  record.push_back({p, static_cast<int>(record.size()) + 1, contour});
   mask->band[0][p] = 0;
   for (int k = 0; k < 8; ++k) {
     const int x = p % w + displacements[2 * k];
@@ -80,10 +59,12 @@ void followRecursively(Followed &record, int contour, imImage *mask, const imIma
     } rules[] = {{-w, left, right},      {w, right, left},      {1, above, below},
                  {-1, below, above},     {-w + 1, left, below}, {w + 1, above, left},
                  {-w - 1, below, right}, {w - 1, right, above}};
-    const auto *rule = std::find_if(std::begin(rules), std::end(rules),
-                                    [&](const auto &r) { return q == p + r.step; });
-    if (rule != std::end(rules) && rule->object > 0 && rule->background == 0)
-      followRecursively(record, contour, mask, shape, q, displacements);
+    for (const auto &[step, object, background] : rules)
+      if (q == p + step) {
+        if (object > 0 && background == 0)
+          followRecursively(record, contour, mask, shape, q, displacements);
+        break;
+      }
   }
 }
 
@@ -99,15 +80,16 @@ TEST(ContourFollow, EqualsTheRecursion) {
     if (round % 4 == 3) // any list will do, steps of no rule included
       for (int &d : list)
         d = pick(random, -2, 2);
-    Followed made(shape.get());
-    Followed expected(shape.get());
-    ifRoots2 record = {made.pixel.data(), made.label.data(), made.value.data(), nullptr, -1};
+    const ifRootsPtr made = makeRoots(std::vector<Root>(shape->npixels));
+    ifRoots2 record = {made->pixel, made->label, made->value, nullptr, -1};
+    made->n = 0;
+    std::vector<Root> expected;
     for (int p = 0; p < shape->npixels; ++p)
       if (mask->band[0][p] > 0) {
-        ifContourFollow(&record, &made.count, p, mask.get(), shape.get(), p, list.data());
+        ifContourFollow(&record, &made->n, p, mask.get(), shape.get(), p, list.data());
         followRecursively(expected, p, otherMask.get(), shape.get(), p, list.data());
       }
-    ASSERT_EQ(made, expected) << "round " << round;
+    ASSERT_EQ(listOf(made.get()), expected) << "round " << round;
     EXPECT_EQ(record.n, -1);
     EXPECT_EQ(bandOf(mask), bandOf(otherMask));
   }
@@ -127,9 +109,6 @@ TEST(LabelDifferences, HandImages) {
       // Half the range is rounded down: r = 7, so 4 counts as 3. Signed, a fall of 4 stays a fall.
       {{{1, 5, 8}}, {{1, 1, 1}}, 1, 1, {{3, 3, 3}}, 4},
       {{{8, 4, 1}}, {{1, 1, 1}}, 1, 0, {{-4, 3, 3}}, 4},
-      // Beside a higher label only; beside a lower one only; alone.
-      {{{4, 9}}, {{1, 2}}, 2, 1, {{-99999, none}}, -99999},
-      {{{4}}, {{1}}, 1, 1, {{none}}, -99999},
       // Labels outside 1 .. maxValue have no range, yet the higher one marks the lower.
       {{{4, 9, 1, 2}}, {{0, 0, 7, 7}}, 3, 1, {{none, -99999, none, none}}, -99999},
       // Far apart labels, and values whose differences take more than 32 bits.

@@ -7,37 +7,22 @@
 
 namespace {
 
-Matrix minima(const imImagePtr &image) {
-  return bandOf(imImagePtr(ifRegionalMinima(image.get())));
-}
-
-Matrix maxima(const imImagePtr &image) {
-  return bandOf(imImagePtr(ifRegionalMaxima(image.get())));
-}
-
 TEST(Extrema, OfSmallImages) {
   const struct {
-    const char *what;
     char type;
     Matrix image, minima, maxima;
   } cases[] = {
-      // clang-format off
-      {"no maximum at 0", 1, {{0, 0}}, {{1, 1}}, {{0, 0}}},
-      {"no minimum at 255 in type grey", 1, {{255}}, {{0}}, {{1}}},
-      {"but in type ASCII", 2, {{255}}, {{1}}, {{1}}},
-      {"plateaus go whole", 2, {{5, 5, 5, 4}, {5, 5, 5, 5}}, {{0, 0, 0, 1}, {0, 0, 0, 0}}, {{1, 1, 1, 0}, {1, 1, 1, 1}}},
-      {"corners join", 2, {{9, 1}, {1, 9}}, {{0, 1}, {1, 0}}, {{1, 0}, {0, 1}}},
-      {"values above the maximum", 2, {{300, 2000000000, 1}}, {{1, 0, 1}}, {{0, 1, 0}}},
-      {"clipped by more than 1", 1, {{300, 5, 258, 258, 300}}, {{0, 1, 0, -3, -45}}, {{45, 0, 3, 3, 45}}},
-      {"negative values", 2, {{-3, 5, -1, 5}}, {{3, 0, 1, 0}}, {{0, 1, 0, 1}}},
-      {"above the maximum, and a negative value", 2, {{600, 500, 115, 400, -1}}, {{0, 0, 1, 0, 1}}, {{1, 0, 0, 1, 0}}},
-      // clang-format on
+      {1, {{0, 0}}, {{1, 1}}, {{0, 0}}}, // no maximum at the end of the scale
+      {2, {{5, 5, 4}, {5, 5, 5}}, {{0, 0, 1}, {0, 0, 0}}, {{1, 1, 0}, {1, 1, 1}}},
+      {1, {{300, 5, 258, 258, 300}}, {{0, 1, 0, -3, -45}}, {{45, 0, 3, 3, 45}}}, // clipped
+      {2, {{-3, 5, -1, 5}}, {{3, 0, 1, 0}}, {{0, 1, 0, 1}}},
+      {2, {{600, 500, 115, 400, -1}}, {{0, 0, 1, 0, 1}}, {{1, 0, 0, 1, 0}}},
   };
   for (const auto &c : cases) {
     const imImagePtr image = makeImage(c.image, c.type);
     image->maxValue = std::min(image->maxValue, 255);
-    expectImage(c.what, ifRegionalMinima(image.get()), imTypeAscii, 1, {c.minima});
-    expectImage(c.what, ifRegionalMaxima(image.get()), imTypeAscii, 1, {c.maxima});
+    expectImage("", ifRegionalMinima(image.get()), imTypeAscii, 1, {c.minima});
+    expectImage("", ifRegionalMaxima(image.get()), imTypeAscii, 1, {c.maxima});
   }
 }
 
@@ -78,8 +63,8 @@ TEST(Extrema, EqualTheirDefinition) {
     const int hi = round % 3 == 0 ? 255 : 4; // the ends of the scale
     const imImagePtr image = randomImage(random, 1 + round % 2, type, pick(random, 1, 12),
                                          pick(random, 1, 12), hi - pick(random, 0, 4), hi);
-    EXPECT_EQ(minima(image), byPlateaus(image, true)) << round;
-    EXPECT_EQ(maxima(image), byPlateaus(image, false)) << round;
+    EXPECT_EQ(bandOf(imImagePtr(ifRegionalMinima(image.get()))), byPlateaus(image, true)) << round;
+    EXPECT_EQ(bandOf(imImagePtr(ifRegionalMaxima(image.get()))), byPlateaus(image, false)) << round;
   }
   testing::internal::GetCapturedStdout();
 }
