@@ -194,9 +194,6 @@ TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
       [&](imImage *out) { iftMaskWF(g, out, s, expectedWeights.get(), ifPathCostMax, r); });
   expectForest("distances", sf::distanceTransform(grey, roots), grey,
                [&](imImage *out) { iftEuclideanDT(g, out, imNeighborhood8, r); });
-  const auto [nearest, squared, pixels] = sf::exactDistanceTransform(grey, roots);
-  expectForest("exact distances", {nearest.copy(), squared.copy(), pixels.copy()}, grey,
-               [&](imImage *out) { ifExactDistance(g, out, r); });
   const auto [labels, squared, pixels] = sf::exactDistanceTransform(grey, roots);
   expectForest("exact distances", {labels.copy(), squared.copy(), pixels.copy()}, grey,
                [&](imImage *out) { ifExactDistance(g, out, r); });

@@ -71,6 +71,7 @@ TEST(WeightImage, EveryBuilderByHand) {
       {gaussian2WF, two, out, {{0, 1000, -1}, {1000, 1000, -1}}, {{864, 1000, 1000}, {-1, -1, -1}}},
       {watershedWF, two, "", {{3, 103, -1}, {2000, -7, -1}}, {{4, 2000, -7}, {-1, -1, -1}}},
       {euclideanWF, wide, "out: 2 5 1 \n", {{1000, 1000, 141, 1, -1}}, none},
+      {gaussianWF, wide, "", {{1000, 1000, 863, 0, -1}}, none},
       {gaussian2WF, wide, "out: 2 5 1 \n", {{1000, 1000, 999, 0, -1}}, none},
       // clang-format on
   };
