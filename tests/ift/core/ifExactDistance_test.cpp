@@ -11,19 +11,11 @@ imImagePtr exactDistance(int ncols, int nrows, const std::vector<Root> &roots) {
   return result;
 }
 
-TEST(ExactDistance, SmallPictures) {
-  // The middle goes to the root listed first; a pixel listed twice takes its later label and place.
-  const imImagePtr line = exactDistance(5, 1, {{4, 2}, {0, 1}, {4, 3}});
-  EXPECT_EQ(bandOf(line, 1), (Matrix{{1, 1, 1, 3, 3}}));
-  EXPECT_EQ(bandOf(line, 2), (Matrix{{0, 1, 4, 1, 0}}));
-  EXPECT_EQ(bandOf(line, 3), (Matrix{{0, 0, 0, 4, 4}}));
-  // Of three parabolas the middle one is nowhere the lowest alone: it wins its tie.
-  EXPECT_EQ(bandOf(exactDistance(3, 2, {{4, 9}, {0, 1}, {2, 2}}), 1),
-            (Matrix{{1, 9, 2}, {9, 9, 9}}));
-  const imImagePtr none = exactDistance(2, 2, {});
-  EXPECT_EQ(bandOf(none, 1), Matrix(2, {0, 0}));
-  EXPECT_EQ(bandOf(none, 2), Matrix(2, {ifInfiniteCost, ifInfiniteCost}));
-  EXPECT_EQ(bandOf(none, 3), (Matrix{{0, 1}, {2, 3}}));
+// Of three parabolas the middle one is nowhere the lowest alone: it wins its tie in the first row.
+TEST(ExactDistance, TiesGoToTheRootListedFirst) {
+  const imImagePtr result = exactDistance(3, 2, {{4, 9}, {0, 1}, {2, 2}});
+  EXPECT_EQ(bandOf(result, 1), (Matrix{{1, 9, 2}, {9, 9, 9}}));
+  EXPECT_EQ(bandOf(result, 2), (Matrix{{0, 1, 0}, {1, 0, 1}}));
 }
 
 // Squares beyond 31 bits are not reached, along rows and along columns.

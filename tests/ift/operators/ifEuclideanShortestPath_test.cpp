@@ -18,10 +18,7 @@ TEST(ShortestPath, ByHand) {
   // Right comes before the diagonals, and down before down and right.
   const imImagePtr open = makeImage(Matrix(2, std::vector<int>(4, 1)));
   EXPECT_EQ(path(open, 0, 7), (std::vector<Root>{{0, 1, 0}, {1, 2, 1}, {2, 3, 4}, {7, 4, 10}}));
-  EXPECT_EQ(path(open, 5, 5), (std::vector<Root>{{5, 1, 0}}));
   EXPECT_EQ(path(mask, 0, 4).size(), 0U); // not connected
-  EXPECT_EQ(path(mask, 3, 3).size(), 0U); // not in the mask
-  EXPECT_EQ(path(mask, 0, 8).size(), 0U);
 }
 
 // All lengths by Bellman's rule until nothing changes, in long doubles, which tell lengths of so few

@@ -97,27 +97,6 @@ TEST(Fuzzy, OnGivenWeights) {
   }
 }
 
-TEST(Fuzzy, OnItsOwnWeightsIsTheSame) {
-  std::mt19937 random(62);
-  for (int round = 0; round < 40; ++round) {
-    const imImagePtr image =
-        randomImage(random, 1, imTypeGrey, pick(random, 1, 15), pick(random, 1, 15), 0, 40);
-    const std::vector<int> mean = {0, 10, 30},
-                           sigma = {0, pick(random, 1, 90), round % 2 ? 40 : -40};
-    const int last = image->npixels - 1;
-    const std::vector<Root> seeds = {{pick(random, 0, last), 1}, {pick(random, 0, last), 2}};
-    const Fuzzy expected = run(bandOf(image), seeds, mean, sigma);
-    const imImagePtr one(ifFuzzyEdgesWeight(image.get(), imNeighborhood4, mean[1], sigma[1]));
-    const imImagePtr two(ifFuzzyEdgesWeight(image.get(), imNeighborhood4, mean[2], sigma[2]));
-    const imImage *const weights[] = {nullptr, one.get(), two.get()};
-    const imImagePtr labels = blankLike(image), costs = blankLike(image);
-    iftFuzzyEdges(image.get(), labels.get(), costs.get(), imNeighborhood4, makeRoots(seeds).get(),
-                  weights, 2);
-    EXPECT_EQ(bandOf(labels), expected.labels);
-    EXPECT_EQ(bandOf(costs), expected.costs);
-  }
-}
-
 TEST(Fuzzy, LinkCosts) {
   const struct { // the average of the value and the next one is rounded towards 0
     int value, mean, sigma, cost;
