@@ -49,7 +49,7 @@ imImage *imCreateImage(int nbands, char type, int ncols, int nrows) {
 void imReleaseImage(imImage **image) {
   if (image == nullptr || *image == nullptr)
     return;
-  for (int b = 0; b < (*image)->nbands; ++b)
+  for (int b = 0; (*image)->band != nullptr && b < (*image)->nbands; ++b)
     std::free((*image)->band[b]);
   std::free((*image)->band);
   std::free((*image)->row);
