@@ -39,7 +39,9 @@ public:
     return cost_[std::min(std::abs(average - mean_), last_)];
   }
 
-  void prefetch(const NeighborWalk &neighbors, int p) const { neighbors.prefetch(value_, p); }
+  SEEDFOREST_INLINE void prefetch(const NeighborWalk &neighbors, int p) const {
+    neighbors.prefetch(value_, p);
+  }
 
 private:
   // The square of this distance is at least 32 times sigma. From there on the cost is constant:
@@ -59,7 +61,7 @@ class GivenLinkCost {
 public:
   explicit GivenLinkCost(const imImage *weights) : band_(weights->band) {}
   int operator()(int p, int, int k) const { return band_[k][p]; }
-  void prefetch(const NeighborWalk &neighbors, int p) const {
+  SEEDFOREST_INLINE void prefetch(const NeighborWalk &neighbors, int p) const {
     for (int k = 0; k < neighbors.size(); ++k)
       prefetchAt(band_[k] + p);
   }
