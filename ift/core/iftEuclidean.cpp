@@ -2,6 +2,7 @@
 
 #include "base/require.h"
 #include "ift/core/detail/euclideanPropagation.h"
+#include "ift/core/detail/iftPropagate.h"
 #include "image/detail/imageTools.h"
 
 using namespace seedforest::detail;
@@ -20,8 +21,7 @@ void iftEuclideanDT(const imImage *image, imImage *result, imNeighborhoodFn adja
                       image,
                       NeighborWalk(image, adjacency),
                       nbuckets,
-                      roots->pixel,
-                      roots->n,
+                      pixelsOf(*roots),
                       bands[1],
                       bands[2],
                       {{bands[0], roots->label}}});

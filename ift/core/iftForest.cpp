@@ -44,7 +44,7 @@ void grow(Base base, int npixels, const ifRoots &seeds) {
   Marked<Base> transform(std::move(base), npixels);
   BucketQueue<CostedEntry> queue(std::int64_t{transform.maxCost} + 1, npixels);
   std::fill_n(transform.label, npixels, 0);
-  forEachSeed(seeds.pixel, seeds.n, transform.pred, [&](int i, int p) {
+  forEachSeed(pixelsOf(seeds), transform.pred, [&](int i, int p) {
     const int cost = seeds.value[i];
     transform.label[p] = seeds.label[i];
     transform.cost[p] = cost;

@@ -3,6 +3,7 @@
 #include "base/report.h"
 #include "base/require.h"
 #include "ift/core/detail/euclideanPropagation.h"
+#include "ift/core/detail/iftPropagate.h"
 #include "ift/core/detail/lowerEnvelope.h"
 #include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
@@ -107,8 +108,7 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots) {
                       image,
                       NeighborWalk(image, nearDisc),
                       2 * (std::int64_t{image->ncols} + image->nrows),
-                      roots->pixel,
-                      roots->n,
+                      pixelsOf(*roots),
                       bands[1],
                       bands[2],
                       {{bands[0], roots->label}, {bands[3], roots->value}}});

@@ -42,7 +42,7 @@ ifGraph *iftGraph(ifGraph *graph, ifGraphWeightFn weight, ifPathCostFn pathCost,
   transform.clear(n);
   BucketQueue<CostedEntry> queue(std::int64_t{maxCost} + 1, n);
   const Array<int> scratch = makeArray<int>(static_cast<std::size_t>(n));
-  forEachSeed(roots->pixel, roots->n, scratch.get(), [&](int i, int v) {
+  forEachSeed(pixelsOf(*roots), scratch.get(), [&](int i, int v) {
     const int cost = roots->value[i];
     transform.set(v, roots->label[i], cost, v);
     queue.append(transform.bucket(cost, v), {v, cost});

@@ -181,14 +181,14 @@ void inherit(const EuclideanProblem &problem) {
 
 void propagateEuclidean(const EuclideanProblem &problem) {
   const int npixels = problem.image->npixels;
-  for (int i = 0; i < problem.nroots; ++i)
-    requirePixel(problem.operation, problem.image, problem.rootPixel[i]);
+  for (const int p : problem.rootPixels)
+    requirePixel(problem.operation, problem.image, p);
   EuclideanTransform transform(problem);
   TurningQueue queue(problem.nbuckets, npixels);
   std::fill_n(problem.cost, npixels, ifInfiniteCost);
   for (const InheritedBand &inherited : problem.inherited)
     std::fill_n(inherited.band, npixels, 0);
-  forEachSeed(problem.rootPixel, problem.nroots, problem.pred, [&](int i, int p) {
+  forEachSeed(problem.rootPixels, problem.pred, [&](int i, int p) {
     problem.cost[p] = 0;
     for (const InheritedBand &inherited : problem.inherited)
       inherited.band[p] = inherited.atRoots[i];

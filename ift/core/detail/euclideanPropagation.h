@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 
 namespace seedforest::detail {
 
@@ -20,8 +21,7 @@ struct EuclideanProblem {
   const imImage *image;
   const NeighborWalk &neighbors;
   std::int64_t nbuckets;
-  const int *rootPixel;
-  int nroots;
+  std::span<const int> rootPixels;
   int *cost; ///< written: the squared distances
   int *pred; ///< written: the predecessors
   std::initializer_list<InheritedBand> inherited;

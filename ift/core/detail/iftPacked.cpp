@@ -105,7 +105,7 @@ void run(const PackedProblem &problem, Word *words) {
 
   BucketQueue<typename Transform::Entry> queue(std::int64_t{problem.maxCost} + 1, npixels);
   const ifRoots &seeds = *problem.seeds;
-  forEachSeed(seeds.pixel, seeds.n, problem.pred, [&](int i, int p) {
+  forEachSeed(pixelsOf(seeds), problem.pred, [&](int i, int p) {
     const int cost = mirror(seeds.value[i]);
     words[p] = Bits::pack(Bits::value(words[p]), Bits::noArc, cost);
     problem.label[p] = seeds.label[i];

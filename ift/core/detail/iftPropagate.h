@@ -26,7 +26,10 @@
 #include "base/report.h"
 #include "ift/core/detail/bucketQueue.h"
 
+#include <algorithm>
 #include <concepts>
+#include <cstddef>
+#include <span>
 
 namespace seedforest::detail {
 
@@ -87,16 +90,23 @@ SEEDFOREST_INLINE inline void propagate(T &transform, Queue &queue) {
   }
 }
 
-/// Calls plant(i, pixel[i]) for each of n seeds, in order; for a pixel that is listed several
-/// times, only at its last place. `scratch` has an element for each pixel of the image; those of
-/// seeds are overwritten.
+/// The pixels of a set of roots.
+template <class Roots>
+std::span<const int> pixelsOf(const Roots &roots) {
+  return {roots.pixel, static_cast<std::size_t>(std::max(roots.n, 0))};
+}
+
+/// Calls plant(i, p) for each seed, in order, p = pixels[i]; for a pixel that is listed several times
+/// only at its last place. `scratch` has an element for each pixel of the image; those of seeds are
+/// overwritten.
 template <class Plant>
-void forEachSeed(const int *pixel, int n, int *scratch, Plant plant) {
+void forEachSeed(std::span<const int> pixels, int *scratch, Plant plant) {
+  const int n = static_cast<int>(pixels.size());
   for (int i = 0; i < n; ++i)
-    scratch[pixel[i]] = i;
+    scratch[pixels[i]] = i;
   for (int i = 0; i < n; ++i)
-    if (scratch[pixel[i]] == i)
-      plant(i, pixel[i]);
+    if (scratch[pixels[i]] == i)
+      plant(i, pixels[i]);
 }
 
 } // namespace seedforest::detail
