@@ -51,6 +51,15 @@ std::vector<Region> measure(const Image &labels, const Image &image) {
   });
 }
 
+Image featuresOf(const Image &image) {
+  return quietly([&] { return made(ifCreateFeaturesVector(recordOf(image))); });
+}
+
+Image withFeature(const Image &features, const Image &image, int band) {
+  return quietly(
+      [&] { return made(ifAddFeatureToVector(recordOf(features), recordOf(image), band)); });
+}
+
 Graph::Graph(int n, int dataSize) {
   graph_ = quietly([&] { return owned(allocateGraph(n, dataSize)); });
 }

@@ -26,6 +26,12 @@ struct Region {
 /// Throws Error: other labels.
 std::vector<Region> measure(const Image &labels, const Image &image);
 
+/// The bands of an image brought to 0 .. 1000 each, as features of its pixels; and a feature image
+/// with one band more, that of an image, brought to the same range. See ifFeatures.h.
+/// Throws Error: no such band, images of different size.
+Image featuresOf(const Image &image);
+Image withFeature(const Image &features, const Image &image, int band = 0);
+
 /// A graph: vertices 0 .. size() - 1 with integers on each, and edges with weights; see graph.h. It
 /// is movable, and copied only by copy(). A graph that was moved from has no vertices. Threads must
 /// not share a graph, not even for copying, which moves the cursors of its lists.

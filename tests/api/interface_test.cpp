@@ -231,6 +231,10 @@ TEST_F(Interface, GivesForestsAndFiltersOfTheLibrary) {
   expectSame("level", sf::level(grey, other, sides).image,
              filter([&](imImage **f, imImage **l) { ifLevel(g, o, sides.get(), f, l); }));
   expectSame("level 2", sf::level(grey, other), levelled);
+  const sf::Image features = sf::featuresOf(grey);
+  expectSame("features", features, ifCreateFeaturesVector(g));
+  expectSame("one more", sf::withFeature(features, other),
+             ifAddFeatureToVector(features.get(), o, 0));
   expectSame("shape of a skeleton", sf::shapeOf(grey), iftSkelReconstr(g));
   expectSame("skeleton", sf::skeleton(shape, 2, sf::Side::both).squaredDistances, skeleton);
   expectSame("flatZones", sf::flatZones(shape, roots),
