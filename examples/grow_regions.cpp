@@ -8,8 +8,8 @@
 //   g++ -std=c++20 -O2 -I. examples/grow_regions.cpp -o grow_regions
 //       -Lbuild -lseedforest-ift -lseedforest-graph -lseedforest-image  (one line)
 
-#include "mosaic.h"
-#include "picture.h"
+#include "examples/mosaic.h"
+#include "examples/picture.h"
 
 #include <cstdio>
 

@@ -11,7 +11,7 @@
 //   g++ -std=c++20 -O2 -I. examples/merge_regions.cpp -o merge_regions
 //       -Lbuild -lseedforest-ift -lseedforest-graph -lseedforest-image  (one line)
 
-#include "mosaic.h"
+#include "examples/mosaic.h"
 
 #include <cstdio>
 #include <cstdlib>

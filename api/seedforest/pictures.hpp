@@ -5,7 +5,7 @@
 
 namespace seedforest {
 
-/// A colour, each part 0 .. 255.
+/// A colour, each component 0 .. 255.
 struct Color {
   int red;
   int green;
