@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The tool: reads an image, makes roots by the option named on the command line, writes them.
 //
 // One table says how many arguments each option takes and how it makes its roots; a new option is a

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // AVX2 and AVX-512 code that runs only on machines which have them, without compiler flags.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Tables indexed by labels, for labels that may be any integers.
 #pragma once
 
