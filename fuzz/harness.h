@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/error.h"
+#include "image/detail/imageTools.h"
 #include "support.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -68,12 +69,20 @@ public:
     return values[ConsumeIntegralInRange<std::size_t>(0, n - 1)];
   }
 
-  imImagePtr image(int nbands, char type, int ncols, int nrows, int lo, int hi) {
+  /// An image of a few values, over and over: noise, or runs in which there are plateaus.
+  template <class Value>
+  imImagePtr image(int nbands, char type, int ncols, int nrows, Value value) {
     imImagePtr image = blank(ncols, nrows, nbands, type);
+    int palette[6];
+    std::generate(std::begin(palette), std::end(palette), value);
+    const unsigned oneOf = from(1, 5);
+    std::minstd_rand random(ConsumeIntegral<std::uint16_t>());
     for (int b = 0; b < nbands; ++b)
-      for (int p = 0; p < image->npixels; ++p)
-        image->band[b][p] = from(lo, hi);
-    image->maxValue = hi;
+      for (int p = 0, last = 0; p < image->npixels; ++p) {
+        last = random() / 7 % oneOf == 0 ? palette[random() / 7 % 6] : last;
+        image->band[b][p] = last;
+      }
+    image->maxValue = nbands > 0 ? seedforest::detail::largestValue(image.get(), 0) : 0;
     return image;
   }
 };

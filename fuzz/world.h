@@ -78,7 +78,7 @@ public:
   void call(Result (*operation)(Parameters...), bool boundedNumbers, bool modest) {
     boundedNumbers_ = boundedNumbers;
     const std::tuple<Parameters...> arguments{draws<Parameters>()...};
-    const auto allModest = [](auto... each) { return (isModest(each) && ...); };
+    const auto allModest = [](auto... each) { return (isModestIfAny(each) && ...); };
     if (modest && !std::apply(allModest, arguments))
       return;
     succeeds([&] {
@@ -112,16 +112,10 @@ private:
     }
   };
 
-  // Pixels are a few values over and over: bytes are scarce, and plateaus are where ties are.
   imImagePtr makeImage(int nbands, char type, int ncols, int nrows, bool isHostile, int top) {
-    imImagePtr image = blank(ncols, nrows, nbands, type);
-    int palette[5];
-    for (int &value : palette)
-      value = isHostile ? draw.hostileInt() : draw.from(0, top);
-    std::minstd_rand random(draw.from(0, 255));
-    for (int b = 0; b < nbands; ++b)
-      for (int p = 0; p < image->npixels; ++p)
-        image->band[b][p] = palette[random() % 5];
+    imImagePtr image = draw.image(nbands, type, ncols, nrows, [&] {
+      return isHostile ? draw.hostileInt() : draw.from(0, top);
+    });
     image->maxValue = isHostile ? draw.hostileInt() : top;
     return image;
   }
@@ -201,8 +195,11 @@ private:
                  return v.data != nullptr && std::any_of(v.data, v.data + graph->dataSize, isLarge);
                });
   }
-  template <class Other>
-  static bool isModest(const Other &) {
+  template <class Argument>
+  static bool isModestIfAny(Argument argument) {
+    if constexpr (std::is_convertible_v<Argument, const imImage *> ||
+                  std::is_convertible_v<Argument, const ifGraph *>)
+      return isModest(argument);
     return true;
   }
 
