@@ -19,15 +19,18 @@ public:
   /// Samples are read where the image has at most `mostPixels`.
   PlainImage(std::string_view file, std::int64_t mostPixels) : rest_(file) {
     accepted = readHeader() && hasSamples();
-    if (accepted && ncols * nrows <= mostPixels)
+    if (accepted && npixels() <= mostPixels)
       readSamples();
   }
 
-  std::int64_t npixels() const { return ncols * nrows; }
-  std::size_t nsamples() const { return std::size_t(npixels() * (kind == '6' ? 3 : 1)); }
+  std::int64_t npixels() const { return accepted ? ncols * nrows : 0; }
 
 private:
   static constexpr std::string_view spaces = " \t\n\v\f\r";
+  static constexpr std::int64_t beyond = std::int64_t{1} << 32;
+
+  int nbands() const { return kind == '6' ? 3 : 1; }
+  std::size_t nsamples() const { return static_cast<std::size_t>(ncols * nrows * nbands()); }
 
   void skipSpace() { rest_.remove_prefix(std::min(rest_.find_first_not_of(spaces), rest_.size())); }
 
@@ -43,7 +46,7 @@ private:
     if (digits.empty())
       return false;
     digits.erase(0, digits.find_first_not_of('0'));
-    value = digits.empty() ? 0 : digits.size() > 12 ? 999999999999 : std::stoll(digits);
+    value = digits.empty() ? 0 : digits.size() > 10 ? beyond : std::stoll(digits);
     if (isNegative)
       value = -value;
     return true;
@@ -64,7 +67,7 @@ private:
         return false;
     if (!rest_.empty())
       rest_.remove_prefix(1);
-    return ncols > 0 && nrows > 0 && nsamples() <= INT32_MAX;
+    return ncols > 0 && nrows > 0 && ncols * nrows <= INT32_MAX / nbands();
   }
 
   bool hasSamples() const { return kind == '2' || rest_.size() >= nsamples(); }
