@@ -49,7 +49,9 @@ public:
     makeImages();
     makeRootSets();
     makeGraphs();
-    ufStartUnionFind(&sets, ncols_ * nrows_, draw.from(0, 4));
+    ufStartUnionFind(&sets, ncols_ * nrows_, draw.any({0, 1, 2, 4, 4}));
+    if (sets.dataSize == 4)
+      ifInitColorData(&sets, images_[3].get());
     sets.merge =
         draw.any<ufMergeFn>({nullptr, ifUpdateAreaData, ifUpdateVolumeData, ifUpdateColorData});
     if (draw.chance(4))
