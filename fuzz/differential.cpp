@@ -84,8 +84,8 @@ void forests(Draw &draw) {
   const ifRootsPtr seeds = makeRoots(
       drawRoots(draw, image->npixels, 8, isInRange ? 0 : -2 * top, isInRange ? top : 3 * top));
   const int bound = isInRange ? top : draw.any({0, 1, top / 3, top});
-  const ifPathCostFn pathCosts[] = {ifPathCostMax, ifPathCostMin, ifPathCostSum, ifPathCostMaxLocal,
-                                    ifPathCostMinLocal};
+  const ifPathCostFn pathCosts[] = {ifPathCostMax,      ifPathCostMin,      ifPathCostSum,
+                                    ifPathCostMaxLocal, ifPathCostMinLocal, fallingCost};
   const ifPathCostFn pathCost = draw.any(pathCosts);
   if (draw.chance(2))
     compareForest<Minimising>(draw, image.get(), bound, pathCost, seeds.get());

@@ -41,6 +41,11 @@ inline void checkSameImage(const imImage *a, const imImage *b, const char *what)
     check(std::equal(a->band[i], a->band[i] + a->npixels, b->band[i]), what);
 }
 
+/// The cost of a path that is the better the longer it is: it soon lies below every bucket.
+inline int fallingCost(int cost, int) {
+  return cost > minInt ? cost - 1 : cost;
+}
+
 /// Draws values from the bytes of an input; zeros when they have run out.
 class Draw : public FuzzedDataProvider {
 public:

@@ -286,7 +286,7 @@ Argument World::draws() {
                                     ifChanferDistance, wildWeight, nullptr});
   } else if constexpr (std::is_same_v<Argument, ifPathCostFn>) {
     return draw.any<ifPathCostFn>({ifPathCostMax, ifPathCostMin, ifPathCostSum, ifPathCostMaxLocal,
-                                   ifPathCostMinLocal, wildCost, nullptr});
+                                   ifPathCostMinLocal, wildCost, fallingCost, nullptr});
   } else if constexpr (std::is_same_v<Argument, ifGraphWeightFn>) {
     return draw.any<ifGraphWeightFn>({ifGraphEuclideanDistance, ifGraphMinDistance,
                                       ifGraphWatershedDistance, wildGraphWeight, nullptr});
