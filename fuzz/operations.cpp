@@ -130,7 +130,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size) {
   const seedforest::ThrowingErrors throwing;
   World world(bytes, size);
-  for (int calls = 0; calls < 12 && world.draw.remaining_bytes() > 0; ++calls)
+  for (int calls = 0; calls < 8 && world.draw.remaining_bytes() > 0; ++calls)
     operations[world.draw.from(0, std::size(operations) - 1)](world);
   return 0;
 }
