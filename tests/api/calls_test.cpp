@@ -6,11 +6,13 @@
 
 #include "api/interfaceSupport.h"
 #include "api/things.h"
-#ifdef SEEDFOREST_FAILING_MEMORY
-#include "failingMemory.h"
+#ifdef SEEDFOREST_FAULTS
+#include "faults.h"
 #endif
 
+#include <cerrno>
 #include <functional>
+#include <iostream>
 #include <tuple>
 
 namespace {
@@ -250,10 +252,16 @@ TEST_F(Scope, RefusesArgumentsOneByOne) {
     }
 }
 
-#ifdef SEEDFOREST_FAILING_MEMORY
+#ifdef SEEDFOREST_FAULTS
 
-// Every allocation fails in turn, until one call goes through as it would have without.
-TEST_F(Scope, SurvivesWithoutMemory) {
+std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+// Every call of the system of one kind fails in turn, until one call of the operation goes through
+// as it would have without. Returns how many did not.
+template <class Expected>
+int failInTurn(const Fault &fault) {
   const ThrowingErrors throwing;
   int failures = 0;
   const std::size_t count = Calls().operations.size();
@@ -261,25 +269,43 @@ TEST_F(Scope, SurvivesWithoutMemory) {
     Calls whole;
     SCOPED_TRACE(whole.operations[i].name);
     whole.operations[i].call();
-    int n = 0;
-    for (bool failed = true; failed;) {
+    for (int n = 1, made = 0;; ++n) {
       Calls calls;
-      failAllocation(++n);
+      inject(fault, n);
       try {
         calls.operations[i].call();
-        failed = allocationFailed(); // some allocations only make things faster
-        failAllocation(0);
+        made = endInjection(); // some calls only make things faster
         EXPECT_EQ(calls.results(), whole.results());
-      } catch (const seedforest::OutOfMemory &) {
+      } catch (const Expected &) {
+        made = endInjection();
         ++failures;
       } catch (const std::exception &error) {
-        failAllocation(0);
+        made = endInjection();
         ADD_FAILURE() << n << " " << error.what();
       }
+      if (made < n)
+        break;
     }
-    failAllocation(0);
   }
+  return failures;
+}
+
+TEST_F(Scope, SurvivesWithoutMemory) {
+  const int failures = failInTurn<seedforest::OutOfMemory>({Call::allocate, Effect::fail, ENOMEM});
   EXPECT_GT(failures, 300); // else little was tried
+  std::cout << "allocations that failed: " << failures << "\n";
+}
+
+TEST_F(Scope, SurvivesFilesThatFail) {
+  const std::ptrdiff_t before = openDescriptors();
+  for (const Call call : {Call::open, Call::read, Call::write, Call::close, Call::rename}) {
+    const int failures = failInTurn<seedforest::FileError>({call, Effect::fail, EIO});
+    EXPECT_GT(failures, 2);
+    std::cout << "calls for files that failed: " << failures << "\n";
+  }
+  EXPECT_EQ(openDescriptors(), before);
+  for (const std::string &name : folder.names())
+    EXPECT_FALSE(name.starts_with(".seedforest-tmp-")) << name;
 }
 
 using MemoryDeathTest = Scope;
@@ -287,7 +313,7 @@ using MemoryDeathTest = Scope;
 TEST_F(MemoryDeathTest, WithoutAScopeTheProcessEndsAfterALine) {
   Things t;
   const auto without = [](int n, auto call) {
-    failAllocation(n);
+    inject({Call::allocate, Effect::fail, ENOMEM}, n);
     call();
   };
   EXPECT_FATAL(without(1, [&] { ifLabelImage(t.mask, t.out); }), "^could not allocate memory!\n$");
