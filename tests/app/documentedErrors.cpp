@@ -1,42 +1,63 @@
 #include "documentedErrors.h"
 
+#include <fnmatch.h>
 #include <fstream>
+#include <set>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
 
 // The lines quoted in a cell, with their ends.
 std::string linesIn(const std::string &cell) {
-  static const std::regex quoted("`([^`]+)`");
-  std::string lines;
-  for (std::sregex_iterator at(cell.begin(), cell.end(), quoted), end; at != end; ++at)
-    lines += (*at)[1].str() + "\n";
+  std::string lines, part;
+  std::istringstream parts(cell);
+  for (bool isQuoted = false; std::getline(parts, part, '`'); isQuoted = !isQuoted)
+    lines += isQuoted ? part + "\n" : "";
   return lines;
 }
 
-std::regex patternOf(const std::string &lines) {
-  std::string pattern = std::regex_replace(lines, std::regex("[()\\[\\]?!.]"), "\\$&");
-  pattern = std::regex_replace(pattern, std::regex("\\b(FILE|WORD|TOOL)\\b"), ".*");
-  return std::regex(std::regex_replace(pattern, std::regex("\\bN\\b"), "-?[0-9]+"));
+// A row's cells; none where that is no row.
+std::vector<std::string> cellsOf(const std::string &row) {
+  std::vector<std::string> cells;
+  std::size_t at = 2;
+  for (std::size_t end; (end = row.find(" |", at)) != row.npos; at = end + 3)
+    cells.push_back(row.substr(at, end - at));
+  return cells;
 }
 
 } // namespace
 
+bool ErrorRow::matches(const std::string &printed) const {
+  std::string pattern, word;
+  for (const char c : line + '\0') {
+    if (c >= 'A' && c <= 'Z') {
+      word += c;
+      continue;
+    }
+    const bool isAny = std::set<std::string>{"FILE", "WORD", "TOOL", "N"}.contains(word);
+    pattern += isAny ? "*" : word;
+    pattern += std::string(c == '[' || c == '?' || c == '*' || c == '\\' ? "\\" : "") + c;
+    word.clear();
+  }
+  pattern.pop_back();
+  return fnmatch((isOnError ? pattern : "*" + pattern + "*").c_str(), printed.c_str(), 0) == 0;
+}
+
 std::vector<ErrorRow> documentedErrors() {
-  const std::regex cells("\\| [^|]+ \\| ([^|]+) \\| (output|error) \\| ([01]) \\| [^|]+ \\|");
   std::vector<ErrorRow> rows;
   std::ifstream document(SEEDFOREST_SOURCES "/docs/errors.md");
   std::string text, section;
   while (std::getline(document, text)) {
-    std::smatch row;
     if (text.starts_with("## "))
       section = text.substr(3);
     if (!text.starts_with("| ") || text.starts_with("| situation "))
       continue;
-    if (!std::regex_match(text, row, cells))
+    const std::vector<std::string> cells = cellsOf(text);
+    if (cells.size() != 5 || (cells[2] != "output" && cells[2] != "error") ||
+        linesIn(cells[1]).empty())
       throw std::runtime_error("no row of errors: " + text);
-    const std::string lines = linesIn(row[1]);
-    rows.push_back({section, lines, patternOf(lines), row[2] == "error", row[3] == "1"});
+    rows.push_back({section, linesIn(cells[1]), cells[2] == "error", std::stoi(cells[3])});
   }
   return rows;
 }

@@ -146,7 +146,7 @@ protected:
     EXPECT_EQ(now.err.empty() || now.err.back() != '\n', now.status != 1) << now.err;
     EXPECT_TRUE(whole.out.starts_with(now.out));
     const auto row = std::find_if(documented.begin(), documented.end(), [&](const ErrorRow &r) {
-      return r.isOnError && r.status == 1 && std::regex_match(now.err, r.expected);
+      return r.isOnError && r.status == 1 && r.matches(now.err);
     });
     EXPECT_TRUE(now.err.empty() || row != documented.end()) << now.err;
     if (row != documented.end())
