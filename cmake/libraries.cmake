@@ -73,7 +73,9 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/seedforest-config-v
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/seedforest-config-version.cmake DESTINATION ${package})
 
 # Finds its prefix from where it stands, so that an installed folder can be moved.
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
-  BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pkgConfigPrefix)
+foreach(place PREFIX FULL_INCLUDEDIR)
+  cmake_path(RELATIVE_PATH CMAKE_INSTALL_${place}
+    BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pkgConfig_${place})
+endforeach()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/seedforest.pc.in ${CMAKE_CURRENT_BINARY_DIR}/seedforest.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/seedforest.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
