@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Removal of unfinished files when a signal ends the tool.
 #pragma once
 

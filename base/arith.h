@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Arithmetic that is defined for all values: conversions to 32 bits that saturate or wrap, and
 // sums.
 #pragma once

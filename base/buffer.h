@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Memory allocation. Blocks come from malloc and calloc, so that callers can free() the arrays of a
 // record; large blocks are put on huge pages where the system grants them. A function that cannot
 // allocate ends with an error through outOfMemory(), unless its comment says otherwise.

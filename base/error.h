@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What an error does. By default, a library operation that cannot do its work prints a line on
 // standard error and ends the process with status 1. A program that wants to go on asks for
 // exceptions:

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Whether an operation looks for the largest or the smallest value.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The find operation of union-find, shared by all users of it.
 #pragma once
 

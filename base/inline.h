@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Forced inlining: for code that must be compiled with its caller's vector instructions, for small
 // functions in loops over all pixels, and for prefetches, which compilers drop from functions that
 // they do not inline.

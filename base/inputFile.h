@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Files as text, read in pieces and only as far as the caller needs: a file need not fit into
 // memory, and a pipe is not waited for when its next bytes are not needed.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Writing files. A regular file is replaced as a whole: readers find the old one or the new one,
 // never a part.
 #pragma once

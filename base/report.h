@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Messages: progress on standard output, errors on standard error, and the one place that decides
 // what an error does. The libraries report progress and errors only through here. In a scope of
 // ThrowingErrors nothing is printed: see base/error.h.

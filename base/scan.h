@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading text: the one scanner of decimal integers, for image headers, ASCII samples, roots files
 // and the command line. Its grammar is that of the %d conversion: white space, an optional sign,
 // digits. Text may come in pieces; the next one is fetched only when it is needed.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Shared by the benchmarks. Most programs also measure a plain pass over the same memory in the
 // same run: compare ratios to it, not seconds.
 #pragma once

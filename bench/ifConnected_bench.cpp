@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Area openings, compared with a plain copy of the image; and how their time grows where many
 // maxima each need a large area.
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Connected components and regional extrema of images of 4096 x 4096 pixels, compared with a plain
 // copy of the image.
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Region graphs of two kinds of mosaics: squares, in the sizes of ordinary images, and a background
 // that touches each of n small regions, with n doubling. Compared with the copy of the label image
 // that each graph contains.

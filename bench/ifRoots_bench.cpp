@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Saving and loading a million roots. Loading prints a line for each root on standard output: send
 // it to /dev/null and read the figures from --benchmark_out=FILE.
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Euclidean distances from the borders of binary shapes, compared with a plain copy of the image
 // and, where the library is installed, with VIGRA's distance transform, which gives the vector to
 // the nearest feature.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The forest transform as a watershed from markers: the largest value on the way, 8-connected, a
 // label, a cost and a predecessor for each pixel. Compared with the literal loop on the public
 // queue, a plain copy of the image and, where the library is installed, VIGRA's watershed.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Fuzzy connectedness of two and of eight objects on the micrograph, 8-connected, compared with a
 // plain copy of the image. The debug images are formatted, but not stored.
 

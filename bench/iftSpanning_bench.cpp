@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The minimum spanning tree of an image's pixels, 4-connected, by the difference of values,
 // compared with a plain copy of the image.
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Conversions between colour spaces, on colours that change little from pixel to pixel, as in
 // photographs. Compared with a plain copy of three bands and, where the library is installed,
 // OpenCV's conversions of floating-point pixels on one thread (without the gamma of sRGB).

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading and writing images of 4096 x 4096 pixels, from and to files in the system's file cache.
 
 #include "bench.h"

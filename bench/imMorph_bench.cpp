@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Morphology with discs on an 8-bit micrograph: one dilation and erosion for several discs, and the
 // alternating filter. Compared with a plain copy of the image, the plain dilation and, where the
 // library is installed, OpenCV's dilation and erosion with the same disc on one thread, on 8-bit

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The images that the benchmarks run on, square, with 8-bit values: a synthetic micrograph, and
 // three worst cases.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The overhead of the C++ interface: its watershed against the library's own, and a transform with
 // a lambda as weight against one with a plain function. Where the machine is noisy, count
 // instructions: valgrind --tool=callgrind with a --benchmark_filter.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Compiled as C++17, the newest standard that the library's headers support.
 
 #include "bench/peerVigra.h"

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // VIGRA's watershed and distance transform, for comparison; built only where the library is
 // installed.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Paints each connected object of a binary image (pixels > 0) in a colour of its own, and the
 // objects' contours in white:
 //

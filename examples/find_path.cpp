@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The shortest path between two pixels (x and y of each) through what is brighter than a grey level
 // (0 unless given), painted over the image, from green to red:
 //

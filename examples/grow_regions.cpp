@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Splits a grey or colour image into many regions, grows the regions under the roots of a file over
 // the graph of all, across the smallest steps of average colour, and paints each region in the
 // colour of the root's label that won it:

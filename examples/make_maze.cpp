@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Draws a maze of ROOMS x ROOMS rooms, white on black, with more than one way through it:
 //
 //   make_maze ROOMS MAZE.pgm

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Makes a synthetic micrograph, bright cells on a dark ground, as a P5 file:
 //
 //   make_micrograph NCOLS NROWS IMAGE.pgm

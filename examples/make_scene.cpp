@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Makes three images that belong together, 240 x 180 pixels each: a colour scene of soft-edged
 // discs on bands, with noise; a marker with a label of its own on each thing in it; and some binary
 // shapes. Integers only, so that they are the same on every machine:

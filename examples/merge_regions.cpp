@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Splits a grey or colour image into many regions, merges them in one of three ways, and draws the
 // borders of what is left over the image:
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A synthetic micrograph: bright round cells, some of them touching, on a dark and uneven ground
 // with noise. Integers only, so that it is the same on every machine. For the demo and the
 // benchmarks.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Grey-scale morphology, one operation for each run:
 //
 //   morphology OPERATION IMAGE N RESULT.pgm

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The mosaic that the examples with region graphs start from.
 #pragma once
 

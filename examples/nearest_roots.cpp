@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The Euclidean distance transform of a roots file: paints each pixel in the colour of its nearest
 // root's label, darker with growing distance, with a ring every 8 pixels:
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Area opening and closing. The picture has three parts: the input, the input without its bright
 // spots of fewer than AREA pixels, and the input without such dark spots:
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Outlines the cells of a micrograph in ten lines: finds a marker in each cell, gives every bright
 // pixel to a marker by the watershed, verifies the result and draws the borders over the image.
 //

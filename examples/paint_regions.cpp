@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Segments a grey or colour image by the watershed of its gradient, from the roots in a file, and
 // paints each region in its average colour:
 //

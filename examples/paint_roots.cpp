@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Paints a roots file over its image, a colour for each label:
 //
 //   paint_roots IMAGE ROOTS PICTURE.ppm [TURN]

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Helpers of the example programs for reading images and making pictures.
 #pragma once
 

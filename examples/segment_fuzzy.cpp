@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Splits an image into two objects by fuzzy connectedness and draws the border between them:
 //
 //   segment_fuzzy IMAGE ROOTS PICTURE.ppm [MEAN1 SIGMA1 MEAN2 SIGMA2]

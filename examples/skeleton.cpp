@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Skeletons, at three scales, of the shape of all pixels above a grey level (0 unless given). The
 // picture has three parts side by side with the shape in grey, the skeleton inside it in red and
 // the one outside in blue. The larger the scale, the fewer branches; the part of the shape that the

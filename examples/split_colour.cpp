@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Splits a colour picture into regions, by a watershed on its gradient in Lab, and paints their
 // borders over it:
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Graphs as adjacency lists, undirected or directed, with a weight on each edge and integers on
 // each vertex. Its main use is the adjacency of regions: vertex v is the region of label v in the
 // label image that the graph owns.

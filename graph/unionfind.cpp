@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "graph/unionfind.h"
 
 #include "base/buffer.h"
@@ -42,9 +45,11 @@ void ufStartUnionFind(ufUnionFind *uf, int n, int dataSize) {
     fatal("Union/find was not allocated before ufStartUnionFind \n\n");
   // One block: the elements, and behind them the data of each in turn.
   const auto ints = static_cast<std::size_t>(std::max(dataSize, 0));
-  void *block = n < 0 ? nullptr
-                      : tryAllocateZeroed(static_cast<std::size_t>(n),
-                                          sizeof(ufElement) + ints * sizeof(int));
+  constexpr std::size_t mostInts = (SIZE_MAX - sizeof(ufElement)) / sizeof(int);
+  void *block =
+      n < 0 || ints > mostInts
+          ? nullptr
+          : tryAllocateZeroed(static_cast<std::size_t>(n), sizeof(ufElement) + ints * sizeof(int));
   if (block == nullptr)
     fatal(n < 0 ? About::call : About::memory,
           "Could not allocate structure for union/find [%d elements]\n\n", n);

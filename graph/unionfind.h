@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Disjoint sets over the integers 0 .. n - 1: union by rank with path compression (Tarjan,
 // "Efficiency of a good but not linear set union algorithm", 1975), with a block of integers for
 // each element and a callback that keeps sums over the sets up to date.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Each rule converts one pixel and is applied to blocks of pixels, from one set of small arrays to
 // another: compilers vectorise that, and the blocks stay in the first-level cache. Two conversions
 // can follow each other block by block, without an image between them, and input and output may be

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Conversions between colour spaces, pixel by pixel: RGB, HSV, XYZ, L*a*b*, L*u*v* and YCbCr.
 //
 // Bands 0, 1 and 2 are the components in the order of the space's name. As pixels are integers, the

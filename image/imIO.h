@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading and writing the three PNM dialects: P2 (grey, ASCII), P5 (grey, a byte a sample) and P6
 // (colour, three bytes a pixel).
 //

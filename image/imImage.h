@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The image record that the whole system shares, with its creation, copies, release and inspection.
 //
 // A pixel is a 32-bit signed integer, whatever its file held, so that an image can carry labels,

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Grey-scale morphology with discs: dilation, erosion, opening, closing, alternating sequential
 // filters, and the gradient over the 8 neighbours.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Adjacency relations: which pixels are neighbours of a pixel, as an ordered list of displacements.
 // The order is part of every result: transforms visit neighbours in list order, and it decides
 // which of two equal paths wins.

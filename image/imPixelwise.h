@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Pixelwise operations: thresholds, negatives, masks, sets of pixels, borders, envelopes, sums,
 // differences, and the local test for extrema.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Pictures of results: a mask in a colour, the borders of a segmentation, discs. Each function
 // returns a new image, which the caller releases, with maxValue 0.
 //

@@ -1,3 +1,6 @@
+# Copyright the Seedforest authors
+# SPDX-License-Identifier: Apache-2.0
+
 # Every public header (base/error.h, and all outside base/ and detail/) compiles alone, as C++17 and as C++20, and includes
 # public ones only.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}

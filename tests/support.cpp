@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "support.h"
 #include "ift/core/detail/rootsTools.h"
 #include "image/detail/imageTools.h"

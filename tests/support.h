@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What the tests share: images from matrices that a person can read, random images, scratch files,
 // and whole runs of the tool.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Shared by the transforms and by verify().
 #pragma once
 

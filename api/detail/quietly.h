@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The scope in which the interface's functions run, and helpers that they share.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Which pixels are neighbours.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Conversions between colour spaces; see imColor.h for the formulas and the form in which each
 // space is stored. Bands 0, 1 and 2 are the components. Results have three bands: of type color for
 // RGB, xyz for the rest.

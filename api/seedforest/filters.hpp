@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Connected filters of band 0, which do not move borders: they lower or raise flat zones only as a
 // whole (ifConnected.h); and relative fuzzy connectedness.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Image foresting transforms: every pixel gets the best path from some root. See iftForest.h for
 // the algorithm and its ties.
 #pragma once

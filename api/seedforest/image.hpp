@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Images, which own their 32-bit pixels in bands, and their PNM files.
 #pragma once
 

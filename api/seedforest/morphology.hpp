@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Grey-scale morphology with discs, band by band. A disc is named by its squared radius: 1 is the
 // cross of 5 pixels, 2 the 3 x 3 square; see imMorph.h. Results have the type and bands of the
 // image.

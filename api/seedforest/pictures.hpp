@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Pictures of results, of type color unless said otherwise. paintRoots() is in roots.hpp.
 #pragma once
 

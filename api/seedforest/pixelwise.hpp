@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Operations on each pixel by itself; see imPixelwise.h. Bounds are inclusive. Results that are one
 // band, made from band 0, are of type ascii; others have the bands and the type of the first image.
 #pragma once

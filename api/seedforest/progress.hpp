@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The progress of an operation, and how to stop it.
 #pragma once
 

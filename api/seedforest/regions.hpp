@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Regions of a label image: measurements, and graphs of neighbouring regions that merge.
 #pragma once
 

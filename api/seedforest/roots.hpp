@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Roots: seed pixels, each with a label and a starting cost, and the text files that hold them.
 #pragma once
 

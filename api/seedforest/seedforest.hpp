@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Seedforest for C++ programs: everything that the libraries do, with values that own their memory,
 // with exceptions, and without a line printed.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Shapes: connected components, contours, skeletons, and shapes that touch. Pixels above 0 in band
 // 0 belong to a shape.
 #pragma once

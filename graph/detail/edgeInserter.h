@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Inserting many edges: the same lists as by insertEdge() and insertDirectedEdge(), in a time that
 // does not depend on their length.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The functions that parameterise a transform: the cost of a path extended by an arc, and the
 // weight of an arc. All are pure functions. Transforms recognise some of them by their addresses
 // and then run a faster form with the same result (iftForest.h).

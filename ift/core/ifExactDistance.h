@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The exact Euclidean distance transform, with the nearest root of each pixel (feature transform,
 // discrete Voronoi diagram).
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The public bucket queue: elements 0 .. nelems - 1 wait in buckets, first in first out within
 // each; the buckets are served in a circle. Transforms order pixels by cost with exactly these
 // semantics.

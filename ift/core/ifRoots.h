@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Roots: sets of seed pixels with a label each, and the text file that carries them between runs.
 //
 // Entry i of the parallel arrays is seed i. The order is that in which the seeds were produced, and

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Arc-weight images: the weights of all arcs of an image, computed in advance.
 //
 // The result has one band for each displacement of the adjacency, in order, and type weights. Band

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The Euclidean distance transform by image foresting: vector propagation (Danielsson, "Euclidean
 // distance mapping", 1980) in the order of the distances.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Image foresting transforms: every pixel gets the best path from some seed. With the values of the
 // pixels for weights and the largest of them for a path's cost, that is the watershed from markers.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Contours: marking the inner border of regions, numbering thin curves along their course,
 // following them with the shape on one side, and measuring how far apart along a contour the
 // sources of neighbouring pixels lie. Skeletons and the seeds of distance transforms build on them.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Labels for connected sets of pixels: components of a binary image, flat zones around seeds, and
 // labels renumbered without gaps. All work on band 0 and join neighbours by imNeighborhood8.
 //

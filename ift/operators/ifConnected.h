@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Connected filters of grey-level images: reconstructions, area openings and closings, levellings.
 // Contours do not move: a filter lowers or raises flat zones only as a whole.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Multiscale skeletons of binary shapes by label differences. Border pixels are labelled with their
 // position along the contour, and every pixel takes the label of its nearest border pixel. It lies
 // on the skeleton where its label and a neighbour's differ by at least the scale.

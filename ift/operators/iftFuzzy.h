@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Relative fuzzy connectedness (Saha and Udupa, "Relative fuzzy connectedness among multiple
 // objects", 2001): several objects, each given by its seeds, its mean grey level and the spread
 // around it, compete for the pixels of an image.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Features of regions: averages of the bands, as an image or on the vertices of a region graph, and
 // features brought to the common range 0 .. 1000. Averages are sums in 64 bits, divided as integers
 // (truncating toward zero).

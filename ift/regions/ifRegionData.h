@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Measures of regions that are kept up to date while regions merge: area, volume, colour.
 //
 // For a union-find over the pixels of an image (element p is pixel p) each measure has three

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Graphs of regions. A mosaic is a label image, its regions are the vertices of a graph, and the
 // integers on the vertices are the regions' features. Label 0 is no region: walks over vertices
 // start at 1, so mosaics meant for merging number their regions from 1.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Merging the regions of a mosaic: away with small ones, and together what looks alike.
 //
 // A region is known by the smallest of the vertices that it consists of; this number decides ties.

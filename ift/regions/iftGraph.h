@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The image foresting transform on a graph: every vertex gets the best path from some root. On a
 // region graph, regions grow from marked regions.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Minimum spanning trees of pixels and of regions, and the partitions that result from cutting
 // them. Region numbers, ownership and errors of graphs are as in ift/regions/ifRegionGraph.h.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Roots that separate the cells of a micrograph: markers on bright objects, and the lines between
 // them.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Roots on the borders of binary shapes.
 //
 // Ends with an error, in every operation: no image, no band or no record, memory that cannot be

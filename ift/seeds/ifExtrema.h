@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Regional extrema of band 0, and roots on them.
 //
 // A regional maximum is an 8-connected set of pixels of one value whose every outside 8-neighbour

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Two plain ways of making roots: the pixels of the image's frame, and the labelled pixels of a
 // label image. Each returns a new record, values 0, which the caller owns.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Internal: dilations and erosions as a stream of rows, in the narrowest element type that holds an
 // image's values.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Checks of images, and new images whose failure to be created is an error.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Windows of 3 x 3 pixels, a row at a time, for code that looks at all neighbours of all pixels.
 //
 // A position outside the image is replaced by the nearest pixel inside, which is another neighbour

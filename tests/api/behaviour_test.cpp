@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What is the C++ interface's own: ownership, files and memory, extrema that stand out, shapes that
 // touch, proofs, callables, progress, errors, threads.
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Calls of every family of operations, with arguments that they accept. Each goes wrong in turn in
 // the ways a program survives: an argument that is missing or does not fit, and memory that cannot
 // be had. In a scope of ThrowingErrors each is an exception; what it leaves behind, the sanitizers

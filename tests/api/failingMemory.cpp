@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The linker sends this program's calls of malloc, calloc and realloc here (--wrap), and operator
 // new goes the same way. What the sanitizers put in their place is called in turn, so they see all.
 #include "failingMemory.h"

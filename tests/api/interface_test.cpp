@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Each function of the C++ interface gives what the library's operation gives.
 
 #include "api/interfaceSupport.h"

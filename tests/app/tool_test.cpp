@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Whole runs of the tool: both streams, the exit status and the files, to the byte.
 
 #include "image/imIO.h"

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Expected values were worked out with an independent program, in other words than the library's.
 #include "image/imColor.h"
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The Euclidean propagation as one would write it down, on the public queue, with each pixel's
 // offsets in arrays: what the library's forms have to equal.
 #pragma once

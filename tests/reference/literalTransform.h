@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A forest transform as one would write it down, on the public queue with its linked lists: what
 // the loop of the library has to equal, given the same arcs, costs and conquests.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Dilation and erosion in their literal form: one pass over the whole disc for each pixel.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Callables with a state, passed to operations that take plain functions without a context.
 #pragma once
 

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The bucket queue of the loop: Dial's queue (R. B. Dial, Algorithm 360, 1969) with lazy deletion.
 //
 // Buckets form a circle, each a first-in first-out list of entries. An element that moves is

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The two directions of a transform: for operations that choose one at run time, and as types for
 // loops that are compiled for each.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Vector propagation of squared Euclidean distances, shared by iftEuclideanDT() and iftSkelNova();
 // see iftEuclidean.h.
 #pragma once

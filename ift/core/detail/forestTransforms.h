@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The transforms of iftForest.h and of spanning trees, composed of three parts: the arcs of an
 // image and their weights; the rule that says when a pixel is conquered and what it gains; and
 // Marked, which turns a rule into a transform for the loop of iftPropagate.h.

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The fast form of the forest transforms that users run most: the watershed weight with a maximum
 // (minimising) or a minimum (maximising), or with their local forms, over values that fit into few
 // bits. Internal; iftForest.cpp decides when it applies.

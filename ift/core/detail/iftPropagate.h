@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The one loop behind every transform. Internal: the public operations are in iftForest.h and its
 // siblings.
 //

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The lower envelope of parabolas of one shape, for distance transforms that go along columns and
 // then along rows.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Grey-level reconstruction (Vincent, "Morphological grayscale reconstruction in image analysis",
 // 1993), on which regional extrema and connected filters are built.
 #pragma once

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Tables indexed by labels, for labels that may be any integers.
 #pragma once
 
@@ -21,9 +24,11 @@ public:
     const auto npixels = static_cast<std::size_t>(labels->npixels);
     const auto [smallest, largest] = std::minmax_element(label, label + npixels);
     smallest_ = *smallest;
-    size_ = static_cast<std::size_t>(std::int64_t{*largest} - smallest_ + 1);
-    if (size_ <= npixels)
+    const std::int64_t range = *largest - smallest_ + 1;
+    if (range <= labels->npixels) {
+      size_ = static_cast<std::size_t>(range);
       return;
+    }
     sorted_ = makeArray<int>(npixels);
     std::copy_n(label, npixels, sorted_.get());
     std::sort(sorted_.get(), sorted_.get() + npixels);

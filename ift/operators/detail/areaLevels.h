@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The level to which an area opening lowers each regional maximum. Internal; the operations are in
 // ifConnected.h.
 //

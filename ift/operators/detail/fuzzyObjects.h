@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Fuzzy connectedness without its debug images, for operations that write no files.
 #pragma once
 

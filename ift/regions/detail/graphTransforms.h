@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What the transforms on the vertices of a graph share, for the wrapper Marked of
 // ift/core/detail/forestTransforms.h and the loop behind it.
 #pragma once

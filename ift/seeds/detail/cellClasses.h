@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Cell seeds as classes of pixels, for operations that write no file.
 #pragma once
 

@@ -1,7 +1,9 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "ift/core/ifExactDistance.h"
 
-#include "ift/core/ifCost.h"
-#include "support.h"
+#include "reference/plainDistance.h"
 
 namespace {
 
@@ -51,22 +53,7 @@ TEST(ExactDistance, EqualsTheNearestOfAllRoots) {
     const int ncols = pick(random, 1, 24);
     const int nrows = pick(random, 1, 24);
     const std::vector<Root> roots = randomRoots(random, ncols, nrows);
-    std::vector<int> last(static_cast<std::size_t>(ncols * nrows), -1); // place of a pixel's root
-    for (std::size_t i = 0; i < roots.size(); ++i)
-      last[roots[i].pixel] = static_cast<int>(i);
-    const imImagePtr expected = blank(ncols, nrows, 4);
-    for (int p = 0; p < ncols * nrows; ++p) {
-      Root nearest = {p, 0, ifInfiniteCost};
-      for (std::size_t i = 0; i < roots.size(); ++i) {
-        const int dx = p % ncols - roots[i].pixel % ncols;
-        const int dy = p / ncols - roots[i].pixel / ncols;
-        if (last[roots[i].pixel] == static_cast<int>(i) && dx * dx + dy * dy < nearest.value)
-          nearest = {roots[i].pixel, roots[i].label, dx * dx + dy * dy};
-      }
-      expected->band[1][p] = nearest.label;
-      expected->band[2][p] = nearest.value;
-      expected->band[3][p] = nearest.pixel;
-    }
+    const imImagePtr expected = nearestOfAll(ncols, nrows, roots);
     const imImagePtr fast = exactDistance(ncols, nrows, roots);
     for (int b = 0; b < 4; ++b)
       ASSERT_EQ(bandOf(fast, b), bandOf(expected, b)) << "round " << round << " band " << b;

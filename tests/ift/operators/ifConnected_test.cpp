@@ -1,13 +1,12 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "ift/operators/ifConnected.h"
 
 #include "ift/core/ifCost.h"
-#include "ift/label/ifLabel.h"
 #include "ift/seeds/ifExtrema.h"
 #include "image/imPixelwise.h"
-#include "support.h"
-
-#include <algorithm>
-#include <set>
+#include "reference/plainAreaOpen.h"
 
 namespace {
 
@@ -81,22 +80,6 @@ TEST(AreaOpening, OfSmallImages) {
   const imImagePtr f = makeImage({{5, 5, 0, 5}});
   EXPECT_EQ(printedBy([&] { runArea(ifAreaOpen, f.get(), 2); }),
             "in ifLabelImage\nin ifLabelImage\nThere are 2 regional maxima\n");
-}
-
-// What each pixel keeps: the highest threshold at which its component has `area` pixels.
-imImagePtr byThresholds(const imImagePtr &f, int area) {
-  const int *value = f->band[0];
-  imImagePtr result = blankLike(f);
-  for (const int t : std::set<int>(value, value + f->npixels)) {
-    const imImagePtr above(imThreshold(f.get(), imTypeAscii, t, maxInt));
-    const imImagePtr labels = blankLike(f);
-    ifLabelImage(above.get(), labels.get());
-    const int *label = labels->band[0];
-    for (int p = 0; p < f->npixels; ++p)
-      if (label[p] > 0 && std::count(label, label + f->npixels, label[p]) >= area)
-        result->band[0][p] = t;
-  }
-  return result;
 }
 
 TEST(AreaOpening, IsThatOfEveryThreshold) {

@@ -1,8 +1,9 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "ift/regions/ifRegionGraph.h"
 
-#include "graphs.h"
-#include "image/detail/neighborWalk.h"
-#include "image/imNeighborhood.h"
+#include "reference/literalMosaic.h"
 
 #include <algorithm>
 
@@ -23,18 +24,6 @@ TEST(RegionGraph, Weights) {
   };
   for (const auto &c : cases)
     EXPECT_EQ(c.weight(graph.get(), c.u, c.v), c.expected) << c.u << c.v;
-}
-
-// An insertion for each pair of neighbours that differ.
-Lists literalMosaic(const imImage *labels) {
-  const ifGraphPtr graph(createGraph(labels, 0));
-  const NeighborWalk neighbors(labels, imNeighborhood8forward);
-  for (int p = 0; p < labels->npixels; ++p)
-    neighbors.each(p, [&](int q, int) {
-      if (labels->band[0][p] != labels->band[0][q])
-        insertEdge(graph.get(), labels->band[0][p], labels->band[0][q], 0);
-    });
-  return listsOf(graph.get());
 }
 
 TEST(RegionGraph, OfMosaics) {

@@ -1,3 +1,6 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "ift/seeds/ifContourSeeds.h"
 
 #include "ift/label/ifContour.h"
