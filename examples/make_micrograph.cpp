@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Makes a synthetic micrograph, bright cells on a dark ground, as a P5 file. The ground is brighter at
-// the right edge by SLOPE grey levels, 20 unless given:
+// the right edge by SLOPE grey levels, 20 unless given, 255
+// at most:
 //
 //   make_micrograph NCOLS NROWS IMAGE.pgm [SLOPE]
 //
@@ -13,6 +14,7 @@
 #include "examples/micrograph.h"
 #include "image/image.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -21,7 +23,7 @@ int main(int argc, char **argv) {
     std::fprintf(stderr, "usage: %s NCOLS NROWS IMAGE.pgm [SLOPE]\n", argv[0]);
     return 1;
   }
-  const int slope = argc == 5 ? std::atoi(argv[4]) : 20;
+  const int slope = argc == 5 ? std::clamp(std::atoi(argv[4]), -255, 255) : 20;
   const imImagePtr image = micrograph(std::atoi(argv[1]), std::atoi(argv[2]), slope);
   if (image == nullptr)
     return 1;

@@ -13,7 +13,7 @@
 #include <random>
 
 /// A new image of type grey; the caller owns it. The ground is brighter at the right edge than at the
-/// left one by `slope` grey levels.
+/// left one by `slope` grey levels, -255 to 255.
 inline imImagePtr micrograph(int ncols, int nrows, int slope = 20) {
   imImagePtr image(imCreateImage(1, imTypeGrey, ncols, nrows));
   if (image == nullptr)

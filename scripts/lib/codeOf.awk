@@ -1,9 +1,10 @@
 # Copyright the Seedforest authors
 # SPDX-License-Identifier: Apache-2.0
 
-# Prints the code of a page in the language `want`: shell, python or r. In Markdown, shell commands are
-# the indented lines and what stands in a table's last column and begins with a program's name; python
-# and r are fenced. In a man page they are the blocks under EXAMPLES. Continued commands become one line.
+# Prints the code of a page in the language `want`: shell, python, r or cpp. In Markdown, shell commands
+# are the indented lines and what stands in a table's last column and begins with a program's name; the
+# others are fenced. In a man page they are the blocks under EXAMPLES. Continued commands become one
+# line.
 function put(line) {
   if (sub(/\\$/, "", line)) {
     held = held line
