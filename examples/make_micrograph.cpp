@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Makes a synthetic micrograph, bright cells on a dark ground, as a P5 file. The ground is brighter at
-// the right edge by SLOPE grey levels, 20 unless given, 255
-// at most:
+// the right edge by SLOPE grey levels (255 at most; 20 unless given):
 //
 //   make_micrograph NCOLS NROWS IMAGE.pgm [SLOPE]
 //
