@@ -2,8 +2,18 @@
 # SPDX-License-Identifier: Apache-2.0
 
 # A Markdown page of the project as a page of the site, where all pages are in one folder: pictures
-# come from `pictures/`, by their path from docs/; links to other pages keep the name alone, those to
-# anything else become plain text. `home` is the page's folder as seen from docs/, such as "tutorials/".
+# come from `pictures/`, by their path from docs/; links to other pages become references by the page's
+# name, those to anything else plain text. `home` is the page's folder as seen from docs/, such as
+# "tutorials/".
+function name_of(path) {
+  sub(/#.*/, "", path)
+  sub(/.*\//, "", path)
+  return path
+}
+function anchor_of(page) {
+  sub(/\.md$/, "", page)
+  return page == "README" ? "index" : tolower(page)
+}
 function target_of(part) {
   sub(/^.*\]\(/, "", part)
   sub(/\)$/, "", part)
@@ -23,9 +33,12 @@ function rewritten(part, target, text) {
   }
   if (target ~ /^https?:/)
     return part
-  sub(/#.*/, "", target)
-  sub(/.*\//, "", target)
-  return index(" " pages " ", " " target " ") ? "[" text "](" target ")" : text
+  target = name_of(target)
+  return index(" " pages " ", " " target " ") ? "[" text "](@ref " anchor_of(target) ")" : text
+}
+FNR == 1 {
+  anchor = anchor_of(name_of(FILENAME))
+  $0 = $0 " {#" (anchor == "index" ? "mainpage" : anchor) "}"
 }
 /^```/ { fenced = !fenced }
 !fenced && !/^    / {
