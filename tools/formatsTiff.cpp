@@ -83,6 +83,7 @@ void unmapNothing(thandle_t, void *, toff_t) {}
   char text[200];
   std::vsnprintf(text, sizeof text, format, arguments);
   memory->error = text;
+  std::ranges::replace(memory->error, '\n', ' ');
 }
 
 [[noreturn]] void refuse(const std::string &why) {
