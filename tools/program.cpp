@@ -112,6 +112,7 @@ int nextOption(int argc, char **argv, const std::vector<option> &table) {
 std::optional<Operands> parse(const Program &program, int argc, char **argv) {
   const std::vector<Option> options = withCommonOptions(program);
   std::vector<option> table;
+  table.reserve(options.size() + 1);
   for (const Option &option : options)
     table.push_back(
         {option.name, option.argument == nullptr ? no_argument : required_argument, nullptr, 0});
