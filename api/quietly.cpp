@@ -86,8 +86,8 @@ namespace {
 Adjacency listOf(int n, const int *list) {
   std::vector<Displacement> displacements;
   displacements.reserve(static_cast<std::size_t>(n));
-  for (int k = 0; k < n; ++k)
-    displacements.push_back({list[2 * k], list[2 * k + 1]});
+  for (const int *end = list + 2 * std::ptrdiff_t{n}; list != end; list += 2)
+    displacements.push_back({list[0], list[1]});
   return Adjacency::of(std::move(displacements));
 }
 

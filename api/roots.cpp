@@ -20,9 +20,7 @@ using namespace detail;
 
 Roots::Roots(std::span<const Root> roots) {
   *this = quietly([&] {
-    if (roots.size() > std::size_t{maxInt})
-      outOfMemory();
-    ifRootsPtr made = createRoots(static_cast<int>(roots.size()));
+    ifRootsPtr made = createRoots(std::ssize(roots));
     for (std::size_t i = 0; i < roots.size(); ++i) {
       made->pixel[i] = roots[i].pixel;
       made->label[i] = roots[i].label;

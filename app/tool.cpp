@@ -96,10 +96,7 @@ ifRootsPtr joinRoots(const CommandLine &line, imImage *image) {
   const ifRootsPtr b = a ? readRoots(line.words[firstParameter + 1], image) : nullptr;
   if (b == nullptr)
     return nullptr;
-  const std::int64_t total = std::int64_t{a->n} + b->n;
-  if (total > INT32_MAX)
-    fatal("join: %d and %d roots are too many\n", a->n, b->n);
-  ifRootsPtr joined = createRoots(static_cast<int>(total));
+  ifRootsPtr joined = createRoots(std::int64_t{a->n} + b->n);
   int k = 0;
   for (const ifRoots *part : {a.get(), b.get()})
     for (int i = 0; i < part->n; ++i)
@@ -129,8 +126,7 @@ ifRootsPtr keepRange(const char *option, const CommandLine &line, const imImage 
   progress("%s: %d %d\n", option, least, most);
   const ifRootsPtr all(makeRoots(image));
   const auto keep = [=](int p) { return image->band[0][p] >= least && image->band[0][p] <= most; };
-  ifRootsPtr kept =
-      createRoots(static_cast<int>(std::count_if(all->pixel, all->pixel + all->n, keep)));
+  ifRootsPtr kept = createRoots(std::count_if(all->pixel, all->pixel + all->n, keep));
   for (int i = 0, k = 0; i < all->n; ++i)
     if (keep(all->pixel[i]))
       copyRoot(*all, i, *kept, k++);

@@ -127,7 +127,8 @@ String nameOf(const String &path) {
   return path.substr(path.rfind('/') + 1); // all of it where there is none: npos + 1 is 0
 }
 
-// Replaces the path of a symbolic link by that of its target; false where it is no link.
+// Replaces the path of a symbolic link by that of its target; false, with errno set, where it is no
+// link.
 bool followLink(String &path) {
   char target[4096];
   const ssize_t length = readlink(path.c_str(), target, sizeof target);
@@ -171,7 +172,8 @@ std::FILE *openDescriptor(int number) {
 class Replacement {
 public:
   explicit Replacement(const String &path)
-      : folder_(openFolder(folderOf(path))), name_(nameOf(path)), temporary_(folder_.number()) {}
+      : folder_(openFolder(folderOf(path))), folderError_(errno), name_(nameOf(path)),
+        temporary_(folder_.number()) {}
   ~Replacement() {
     if (isMade_)
       unlinkat(folder_.number(), temporary_.text(), 0);
@@ -182,17 +184,16 @@ public:
   // Creates the file, with the owner, group and permissions of the old one, if any. Null, with
   // errno set, where the file cannot be created or the old one cannot be replaced.
   std::FILE *make(const struct stat *old) {
-    if (name_.empty() || (old != nullptr && !canReplace(*old))) {
-      errno = EPERM;
+    errno = folderError_;
+    if (!folder_.isOpen() || name_.empty() || (old != nullptr && !canReplace(*old)))
       return nullptr;
-    }
     // The old permissions are set below; until then nobody else may read the new file.
     const mode_t mode = old != nullptr ? S_IRUSR | S_IWUSR : 0666;
     Descriptor file(
         openat(folder_.number(), temporary_.text(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     isMade_ = file.isOpen();
-    if (isMade_ && old != nullptr)
-      takeOver(file.number(), *old);
+    if (isMade_ && old != nullptr && !takeOver(file.number(), *old))
+      return nullptr;
     return file.toStream();
   }
 
@@ -204,13 +205,15 @@ public:
 
 private:
   // False where the folder's entry is not the file that was opened, as with a system's links for
-  // open files, and where the folder is sticky and neither the folder nor the file is the user's.
+  // open files, and where the folder is sticky and neither the folder nor the file is the user's:
+  // errno is EPERM then, or the error that left the question open.
   bool canReplace(const struct stat &old) const {
     struct stat named;
     struct stat folder;
     if (fstatat(folder_.number(), name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0 ||
         fstat(folder_.number(), &folder) != 0)
       return false;
+    errno = EPERM;
     const uid_t user = geteuid();
     const bool isFree =
         (folder.st_mode & S_ISVTX) == 0 || user == 0 || user == old.st_uid || user == folder.st_uid;
@@ -218,14 +221,18 @@ private:
   }
 
   // Sets owner, group and permissions. Where the process may not set the owner or the group, they
-  // stay its own.
-  static void takeOver(int file, const struct stat &old) {
+  // stay its own. False, with errno set, where the permissions are not the old ones.
+  static bool takeOver(int file, const struct stat &old) {
     [[maybe_unused]] const bool isGiven = fchown(file, old.st_uid, old.st_gid) == 0 ||
                                           fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
-    fchmod(file, old.st_mode & 0777);
+    if (fchmod(file, old.st_mode & 0777) == 0)
+      return true;
+    struct stat made; // some file systems refuse to set what all their files have
+    return fstat(file, &made) == 0 && (made.st_mode & 0777) == (old.st_mode & 0777);
   }
 
   Descriptor folder_;
+  int folderError_; // errno where the folder could not be opened
   String name_;
   TemporaryName temporary_;
   bool isMade_ = false;
@@ -248,11 +255,16 @@ std::FILE *openOutput(const char *path, std::unique_ptr<Replacement> &replacemen
   do {
     if (const int descriptor = descriptorNamed(target); descriptor >= 0)
       return openDescriptor(descriptor);
+    errno = 0;
   } while (links++ < mostLinks && followLink(target));
+  if (errno != 0 && errno != EINVAL && errno != ENOENT) // neither no link nor nothing there
+    return nullptr;
 
   struct stat old;
   const bool isThere = stat(path, &old) == 0;
-  if (isThere ? !S_ISREG(old.st_mode) : errno != ENOENT)
+  if (!isThere && errno != ENOENT)
+    return nullptr;
+  if (isThere && !S_ISREG(old.st_mode))
     return std::fopen(path, "w");
   const Descriptor writable(isThere ? open(path, O_WRONLY | O_CLOEXEC) : -1);
   if (isThere && (!writable.isOpen() || fstat(writable.number(), &old) != 0))

@@ -25,10 +25,10 @@ class Replacement;
 /// fsync(): after a power cut the file may be the old one, the new one or, on some file systems,
 /// empty.
 ///
-/// Written in place are: devices, pipes and the like; a file in a folder where no file can be made
-/// or replaced; every file on systems without POSIX. A path that names a descriptor of the process
-/// ("/dev/stdout", "/dev/fd/N", "/proc/self/fd/N") is written where that descriptor stands, behind
-/// what the process has written on standard output.
+/// Written in place are: devices, pipes and the like; a file in a folder where no file can be made,
+/// given the old one's permissions or put in its place; every file on systems without POSIX. A path
+/// that names a descriptor of the process ("/dev/stdout", "/dev/fd/N", "/proc/self/fd/N") is written
+/// where that descriptor stands, behind what the process has written on standard output.
 class OutputFile {
 public:
   explicit OutputFile(const char *path);

@@ -55,7 +55,7 @@ imImagePtr randomImage(std::mt19937 &random, int nbands, char type, int ncols, i
 }
 
 ifRootsPtr makeRoots(const std::vector<Root> &roots) {
-  ifRootsPtr made = seedforest::detail::createRoots(static_cast<int>(roots.size()));
+  ifRootsPtr made = seedforest::detail::createRoots(std::ssize(roots));
   for (int i = 0; i < made->n; ++i) {
     made->pixel[i] = roots[i].pixel;
     made->label[i] = roots[i].label;

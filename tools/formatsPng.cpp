@@ -7,6 +7,8 @@
 #include "codecs.h"
 
 #include <csetjmp>
+#include <cstdio>
+#include <exception>
 #include <png.h>
 #include <vector>
 
@@ -14,14 +16,16 @@ namespace seedforest::tools {
 
 namespace {
 
+// Nothing is thrown through libpng: its calls have no place where that could go.
 struct Stream {
   std::string_view in;
   std::string out = {};
-  std::string error = {};
+  char error[200] = {};
 };
 
 void keepError(png_structp png, png_const_charp text) {
-  static_cast<Stream *>(png_get_error_ptr(png))->error = std::string("PNG: ") + text;
+  char *error = static_cast<Stream *>(png_get_error_ptr(png))->error;
+  std::snprintf(error, sizeof Stream::error, "PNG: %s", text);
   png_longjmp(png, 1);
 }
 
@@ -35,8 +39,18 @@ void take(png_structp png, png_bytep to, std::size_t count) {
   stream->in.remove_prefix(count);
 }
 
+bool isAppended(std::string &bytes, const png_byte *from, std::size_t count) {
+  try {
+    bytes.append(reinterpret_cast<const char *>(from), count);
+    return true;
+  } catch (const std::exception &) {
+    return false;
+  }
+}
+
 void append(png_structp png, png_bytep from, std::size_t count) {
-  static_cast<Stream *>(png_get_io_ptr(png))->out.append(reinterpret_cast<char *>(from), count);
+  if (!isAppended(static_cast<Stream *>(png_get_io_ptr(png))->out, from, count))
+    png_error(png, "could not allocate memory!");
 }
 
 void flushNothing(png_structp) {}

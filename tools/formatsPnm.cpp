@@ -15,9 +15,9 @@ namespace seedforest::tools {
 namespace {
 
 struct Header {
-  std::uint32_t ncols = 0;
-  std::uint32_t nrows = 0;
-  std::uint32_t maxValue = 0;
+  std::int32_t ncols = 0;
+  std::int32_t nrows = 0;
+  std::int32_t maxValue = 0;
   std::size_t size = 0; // in bytes, the one white space before the samples included
 };
 
@@ -33,8 +33,9 @@ std::size_t skipBlank(std::string_view bytes, std::size_t at) {
 std::optional<Header> headerOf(std::string_view bytes) {
   Header header;
   std::size_t at = 2;
-  for (std::uint32_t *field : {&header.ncols, &header.nrows, &header.maxValue}) {
+  for (std::int32_t *field : {&header.ncols, &header.nrows, &header.maxValue}) {
     at = skipBlank(bytes, at);
+    at += at < bytes.size() && bytes[at] == '+' ? 1 : 0; // which the library's reader takes, too
     const auto scanned = std::from_chars(bytes.data() + at, bytes.data() + bytes.size(), *field);
     if (scanned.ec != std::errc())
       return std::nullopt;
@@ -47,7 +48,9 @@ std::optional<Header> headerOf(std::string_view bytes) {
 Decoded decodeWide(std::string_view bytes, const Header &header) {
   const int nbands = bytes[1] == '6' ? 3 : 1;
   const std::string_view samples = bytes.substr(header.size);
-  Decoded decoded = {imageFor({header.ncols, header.nrows, nbands, 16}, samples.size(), 1)};
+  const Shape shape = {static_cast<std::uint64_t>(header.ncols),
+                       static_cast<std::uint64_t>(header.nrows), nbands, 16};
+  Decoded decoded = {imageFor(shape, samples.size(), 1)};
   Image &image = decoded.image;
   image.setMaxValue(static_cast<int>(header.maxValue));
   const std::size_t rowSize = static_cast<std::size_t>(image.ncols()) * nbands * 2;
@@ -65,9 +68,9 @@ Decoded decodePnm(std::string_view bytes) {
   if (header && !isText && header->maxValue > 255 && header->maxValue <= 65535)
     return decodeWide(bytes, *header);
   // The library takes missing values of a P2 for 0, which must not make a large image of nothing.
-  constexpr std::uint64_t harmless = 1 << 20;
-  const std::uint64_t pixels = header ? std::uint64_t{header->ncols} * header->nrows : 0;
-  if (isText && pixels > harmless && pixels > bytes.size())
+  constexpr std::int64_t harmless = 1 << 20;
+  const std::int64_t pixels = header ? std::int64_t{header->ncols} * header->nrows : 0;
+  if (isText && pixels > harmless && pixels > static_cast<std::int64_t>(bytes.size()))
     throw FileError(std::to_string(bytes.size()) + " bytes cannot hold " + std::to_string(pixels) +
                     " pixels");
   return {decode(bytes)};

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <tiffio.h>
 #include <vector>
@@ -17,11 +18,11 @@ namespace seedforest::tools {
 
 namespace {
 
-// A file in memory, for libtiff's calls.
+// A file in memory, for libtiff's calls, through which nothing is thrown.
 struct Memory {
   std::string_view in;
   std::string out = {};
-  std::string error = {};
+  char error[200] = {}; // the first one
   std::uint64_t at = 0;
   bool isWritten = false;
 
@@ -40,13 +41,15 @@ tmsize_t readPart(thandle_t handle, void *to, tmsize_t count) {
   return static_cast<tmsize_t>(taken);
 }
 
-tmsize_t writePart(thandle_t handle, void *from, tmsize_t count) {
+tmsize_t writePart(thandle_t handle, void *from, tmsize_t count) try {
   auto *memory = static_cast<Memory *>(handle);
   const auto n = static_cast<std::size_t>(count);
   memory->out.resize(std::max<std::size_t>(memory->out.size(), memory->at + n));
   std::copy_n(static_cast<const char *>(from), n, memory->out.data() + memory->at);
   memory->at += n;
   return count;
+} catch (const std::exception &) {
+  return -1;
 }
 
 toff_t seekTo(thandle_t handle, toff_t offset, int from) {
@@ -74,15 +77,13 @@ int mapAll(thandle_t handle, void **base, toff_t *size) {
 
 void unmapNothing(thandle_t, void *, toff_t) {}
 
-// Keeps the first message.
 [[gnu::format(printf, 3, 0)]] void keepError(thandle_t handle, const char *, const char *format,
                                              std::va_list arguments) {
   auto *memory = static_cast<Memory *>(handle);
-  if (memory == nullptr || !memory->error.empty())
+  if (memory == nullptr || memory->error[0] != '\0')
     return;
-  char text[200];
-  std::vsnprintf(text, sizeof text, format, arguments);
-  memory->error = text;
+  std::vsnprintf(memory->error, sizeof memory->error, format, arguments);
+  std::ranges::replace(memory->error, '\n', ' ');
 }
 
 [[noreturn]] void refuse(const std::string &why) {
@@ -90,7 +91,7 @@ void unmapNothing(thandle_t, void *, toff_t) {}
 }
 
 [[noreturn]] void refuseFor(const Memory &memory) {
-  refuse(memory.error.empty() ? "the file is damaged" : memory.error);
+  refuse(memory.error[0] == '\0' ? "the file is damaged" : memory.error);
 }
 
 struct Close {

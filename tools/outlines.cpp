@@ -27,21 +27,22 @@ Parts partsOf(const Image &numbers) {
     const int part = static_cast<int>(parts.numberOf.size());
     const int own = number[static_cast<std::size_t>(start)];
     parts.numberOf.push_back(own);
-    const auto reach = [&](int p, bool isInside) {
-      const auto at = static_cast<std::size_t>(p);
-      if (isInside && parts.of[at] == unseen && number[at] == own) {
+    const auto reach = [&](int p, int step, bool isInside) {
+      const int q = isInside ? p + step : p;
+      const auto at = static_cast<std::size_t>(q);
+      if (parts.of[at] == unseen && number[at] == own) {
         parts.of[at] = part;
-        stack.push_back(p);
+        stack.push_back(q);
       }
     };
-    reach(start, true);
+    reach(start, 0, true);
     while (!stack.empty()) {
       const int p = stack.back();
       stack.pop_back();
-      reach(p - 1, p % ncols > 0);
-      reach(p + 1, p % ncols + 1 < ncols);
-      reach(p - ncols, p >= ncols);
-      reach(p + ncols, p + ncols < numbers.npixels());
+      reach(p, -1, p % ncols > 0);
+      reach(p, 1, p % ncols + 1 < ncols);
+      reach(p, -ncols, p >= ncols);
+      reach(p, ncols, p < numbers.npixels() - ncols);
     }
   }
   return parts;

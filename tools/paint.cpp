@@ -9,6 +9,7 @@
 #include "program.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <optional>
 
@@ -35,6 +36,8 @@ Image colorsOf(const Image &image) {
 
 // Each pixel as a square of scale x scale pixels.
 Image enlarged(const Image &image, int scale) {
+  if (std::max(image.ncols(), image.nrows()) > INT_MAX / scale)
+    throw Error("the picture would be too large");
   Image result(image.ncols() * scale, image.nrows() * scale, image.nbands(), image.type());
   for (int b = 0; b < image.nbands(); ++b)
     for (int y = 0; y < result.nrows(); ++y)

@@ -20,6 +20,13 @@ namespace seedforest::tools {
 namespace {
 
 bool isQuiet = false;
+bool isBarShown = false;
+
+void clearBar() {
+  if (isBarShown)
+    std::fputs("\r\033[K", stderr);
+  isBarShown = false;
+}
 
 // A bar on standard error, where that is a terminal, from the second second on.
 class ProgressBar {
@@ -31,10 +38,7 @@ public:
         return true;
       });
   }
-  ~ProgressBar() {
-    if (isShown_)
-      std::fputs("\r\033[K", stderr);
-  }
+  ~ProgressBar() { clearBar(); }
   ProgressBar(const ProgressBar &) = delete;
   ProgressBar &operator=(const ProgressBar &) = delete;
 
@@ -47,7 +51,7 @@ private:
     if (now < next_)
       return;
     next_ = now + std::chrono::milliseconds(100);
-    isShown_ = true;
+    isBarShown = true;
     const int filled = static_cast<int>(width * std::clamp(fraction, 0.0, 1.0));
     const std::string bar = std::string(static_cast<std::size_t>(filled), '#');
     std::fprintf(stderr, "\r[%-*s] %3d %%", width, bar.c_str(), filled * 100 / width);
@@ -55,7 +59,6 @@ private:
   }
 
   Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
-  bool isShown_ = false;
   std::optional<WithProgress> scope_;
 };
 
@@ -109,6 +112,7 @@ int nextOption(int argc, char **argv, const std::vector<option> &table) {
 std::optional<Operands> parse(const Program &program, int argc, char **argv) {
   const std::vector<Option> options = withCommonOptions(program);
   std::vector<option> table;
+  table.reserve(options.size() + 1);
   for (const Option &option : options)
     table.push_back(
         {option.name, option.argument == nullptr ? no_argument : required_argument, nullptr, 0});
@@ -168,8 +172,10 @@ int runProgram(const Program &program, int argc, char **argv,
 }
 
 void note(const std::string &line) {
-  if (!isQuiet)
-    std::fprintf(stderr, "%s\n", line.c_str());
+  if (isQuiet)
+    return;
+  clearBar();
+  std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 int numberIn(const std::string &text, const std::string &what, int least, int most) {

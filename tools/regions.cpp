@@ -79,7 +79,7 @@ Numbered numbered(const Image &labels) {
     if (label != labelOf.back()) // once for each run
       labelOf.push_back(label);
   std::ranges::sort(labelOf);
-  labelOf.erase(std::ranges::unique(labelOf).begin(), labelOf.end());
+  labelOf.erase(std::unique(labelOf.begin(), labelOf.end()), labelOf.end());
   const auto numberOf = [&](int label) {
     return static_cast<int>(std::ranges::lower_bound(labelOf, label) - labelOf.begin());
   };

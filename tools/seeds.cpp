@@ -69,10 +69,10 @@ Roots markerRoots(const Image &image, const Task &task) {
 // Of each part its inner half: the pixels at least half as far from the outside as its farthest
 // one. The rest is left to the transform that starts there.
 Roots innerHalves(const Image &shape, const Components &parts) {
-  const Image squared = distanceTransform(shape).costs;
+  const NearestRoots outside = exactDistanceTransform(shape, rootsOf(complement(shape)));
   std::vector<int> farthest(static_cast<std::size_t>(parts.count) + 1);
   const std::span<const int> part = parts.labels.pixels();
-  const std::span<const int> distance = squared.pixels();
+  const std::span<const int> distance = outside.squaredDistances.pixels();
   for (std::size_t p = 0; p < part.size(); ++p) {
     int &largest = farthest[static_cast<std::size_t>(part[p])];
     largest = std::max(largest, distance[p]);

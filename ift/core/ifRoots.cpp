@@ -146,9 +146,11 @@ void ifRootsDeleter::operator()(ifRoots *roots) const {
 
 namespace seedforest::detail {
 
-ifRootsPtr createRoots(int n) {
+ifRootsPtr createRoots(std::int64_t n) {
+  if (n > maxInt)
+    outOfMemory();
   ifRootsPtr roots(static_cast<ifRoots *>(allocateZeroed(1, sizeof(ifRoots))));
-  ifAllocateRoots(roots.get(), n);
+  ifAllocateRoots(roots.get(), static_cast<int>(n));
   return roots;
 }
 

@@ -18,7 +18,7 @@ ifRoots *ifFrameAsRoots(const imImage *image, int uniform, int label) {
   const std::int64_t n = 2 * (std::int64_t{image->nrows} + image->ncols) - 4;
   if (image->nrows < 2 || n > maxInt)
     fatal("ifFrameAsRoots: no frame in an image of %d x %d\n", image->ncols, image->nrows);
-  ifRootsPtr roots = createRoots(static_cast<int>(n));
+  ifRootsPtr roots = createRoots(n);
   const int bottom = image->row[image->nrows - 1];
   int *pixel = roots->pixel;
   for (int x = 0; x < image->ncols; ++x)
@@ -38,8 +38,7 @@ ifRoots *ifLabelsToRoots(const imImage *image) {
   requireBands("ifLabelsToRoots", image, 1);
   const int *label = image->band[0];
   const auto isSeed = [](int value) { return value > 0; };
-  ifRootsPtr roots =
-      createRoots(static_cast<int>(std::count_if(label, label + image->npixels, isSeed)));
+  ifRootsPtr roots = createRoots(std::count_if(label, label + image->npixels, isSeed));
   // Every pixel is stored, and only a seed advances k: no branch, which noise would make
   // unpredictable.
   for (int p = 0, k = 0; k < roots->n; ++p) {

@@ -9,11 +9,15 @@
 
 #include "api/interfaceSupport.h"
 #include "api/things.h"
-#ifdef SEEDFOREST_FAILING_MEMORY
-#include "failingMemory.h"
+#ifdef SEEDFOREST_FAULTS
+#include "faults.h"
 #endif
 
+#include <barrier>
+#include <cerrno>
 #include <functional>
+#include <future>
+#include <iostream>
 #include <tuple>
 
 namespace {
@@ -253,10 +257,40 @@ TEST_F(Scope, RefusesArgumentsOneByOne) {
     }
 }
 
-#ifdef SEEDFOREST_FAILING_MEMORY
+// Two threads call all operations at the same time, on things of their own, and the results are those
+// of one.
+TEST_F(Scope, TwoThreadsInEveryFamily) {
+  const auto resultsOfAll = [] {
+    const ThrowingErrors throwing;
+    std::vector<std::vector<int>> results;
+    for (std::size_t i = 0, count = Calls().operations.size(); i < count; ++i) {
+      Calls calls;
+      calls.operations[i].call();
+      results.push_back(calls.results());
+    }
+    return results;
+  };
+  const auto alone = resultsOfAll();
+  std::barrier start(2);
+  const auto together = [&] {
+    start.arrive_and_wait();
+    return resultsOfAll();
+  };
+  auto other = std::async(std::launch::async, together);
+  EXPECT_EQ(together(), alone);
+  EXPECT_EQ(other.get(), alone);
+}
 
-// Every allocation fails in turn, until one call goes through as it would have without.
-TEST_F(Scope, SurvivesWithoutMemory) {
+#ifdef SEEDFOREST_FAULTS
+
+std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+// Every call of the system of one kind fails in turn, until one call of the operation goes through
+// as it would have without. Returns how many did not.
+template <class Expected>
+int failInTurn(const Fault &fault) {
   const ThrowingErrors throwing;
   int failures = 0;
   const std::size_t count = Calls().operations.size();
@@ -264,25 +298,43 @@ TEST_F(Scope, SurvivesWithoutMemory) {
     Calls whole;
     SCOPED_TRACE(whole.operations[i].name);
     whole.operations[i].call();
-    int n = 0;
-    for (bool failed = true; failed;) {
+    for (int n = 1, made = 0;; ++n) {
       Calls calls;
-      failAllocation(++n);
+      inject(fault, n);
       try {
         calls.operations[i].call();
-        failed = allocationFailed(); // some allocations only make things faster
-        failAllocation(0);
+        made = endInjection(); // some calls only make things faster
         EXPECT_EQ(calls.results(), whole.results());
-      } catch (const seedforest::OutOfMemory &) {
+      } catch (const Expected &) {
+        made = endInjection();
         ++failures;
       } catch (const std::exception &error) {
-        failAllocation(0);
+        made = endInjection();
         ADD_FAILURE() << n << " " << error.what();
       }
+      if (made < n)
+        break;
     }
-    failAllocation(0);
   }
+  return failures;
+}
+
+TEST_F(Scope, SurvivesWithoutMemory) {
+  const int failures = failInTurn<seedforest::OutOfMemory>({Call::allocate, Effect::fail, ENOMEM});
   EXPECT_GT(failures, 300); // else little was tried
+  std::cout << "allocations that failed: " << failures << "\n";
+}
+
+TEST_F(Scope, SurvivesFilesThatFail) {
+  const std::ptrdiff_t before = openDescriptors();
+  for (const Call call : {Call::open, Call::read, Call::write, Call::close, Call::rename}) {
+    const int failures = failInTurn<seedforest::FileError>({call, Effect::fail, EIO});
+    EXPECT_GT(failures, 2);
+    std::cout << "calls for files that failed: " << failures << "\n";
+  }
+  EXPECT_EQ(openDescriptors(), before);
+  for (const std::string &name : folder.names())
+    EXPECT_FALSE(name.starts_with(".seedforest-tmp-")) << name;
 }
 
 using MemoryDeathTest = Scope;
@@ -290,7 +342,7 @@ using MemoryDeathTest = Scope;
 TEST_F(MemoryDeathTest, WithoutAScopeTheProcessEndsAfterALine) {
   Things t;
   const auto without = [](int n, auto call) {
-    failAllocation(n);
+    inject({Call::allocate, Effect::fail, ENOMEM}, n);
     call();
   };
   EXPECT_FATAL(without(1, [&] { ifLabelImage(t.mask, t.out); }), "^could not allocate memory!\n$");

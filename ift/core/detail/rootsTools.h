@@ -7,12 +7,13 @@
 #include "base/writer.h"
 #include "ift/core/ifRoots.h"
 
+#include <cstdint>
 #include <string_view>
 
 namespace seedforest::detail {
 
-/// A new record with n entries of zeros; ends with an error where it cannot be allocated.
-ifRootsPtr createRoots(int n);
+/// A new record with n entries of zeros; out of memory where n does not fit an int too.
+ifRootsPtr createRoots(std::int64_t n);
 
 /// Writes roots as ifSaveRoots() does.
 void putRoots(Writer &writer, const imImage *image, int n, const int *pixel, const int *label);

@@ -39,6 +39,10 @@ TEST(Roots, IndicesOutsideTheImageTruncateTowardsZero) {
   EXPECT_EQ(contentsOf(path).substr(0, 10), "3\n-2 -1 1\n");
 }
 
+TEST(Roots, MoreThanAnIntCountsAreNotMade) {
+  EXPECT_FATAL(seedforest::detail::createRoots(std::int64_t{maxInt} + 1), "^could not allocate");
+}
+
 TEST(Roots, FaultyFiles) {
   const std::pair<const char *, std::vector<Root>> cases[] = {
       {"2", {{0, 0}, {0, 0}}}, // missing lines keep the last numbers
