@@ -28,6 +28,7 @@
 
 #include "seedforest/adjacency.hpp"
 #include "seedforest/color.hpp"
+#include "seedforest/files.hpp"
 #include "seedforest/filters.hpp"
 #include "seedforest/forest.hpp"
 #include "seedforest/image.hpp"

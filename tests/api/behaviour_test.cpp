@@ -32,6 +32,10 @@ TEST_F(InTemporaryFolder, ImagesAndRootsComeFromFilesAndMemory) {
   EXPECT_EQ(contentsOf(folder.path("roots")), "2\n0 0 3\n3 1 1\n");
   EXPECT_EQ(sf::encodeRoots(roots, small), "2\n0 0 3\n3 1 1\n");
   EXPECT_TRUE(sf::decodeRoots("2\n0 0 3\n3 1 1\n", small) == roots);
+  const std::string bytes = std::string(200000, 'a') + '\0' + "end"; // in more than one piece
+  sf::writeFile(bytes, folder.path("bytes"));
+  EXPECT_EQ(sf::readFile(folder.path("bytes")), bytes);
+  EXPECT_EQ(sf::readFile("/dev/null"), "");
 }
 
 TEST_F(InTemporaryFolder, NothingIsPrintedOrLeftBehind) {
@@ -312,6 +316,9 @@ TEST_F(InTemporaryFolder, RefusalsAreErrorsInASentence) {
   EXPECT_THROW(sf::decode("P5 2 2 255\nxx"), sf::FileError);
   EXPECT_THROW(sf::decodeRoots("none", f), sf::FileError);
   EXPECT_THROW(sf::write(f, folder.path("no/such/folder")), sf::FileError);
+  EXPECT_THROW(sf::writeFile("x", folder.path("no/such/folder")), sf::FileError);
+  EXPECT_THROW(sf::writeFile("x", "/dev/full"), sf::FileError);
+  EXPECT_THROW(sf::readFile(folder.path("missing")), sf::FileError);
   EXPECT_THROW(sf::watershed(f, one, {.adjacency = sf::Adjacency::disc(1 << 30)}), sf::Error);
   EXPECT_EQ(sf::encode(f), before);
 }
