@@ -20,6 +20,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 namespace detail {
@@ -84,3 +86,5 @@ private:
 };
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

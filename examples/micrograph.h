@@ -12,8 +12,9 @@
 #include <cstdint>
 #include <random>
 
-/// A new image of type grey; the caller owns it.
-inline imImagePtr micrograph(int ncols, int nrows) {
+/// A new image of type grey; the caller owns it. The ground is brighter at the right edge than at the
+/// left one by `slope` grey levels, -255 to 255.
+inline imImagePtr micrograph(int ncols, int nrows, int slope = 20) {
   imImagePtr image(imCreateImage(1, imTypeGrey, ncols, nrows));
   if (image == nullptr)
     return nullptr;
@@ -37,7 +38,7 @@ inline imImagePtr micrograph(int ncols, int nrows) {
   }
   for (int y = 0; y < nrows; ++y)
     for (int x = 0; x < ncols; ++x) {
-      const int light = static_cast<int>(30 + 20 * std::int64_t{x} / ncols);
+      const int light = static_cast<int>(30 + std::int64_t{slope} * x / ncols);
       const int noise = pick(13) + pick(13) - 12;
       int &v = value[x + image->row[y]];
       v = std::clamp(v + light + noise, 0, 255);

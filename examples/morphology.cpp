@@ -5,8 +5,10 @@
 //
 //   morphology OPERATION IMAGE N RESULT.pgm
 //
-// N is the squared radius of the disc for dilate, erode, open and close, and the number of steps
-// for the alternating filters asfCO and asfOC; gradient ignores it.
+// N is the squared radius of the disc for dilate, erode, open, close and the hats, and the number of
+// steps for the alternating filters asfCO and asfOC; gradient ignores it. tophat is the image less its
+// opening, the bright things into which the disc does not fit, on a ground of 0; bottomhat the closing
+// less the image, the same for dark things.
 //
 // Built with the project as build/examples/morphology, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. examples/morphology.cpp -o morphology
@@ -18,6 +20,22 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+
+// Subtracts band 0 of one image from that of another, into `out`, which may be either.
+static void subtract(const imImage *from, const imImage *image, imImage *out) {
+  for (int p = 0; p < out->npixels; ++p)
+    out->band[0][p] = from->band[0][p] - image->band[0][p];
+}
+
+static void topHat(const imImage *in, imImage *out, int s) {
+  imMorphOpen(in, out, s);
+  subtract(in, out, out);
+}
+
+static void bottomHat(const imImage *in, imImage *out, int s) {
+  imMorphClose(in, out, s);
+  subtract(out, in, out);
+}
 
 struct Operation {
   std::string_view name;
@@ -31,6 +49,8 @@ static constexpr Operation operations[] = {
     {"close", imMorphClose},
     {"asfCO", imMorphAsfCO},
     {"asfOC", imMorphAsfOC},
+    {"tophat", topHat},
+    {"bottomhat", bottomHat},
     {"gradient", [](const imImage *in, imImage *out, int) { imMorphGrad(in, out); }},
 };
 

@@ -8,7 +8,7 @@
 //
 // Built with the project as build/examples/outline_cells, or by hand from the project's folder:
 //   g++ -std=c++20 -O2 -I. -Iapi examples/outline_cells.cpp -o outline_cells
-//       -Lbuild -lseedforest-api -lseedforest-ift -lseedforest-graph -lseedforest-image  (one line)
+//       -Lbuild -lseedforest -lseedforest-ift -lseedforest-graph -lseedforest-image  (one line)
 
 #include "seedforest/seedforest.hpp"
 

@@ -18,6 +18,8 @@
 
 #include <memory>
 
+#pragma GCC visibility push(default)
+
 struct ifEdge {
   int target;
   int weight;
@@ -104,3 +106,5 @@ struct ifGraphDeleter {
 
 /// Owns a graph, with its label image.
 using ifGraphPtr = std::unique_ptr<ifGraph, ifGraphDeleter>;
+
+#pragma GCC visibility pop

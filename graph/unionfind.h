@@ -17,6 +17,8 @@
 // exception: base/error.h).
 #pragma once
 
+#pragma GCC visibility push(default)
+
 struct ufElement {
   int parent; ///< the element itself where it represents its set
   int rank;   ///< bounds the height of the tree below
@@ -50,3 +52,5 @@ void ufLink(ufUnionFind *uf, int x, int y);
 
 /// The representative of x's set. Every element on the way to it becomes its child.
 int ufFindSet(ufUnionFind *uf, int x);
+
+#pragma GCC visibility pop

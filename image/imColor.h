@@ -26,6 +26,8 @@
 
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 ///   X = (0.412453 R + 0.35758  G + 0.180423 B) * 16384 / 255
 ///   Y = (0.212671 R + 0.71516  G + 0.072169 B) * 16384 / 255
 ///   Z = (0.019334 R + 0.119193 G + 0.950227 B) * 16384 / 255
@@ -98,3 +100,5 @@ void imRgb2lab(const imImage *rgb, imImage *lab);
 void imLab2rgb(const imImage *lab, imImage *rgb);
 void imRgb2luv(const imImage *rgb, imImage *luv);
 void imLuv2rgb(const imImage *luv, imImage *rgb);
+
+#pragma GCC visibility pop

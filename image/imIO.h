@@ -13,6 +13,8 @@
 
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 /// Reads an image file into a new image, which the caller releases.
 /// Returns the kind, which is also the image's type: 1 for P5, 2 for P2, 3 for P6. The image's
 /// maxValue is the file's declared maximum, and its pixels may exceed it.
@@ -45,3 +47,5 @@ int imReadImage(const char *path, imImage **image);
 /// Ends with an error: no path, no image; "could not open file %s for writing\n"; "error writing
 /// image %s\n" when not all bytes reach the file; an image with fewer bands than its type needs.
 void imSaveImage(const char *path, imImage *image);
+
+#pragma GCC visibility pop

@@ -19,6 +19,8 @@
 #include <cstdio>
 #include <memory>
 
+#pragma GCC visibility push(default)
+
 /// The type of an image, which is also the PNM dialect of its file. The last four have none.
 inline constexpr char imTypeGrey = 1;     ///< grey, binary samples: P5
 inline constexpr char imTypeAscii = 2;    ///< grey, ASCII samples: P2; computed images of one band
@@ -82,3 +84,5 @@ struct imImageDeleter {
 
 /// Owns an image, its adjacency list included.
 using imImagePtr = std::unique_ptr<imImage, imImageDeleter>;
+
+#pragma GCC visibility pop

@@ -20,6 +20,8 @@
 
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 /// The largest (smallest) value in the disc around each pixel. The search starts at -1000000
 /// (1000000): no result is below (above) that, and an empty disc gives it everywhere.
 /// The output's maxValue becomes the largest of its values over all bands, at least -1000000, after
@@ -47,3 +49,5 @@ void imMorphAsfOC(const imImage *in, imImage *out, int n);
 /// of its values becomes the largest of itself and the gradients of all bands there, so give an
 /// image of zeros. maxValue becomes the largest gradient, -1 for an input without bands.
 void imMorphGrad(const imImage *in, imImage *out);
+
+#pragma GCC visibility pop

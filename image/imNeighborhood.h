@@ -14,6 +14,8 @@
 // base/error.h).
 #pragma once
 
+#pragma GCC visibility push(default)
+
 using imNeighborhoodFn = int (*)(int **list);
 
 // The fixed relations, with the order in which they visit the neighbours of o:
@@ -38,3 +40,5 @@ int imNeighborhood(int **list, int r2);
 /// The square of (2r + 1) x (2r + 1) displacements, the centre included, in the order of the disc.
 /// Ends with an error: a negative r, a square of more than 2^30 - 1 pairs.
 int imMorphWindow(int **list, int r);
+
+#pragma GCC visibility pop

@@ -17,6 +17,8 @@
 
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 /// 255 where lo <= v <= hi, else 0 (everywhere when lo > hi); maxValue 255.
 [[nodiscard]] imImage *imThreshold(const imImage *a, char type, int lo, int hi);
 
@@ -65,3 +67,5 @@
 
 /// In place: raises every band of a to band 0 of g where g is larger. Returns the pixel count.
 int imCombineImageWithGrad(imImage *a, const imImage *g);
+
+#pragma GCC visibility pop

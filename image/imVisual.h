@@ -11,6 +11,8 @@
 
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 /// The image in colour, with the pixels where band 0 of the mask is > 0 in the colour (r, g, b).
 /// An image of neither 1 nor 3 bands: "invalid number of bands (expected 1 or 3)\n" on standard
 /// error, and no picture; in a scope of ThrowingErrors that line is thrown.
@@ -27,3 +29,5 @@
 /// squared distance of at most v. Time grows with the sum of the discs' heights, not of their
 /// areas.
 [[nodiscard]] imImage *imPaintCircles(const imImage *radii);
+
+#pragma GCC visibility pop

@@ -24,8 +24,9 @@ foreach(standard 17 20)
 endforeach()
 
 
-# Every public function stands on the page that says where to find it.
+# Every public function stands on the page that says where to find it, and a shared library has it.
 file(READ ${PROJECT_SOURCE_DIR}/docs/finding.md page)
+file(READ ${PROJECT_SOURCE_DIR}/cmake/exported.txt exported)
 set(found 0)
 foreach(header ${headers})
   file(STRINGS ${PROJECT_SOURCE_DIR}/${header} declarations
@@ -35,6 +36,9 @@ foreach(header ${headers})
     math(EXPR found "${found} + 1")
     if(NOT page MATCHES "`${function}`")
       message(SEND_ERROR "docs/finding.md does not have ${function} of ${header}")
+    endif()
+    if(NOT exported MATCHES "(^|\n)${function}\\(")
+      message(SEND_ERROR "cmake/exported.txt does not have ${function} of ${header}")
     endif()
   endforeach()
 endforeach()
@@ -49,4 +53,4 @@ foreach(header ${interface})
   list(APPEND sources ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
 endforeach()
 add_library(public-headers-interface OBJECT ${sources})
-target_link_libraries(public-headers-interface PRIVATE seedforest::seedforest seedforest-options)
+target_link_libraries(public-headers-interface PRIVATE seedforest-api seedforest-options)

@@ -8,6 +8,8 @@
 #include <span>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// From a pixel to its neighbour: columns to the right and rows downwards.
@@ -42,3 +44,5 @@ private:
 };
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

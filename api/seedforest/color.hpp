@@ -10,6 +10,8 @@
 
 #include "seedforest/image.hpp"
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 Image rgbToXyz(const Image &rgb);
@@ -34,3 +36,5 @@ Image luvToRgb(const Image &luv);
 Image greyToRgb(const Image &grey);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

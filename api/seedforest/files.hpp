@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The bytes of a file, which need not be seekable ("/dev/stdin", a pipe). A directory is empty.
@@ -21,3 +23,5 @@ std::string readFile(const std::string &path);
 void writeFile(std::string_view bytes, const std::string &path);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

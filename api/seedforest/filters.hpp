@@ -10,6 +10,8 @@
 
 #include <span>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The filtered image, of the type of the first argument unless said otherwise, and the label of
@@ -77,3 +79,5 @@ Connectedness fuzzyConnectedness(std::span<const Image> links, const Roots &root
                                  const Adjacency &adjacency = Adjacency::eight());
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

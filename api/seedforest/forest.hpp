@@ -13,6 +13,8 @@
 #include <optional>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The best paths of all pixels, as images of type ascii.
@@ -186,3 +188,5 @@ SpanningTree spanningTree(const Image &image, Weight &&weight,
 }
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -15,6 +15,8 @@
 #include <string_view>
 #include <type_traits>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The type of an image, which is also the dialect of its file; see imImage.h.
@@ -139,3 +141,5 @@ Image Image::copyOf(std::span<const Value> values, int ncols, int nrows, ImageTy
 }
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 
 #include "seedforest/image.hpp"
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The largest (smallest) value in the disc around each pixel.
@@ -30,3 +32,5 @@ Image alternatingFilter(const Image &image, int steps, First first = First::open
 Image gradient(const Image &image);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 
 #include "seedforest/image.hpp"
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// A colour, each component 0 .. 255.
@@ -32,3 +34,5 @@ Image averageColors(const Image &image, const Image &labels);
 Image paintCircles(const Image &squaredRadii);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

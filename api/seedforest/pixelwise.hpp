@@ -9,6 +9,8 @@
 
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// threshold(): 255 where lo <= value <= hi, else 0. bandPass(): the value there, else 0. One band.
@@ -49,3 +51,5 @@ Image subtract(const Image &a, const Image &b);
 std::vector<float> histogram(const Image &image, const Image &mask);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// While an object lives, functions of its thread that can take long report how far they have come:
@@ -33,3 +35,5 @@ private:
 };
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

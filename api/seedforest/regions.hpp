@@ -14,6 +14,8 @@
 #include <span>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The measurements of a region: its label, the number of its pixels, and the average of each band
@@ -185,3 +187,5 @@ private:
 };
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

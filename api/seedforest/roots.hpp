@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// A seed: the index of its pixel, its label, and the cost at which its paths start.
@@ -113,3 +115,5 @@ Roots rootsOf(const Image &labels);
 Image paintRoots(const Image &image, const Roots &roots);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 
 #include "seedforest/roots.hpp"
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// The pixels of the image's frame, values 0: all with one label, or numbered from 1 in the order
@@ -60,3 +62,5 @@ Roots skeletonRoots(const Image &shapes);
 Roots skeletonRootsByCurve(const Image &shapes);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -7,6 +7,8 @@
 
 #include "seedforest/roots.hpp"
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// Labels 1 .. count, 0 for none.
@@ -71,3 +73,5 @@ Roots shortestPath(const Image &mask, int from, int to);
 Components splitTouching(const Image &shape, int h = 0);
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest {
 
 /// What is wrong with a forest: at which pixel, and in a sentence.
@@ -44,3 +46,5 @@ std::optional<Violation> verify(const Forest &forest, const Image &image, const 
                                 const ForestOptions &options = {});
 
 } // namespace seedforest
+
+#pragma GCC visibility pop

@@ -10,6 +10,8 @@
 
 #include <limits>
 
+#pragma GCC visibility push(default)
+
 /// The cost of a pixel that no path reaches, in minimising and in maximising transforms.
 inline constexpr int ifInfiniteCost = std::numeric_limits<int>::max();
 inline constexpr int ifInfiniteCostInverted = std::numeric_limits<int>::min();
@@ -53,3 +55,5 @@ int ifMaxDistance(const imImage *image, int p, int q);
 /// width.
 /// Ends with an error: no image.
 int ifChanferDistance(const imImage *image, int p, int q);
+
+#pragma GCC visibility pop

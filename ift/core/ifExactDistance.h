@@ -7,6 +7,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Gives each pixel the squared Euclidean distance to its nearest root, that root's label and its
 /// pixel. Of roots equally near, the one that is first in the list wins, at every pixel.
 ///   image   gives the size
@@ -23,3 +25,5 @@
 /// Ends with an error: something missing, a result of another size or with too few bands, a root
 /// outside the image, memory that cannot be allocated.
 void ifExactDistance(const imImage *image, imImage *result, const ifRoots *roots);
+
+#pragma GCC visibility pop

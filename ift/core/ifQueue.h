@@ -18,6 +18,8 @@
 // standard error and status 1, or an exception: base/error.h).
 #pragma once
 
+#pragma GCC visibility push(default)
+
 struct ifQueue {
   int *first; ///< the head of each bucket, -1 when it is empty
   int *last;  ///< the tail of each bucket, -1 when it is empty
@@ -66,3 +68,5 @@ int isEmpty(ifQueue *q);
 
 /// Frees the arrays and sets every field to 0 or null; nothing where a record is null.
 void releaseQueue(ifQueue *q, ifQueueNodes *a);
+
+#pragma GCC visibility pop

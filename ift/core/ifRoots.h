@@ -15,6 +15,8 @@
 
 #include <memory>
 
+#pragma GCC visibility push(default)
+
 struct ifRoots {
   int *pixel; ///< pixel index in the image that the set belongs to
   int *label; ///< the seed's label
@@ -71,3 +73,5 @@ struct ifRootsDeleter {
 
 /// Owns a roots record and its arrays.
 using ifRootsPtr = std::unique_ptr<ifRoots, ifRootsDeleter>;
+
+#pragma GCC visibility pop

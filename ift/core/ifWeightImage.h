@@ -18,6 +18,8 @@
 #include "image/imImage.h"
 #include "image/imNeighborhood.h"
 
+#pragma GCC visibility push(default)
+
 using ifWeightImageFn = imImage *(*)(const imImage *image, imNeighborhoodFn adjacency);
 
 /// The distance of ifEuclideanDistance(), at most 1000. Prints "out: %d %d %d \n" (bands and width
@@ -33,3 +35,5 @@ using ifWeightImageFn = imImage *(*)(const imImage *image, imNeighborhoodFn adja
 
 /// The destination's value in band 0, as it is; transforms read a negative one as "no arc".
 [[nodiscard]] imImage *watershedWF(const imImage *image, imNeighborhoodFn adjacency);
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include "ift/core/ifRoots.h"
 #include "image/imNeighborhood.h"
 
+#pragma GCC visibility push(default)
+
 /// Gives each pixel the squared Euclidean distance to its nearest root, along the propagation: the
 /// squared length of (sum of |dx|, sum of |dy|) over the steps of the path that won. That is the
 /// distance to the path's root where the path is monotone in x and in y. With the 8-adjacency that
@@ -27,3 +29,5 @@
 /// outside the image, memory that cannot be allocated (base/error.h).
 void iftEuclideanDT(const imImage *image, imImage *result, imNeighborhoodFn adjacency,
                     const ifRoots *roots);
+
+#pragma GCC visibility pop

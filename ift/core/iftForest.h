@@ -45,6 +45,8 @@
 #include "ift/core/ifRoots.h"
 #include "image/imNeighborhood.h"
 
+#pragma GCC visibility push(default)
+
 /// Minimises pathCost over all paths from the seeds.
 ///   input      handed to arcWeight; gives the size
 ///   output     the forest image; its other bands are left alone
@@ -91,3 +93,5 @@ void iftMaskWF(const imImage *input, imImage *output, const imImage *mask, const
 /// been settled yet.
 void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage *output,
                            imNeighborhoodFn adjacency, const ifRoots *seeds);
+
+#pragma GCC visibility pop

@@ -15,6 +15,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Inner border: writes 255 on every pixel of label > 0 that has a pixel of label 0 among its
 /// neighbours in imNeighborhood4. Outside the image there is no background, and regions that touch
 /// each other are not separated. maxValue of the output becomes 255.
@@ -59,3 +61,5 @@ void ifContourFollow(ifRoots2 *record, int *count, int contour, imImage *mask, c
 /// -1 .. 100000: a range starts at 100000 or below, and ends at -1 or above, whatever the values.
 void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *output,
                         int absolute);
+
+#pragma GCC visibility pop

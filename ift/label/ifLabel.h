@@ -14,6 +14,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Connected components: numbers the 8-connected sets of pixels > 0 with 1, 2, ... in the order of
 /// their first pixels in raster order. Algorithm: run-based two-scan labelling with a union-find
 /// (He, Chao and Suzuki, "A run-based two-scan labeling algorithm", 2008).
@@ -35,3 +37,5 @@ void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *
 /// Renumbers the values of an image 1 .. k, in place, in the order of their first pixels in raster
 /// order; 0 and negative values are numbered like any other. maxValue becomes k.
 void ifCorrectLabels(imImage *labels);
+
+#pragma GCC visibility pop

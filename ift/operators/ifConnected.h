@@ -20,6 +20,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Reconstruction of f from roots, by dilation (Vincent, "Morphological grayscale reconstruction in
 /// image analysis", 1993). The cost of a path is the smallest of its starting cost and f along it;
 /// every pixel gets the largest cost of all paths from the roots (iftNonNormalizedInverted, bounded
@@ -71,3 +73,5 @@ void ifLevel(const imImage *f, const imImage *second, const ifRoots *roots, imIm
 /// reconstruction.
 /// Both images have one band. Prints "in ifLabelImage\n" four times on standard output.
 void ifLevel2(const imImage *f, const imImage *marker, imImage **filtered);
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// The shortest 8-connected path through the pixels above 0 (band 0), where a step along a row or a
 /// column is 1 long and a diagonal one the square root of 2. Lengths are counts of both kinds of
 /// steps, and are compared exactly.
@@ -21,3 +23,5 @@
 /// lengths; linear in the pixels, and in those nearer to `to` than `from` is.
 /// Ends with an error: no mask, a pixel outside it, memory that cannot be allocated.
 [[nodiscard]] ifRoots *ifEuclideanShortestPath(const imImage *mask, int from, int to);
+
+#pragma GCC visibility pop

@@ -13,6 +13,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// The Euclidean distance transform (iftEuclidean.h), in which each pixel takes two numbers of its
 /// root: the label, which is the root's position along the contours, and the value, the number of
 /// the root's contour.
@@ -47,3 +49,5 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result);
 /// Prints nothing. Algorithm: a power distance transform (F. Aurenhammer, Power diagrams, 1987) along
 /// columns and then along rows, each with the lower envelope of ifExactDistance().
 [[nodiscard]] imImage *iftSkelReconstr(const imImage *skeleton);
+
+#pragma GCC visibility pop

@@ -24,6 +24,8 @@
 #include "ift/core/ifRoots.h"
 #include "image/imNeighborhood.h"
 
+#pragma GCC visibility push(default)
+
 /// Gives each pixel to the object from whose seeds the cheapest chain of links leads to it.
 ///   labelOut   out: the object, 1 .. nObjects; the lowest of several equals. A pixel that no
 ///              object reaches keeps its old value.
@@ -61,3 +63,5 @@ void iftFuzzyEdges(const imImage *image, imImage *labelOut, imImage *costOut,
 /// The average cost of the links to the neighbours in imNeighborhood4: a new image of type ASCII.
 /// It is always their sum divided by 4, rounded down, so it is too low at pixels of the frame.
 [[nodiscard]] imImage *ifTestFuzzy(const imImage *image, int m, int s);
+
+#pragma GCC visibility pop

@@ -17,6 +17,8 @@
 #include "graph/graph.h"
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 /// Paints every pixel in the average of its region, band by band.
 ///   output  of the image's size, with at least its bands
 ///   labels  band 0 holds the regions, 0 .. maxValue
@@ -45,3 +47,5 @@ void ifAverageColor(const imImage *image, imImage *output, const imImage *labels
 /// A copy of the graph with its data rescaled, each integer over all vertices, as by
 /// ifCreateFeaturesVector(), which prints its line for each.
 [[nodiscard]] ifGraph *ifCreateFeaturesGraph(ifGraph *graph);
+
+#pragma GCC visibility pop

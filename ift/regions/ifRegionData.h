@@ -27,6 +27,8 @@
 #include "graph/unionfind.h"
 #include "image/imImage.h"
 
+#pragma GCC visibility push(default)
+
 /// Area, one integer: 1 for each pixel. The update returns b's area, the weight is the smaller of
 /// the areas of the regions of p and q; it does not read the image.
 void ifInitAreaData(ufUnionFind *uf, const imImage *image);
@@ -56,3 +58,5 @@ int ifEdgeWeightColor(const imImage *image, ufUnionFind *uf, int p, int q);
 /// vertex, images of different size.
 [[nodiscard]] ifGraph *ifComputeArea(ifGraph *graph);
 [[nodiscard]] ifGraph *ifComputeVolume(ifGraph *graph, const imImage *image);
+
+#pragma GCC visibility pop

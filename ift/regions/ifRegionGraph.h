@@ -15,6 +15,8 @@
 
 #include "graph/graph.h"
 
+#pragma GCC visibility push(default)
+
 /// The weight of the edge from vertex u to vertex v of a graph.
 using ifGraphWeightFn = int (*)(const ifGraph *graph, int u, int v);
 
@@ -45,3 +47,5 @@ int ifGraphWatershedDistance(const ifGraph *graph, int u, int v);
 /// them; there are vertices up to the largest number that occurs on a vertex, without data. Edges
 /// get weight 0 and keep their direction; those inside a region vanish.
 [[nodiscard]] ifGraph *ifColapseGraph(ifGraph *graph);
+
+#pragma GCC visibility pop

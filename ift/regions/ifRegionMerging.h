@@ -20,6 +20,8 @@
 
 #include "ift/regions/ifRegionGraph.h"
 
+#pragma GCC visibility push(default)
+
 /// Merges each region of fewer than `area` pixels with the neighbour to which it has the lightest
 /// edge, weighed from the small region's vertex to the neighbour's; of equal ones with the
 /// neighbour of the smallest number. The smallest region comes first, of equal ones that of the
@@ -51,3 +53,5 @@
 /// Ends with an error, too: an image of another size or without bands.
 [[nodiscard]] ifGraph *ifMergeSimilarColors(ifGraph *graph, const imImage *image, int threshold,
                                             ifGraphWeightFn weight);
+
+#pragma GCC visibility pop

@@ -9,6 +9,8 @@
 #include "ift/core/ifRoots.h"
 #include "ift/regions/ifRegionGraph.h"
 
+#pragma GCC visibility push(default)
+
 /// Minimises pathCost over all paths from the roots along the graph's edges, as iftNonNormalized()
 /// does on the pixels of an image, with the same algorithm and the same ties: vertices of one
 /// bucket are served first in, first out, roots in the order of their list and neighbours in that
@@ -31,3 +33,5 @@
 /// by vertex).
 [[nodiscard]] ifGraph *iftGraph(ifGraph *graph, ifGraphWeightFn weight, ifPathCostFn pathCost,
                                 int maxCost, const ifRoots *roots);
+
+#pragma GCC visibility pop

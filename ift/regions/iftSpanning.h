@@ -19,6 +19,8 @@
 #include "ift/regions/ifRegionGraph.h"
 #include "image/imNeighborhood.h"
 
+#pragma GCC visibility push(default)
+
 /// The minimum spanning tree of an image's pixels, from pixel 0.
 ///   image      handed to arcWeight; gives the size
 ///   forest     out: at least two bands of that size; the last two get each pixel's weight to its
@@ -80,3 +82,5 @@ void ifMstThreshold(const imImage *forest, imImage *output, double fraction);
 /// maxValue is n, or the number of parts where there are more. Leaves the tree's cursors at the
 /// ends of the lists. Prints nothing.
 [[nodiscard]] ifGraph *ifThresholdMST_nRegions(ifGraph *tree, int n);
+
+#pragma GCC visibility pop

@@ -7,6 +7,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Cells, by a watershed from markers (Meyer and Beucher, "Morphological segmentation", 1990):
 /// smooths the image with an open-close alternating filter (imMorphAsfOC), takes the regional
 /// maxima of the result as one marker an object, floods the negative of the unfiltered image from
@@ -24,3 +26,5 @@
 /// image, one of another number of bands, or more than 1000000 steps, all before anything is
 /// printed; what imSaveImage() reports, memory that cannot be allocated.
 [[nodiscard]] ifRoots *ifCellsRoots(imImage *image, int steps);
+
+#pragma GCC visibility pop

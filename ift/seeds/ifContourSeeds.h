@@ -10,6 +10,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Roots for a distance transform: the border pixels of the objects (band 0 > 0), in raster order,
 /// values 0. Outside the image there is no background.
 ///   roots    out: count and new arrays, which the caller owns; arrays that the record held before
@@ -45,3 +47,5 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour);
 /// 100000; if it has no pixel in that middle row it gets no roots.
 /// Prints "in ifLabelImage\n" on standard output.
 void ifSkel2RootsSplit(const imImage *image, ifRoots *roots);
+
+#pragma GCC visibility pop

@@ -23,6 +23,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// A new image of type ASCII, maxValue 1: 1 on the extrema, else 0. The caller releases it.
 [[nodiscard]] imImage *ifRegionalMinima(const imImage *image);
 [[nodiscard]] imImage *ifRegionalMaxima(const imImage *image);
@@ -31,3 +33,5 @@
 /// extremum in raster order of first pixels, value the pixel's own. The caller owns it.
 [[nodiscard]] ifRoots *ifRegionalMinimaAsRoots(const imImage *image);
 [[nodiscard]] ifRoots *ifRegionalMaximaAsRoots(const imImage *image);
+
+#pragma GCC visibility pop

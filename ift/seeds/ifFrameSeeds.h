@@ -10,6 +10,8 @@
 
 #include "ift/core/ifRoots.h"
 
+#pragma GCC visibility push(default)
+
 /// Every pixel of the outer frame, in the order: top row, bottom row (both from left to right),
 /// left column, right column (both downwards, without corners). Each seed's label is `label` when
 /// `uniform` is not 0, else its place in the list from 1. In an image of one column the pixels
@@ -19,3 +21,5 @@
 
 /// Every pixel whose band 0 is > 0, in raster order, with that value as its label.
 [[nodiscard]] ifRoots *ifLabelsToRoots(const imImage *image);
+
+#pragma GCC visibility pop

@@ -308,8 +308,14 @@ TEST_F(Interface, GivesRegionGraphsOfTheLibrary) {
   EXPECT_TRUE(regions.paint() ==
               given(ifAverageColorsGraphToImage(features.get(), imTypeFeatures)));
   const ifGraphPtr areas(ifComputeArea(mosaic.get()));
-  EXPECT_EQ(printed(regions.withAreas().get()),
-            printed(ifGraphPtr(ifComputeArea(features.get())).get()));
+  const auto expectGraph = [&](const sf::RegionGraph &got, ifGraph *made) {
+    EXPECT_EQ(printed(got.copy().get()), printed(ifGraphPtr(made).get()));
+  };
+  expectGraph(regions.withAreas(), ifComputeArea(features.get()));
+  expectGraph(regions.withVolumes(grey), ifComputeVolume(features.get(), g));
+  expectGraph(regions.withGradients(), ifMorphoGradGraph(features.get()));
+  expectGraph(regions.collapsed(), ifColapseGraph(features.get()));
+  EXPECT_TRUE(regions.labels() == numbered);
   const std::vector<sf::Region> measured = sf::measure(numbered, color);
   ASSERT_EQ(static_cast<int>(measured.size()), numbered.maxValue());
   for (const sf::Region &region : measured) {
@@ -317,4 +323,37 @@ TEST_F(Interface, GivesRegionGraphsOfTheLibrary) {
     const int *average = averages->vertices[region.label].data;
     EXPECT_EQ(region.averages, std::vector<int>(average, average + 3));
   }
+}
+
+TEST_F(Interface, GivesSmallThings) {
+  const sf::Roots roots = {{5, 1, 3}, {200, 2}};
+  sf::writeRoots(roots, grey, "roots");
+  EXPECT_TRUE(sf::readRoots("roots", grey) == sf::decodeRoots(contentsOf("roots"), grey));
+  expectSame("painted", sf::paintRoots(grey, roots), ifVisualizeRoots(g, roots.get()));
+  expectSame("euclidean", sf::euclideanWeights(grey).image, euclideanWF(g, imNeighborhood8));
+  expectSame("step", sf::stepWeights(grey).image, gaussian2WF(g, imNeighborhood8));
+  expectSame("watershed", sf::watershedWeights(grey).image, watershedWF(g, imNeighborhood8));
+  const sf::Forest forest = sf::watershed(grey, roots);
+  EXPECT_EQ(forest.root(390), forest.path(390).back());
+  sf::Image below = grey.copy();
+  sf::Image above = sf::add(grey, 5);
+  below.setMaxValue(45); // what negatives are taken from
+  above.setMaxValue(45);
+  const sf::Image dual = sf::reconstructDual(below, above).image;
+  const sf::Image filled = sf::reconstruct(sf::negative(below), sf::negative(above)).image;
+  for (std::size_t p = 0; p < dual.pixels().size(); ++p)
+    EXPECT_EQ(dual.pixels()[p], 45 - filled.pixels()[p]);
+  float *counts = nullptr;
+  int size = 0;
+  imHistogram(g, s, &counts, &size);
+  EXPECT_EQ(sf::histogram(grey, shape), std::vector<float>(counts, counts + size));
+  std::free(counts);
+  EXPECT_EQ(sf::Adjacency::window(2).displacements().size(), 25U);
+
+  sf::Graph graph(3, 2);
+  graph.insertEdge(1, 3, 7);
+  EXPECT_EQ(graph.edges(3), (std::vector<sf::Graph::Edge>{{1, 7}}));
+  graph.removeEdge(3, 1);
+  EXPECT_TRUE(graph.edges(1).empty());
+  EXPECT_THROW(graph.data(4), sf::Error);
 }

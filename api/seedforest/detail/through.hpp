@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#pragma GCC visibility push(default)
+
 namespace seedforest::detail {
 
 /// While an object lives, call() calls the callable in this thread, through a thread-local pointer
@@ -48,3 +50,5 @@ decltype(auto) withFunction(Callable &callable, Use use) {
 }
 
 } // namespace seedforest::detail
+
+#pragma GCC visibility pop

@@ -211,6 +211,34 @@ TEST(Forest, EveryTransformEqualsTheLiteralLoop) {
   }
 }
 
+// Weights fall from each pixel that is settled to the next, which improves many neighbours again and
+// again, and most entries of the queue are outdated soon.
+TEST(Forest, OutdatedEntriesAreDropped) {
+  static int level, settled;
+  const auto falling = [](const imImage *, int p, int) {
+    level -= std::exchange(settled, p) != p;
+    return level;
+  };
+  const auto last = [](int, int weight) { return weight; };
+  const auto disc = [](int **list) { return imNeighborhood(list, 400); };
+  const imImagePtr image = blank(60, 60);
+  std::vector<Root> roots;
+  for (int p = 0; p < image->npixels; p += 2)
+    roots.push_back({p, p, 255});
+  const ifRootsPtr seeds = makeRoots(roots);
+  const imImagePtr forest = blankLike(image, 3, imTypeWork);
+  level = 1'000'000, settled = -1;
+  iftNonNormalized(image.get(), forest.get(), disc, falling, 255, last, seeds.get());
+  level = 1'000'000, settled = -1;
+  const auto weigh = [falling](int p, int q) { return falling(nullptr, p, q); };
+  using Arcs = AdjacencyArcs<decltype(weigh)>;
+  const std::vector<int> infinite(image->npixels, ifInfiniteCost);
+  expectLiteral(forest,
+                ForestTransform<Minimising, Arcs>{
+                    {{}, {}, {}, 255}, Arcs{NeighborWalk(image.get(), disc), weigh}, last},
+                infinite.data(), *seeds);
+}
+
 TEST(Forest, LevellingKnowsTwoLabels) {
   const imImagePtr image = makeImage({{5, 2, 7, 4}});
   const imImagePtr marker = makeImage({{9, 9, 9, 1}});
