@@ -53,6 +53,12 @@ struct BigEndian16 {
   operator int() const { return high << 8 | low; }
 };
 
+/// A sample of 8 bits with a sign.
+struct Signed8 {
+  unsigned char bits = 0;
+  operator int() const { return bits < 128 ? bits : bits - 256; }
+};
+
 /// A rectangle's row of pixels in an image, for copying samples: bands firstBand and following.
 struct Row {
   int x;
@@ -72,7 +78,7 @@ void storeSamples(const unsigned char *from, int stride, Image &image, const Row
     for (int i = 0; i < row.count; ++i, at += sizeof(Sample) * static_cast<std::size_t>(stride)) {
       Sample sample;
       std::memcpy(&sample, at, sizeof sample);
-      to[i] = static_cast<int>(sample);
+      to[i] = sample;
     }
   }
 }

@@ -24,10 +24,15 @@ struct Errors : jpeg_error_mgr {
   char text[JMSG_LENGTH_MAX];
 };
 
+// To where inSteps() waits; libjpeg gives no other way out.
+[[noreturn]] void jump(Errors &errors) {
+  std::longjmp(errors.jump, 1); // NOLINT(cert-err52-cpp)
+}
+
 [[noreturn]] void jumpOut(j_common_ptr jpeg) {
   auto *errors = static_cast<Errors *>(jpeg->err);
   errors->format_message(jpeg, errors->text);
-  std::longjmp(errors->jump, 1);
+  jump(*errors);
 }
 
 // Of the faults that libjpeg would paint over, those of the pixels are errors.
@@ -41,8 +46,9 @@ void judgeMessage(j_common_ptr jpeg, int level) {
 void countScans(j_common_ptr jpeg) {
   if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number <= mostScans)
     return;
-  std::snprintf(static_cast<Errors *>(jpeg->err)->text, JMSG_LENGTH_MAX, "too many scans");
-  std::longjmp(static_cast<Errors *>(jpeg->err)->jump, 1);
+  auto *errors = static_cast<Errors *>(jpeg->err);
+  std::strcpy(errors->text, "too many scans");
+  jump(*errors);
 }
 
 class Jpeg {
@@ -75,7 +81,7 @@ public:
 private:
   template <class Work>
   bool succeeds(const Work &work) {
-    if (setjmp(errors_.jump) != 0)
+    if (setjmp(errors_.jump) != 0) // NOLINT(cert-err52-cpp)
       return false;
     work(&jpeg_);
     return true;
@@ -89,7 +95,7 @@ private:
 } // namespace
 
 Decoded decodeJpeg(std::string_view bytes) {
-  constexpr std::uint64_t blocksOfOneBit = 512 * 3; // 64 pixels of three bytes for a bit
+  constexpr std::uint64_t blocksOfOneBit = 1536; // 64 pixels of three bytes for a bit
   Jpeg file(bytes);
   file.inSteps([](j_decompress_ptr jpeg) {
     jpeg_read_header(jpeg, TRUE);

@@ -82,7 +82,7 @@ void unmapNothing(thandle_t, void *, toff_t) {}
   auto *memory = static_cast<Memory *>(handle);
   if (memory == nullptr || memory->error[0] != '\0')
     return;
-  std::vsnprintf(memory->error, sizeof memory->error, format, arguments);
+  static_cast<void>(std::vsnprintf(memory->error, sizeof memory->error, format, arguments));
   std::ranges::replace(memory->error, '\n', ' ');
 }
 
@@ -205,7 +205,7 @@ private:
 
   void store(const unsigned char *from, Image &image, int plane, int x, int y, int count) const {
     using Store = void (*)(const unsigned char *, int, Image &, const Row &);
-    const Store forSigned = bits_ == 8 ? storeSamples<std::int8_t> : storeSamples<std::int16_t>;
+    const Store forSigned = bits_ == 8 ? storeSamples<Signed8> : storeSamples<std::int16_t>;
     const Store forUnsigned = bits_ == 8 ? storeSamples<std::uint8_t> : storeSamples<std::uint16_t>;
     const Store narrow = isSigned_ ? forSigned : forUnsigned;
     const Row row = {x, y, count, plane, isSeparate_ ? 1 : image.nbands()};

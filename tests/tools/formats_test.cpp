@@ -102,6 +102,24 @@ TEST(Formats, WidePnm) {
   expectRefused("", "no image");
 }
 
+#ifdef SEEDFOREST_HAVE_TIFF
+
+TEST(Formats, SignedTiff) {
+  const std::pair<int, int> fields[] = {{256, 4}, {257, 1}, {258, 8}, {262, 1},
+                                        {273, 8}, {279, 4}, {339, 2}}; // width .. sample format
+  std::string file("II*\0\x0c\0\0\0\x01\x7f\x80\xff\x07\0", 14);
+  for (const auto &[tag, value] : fields)
+    for (const int part : {tag, 3, 1, 0, value, 0}) { // 16 bits each, the least significant first
+      file += static_cast<char>(part % 256);
+      file += static_cast<char>(part / 256);
+    }
+  const Image image = decodeImage(file + std::string(4, '\0')).image;
+  EXPECT_EQ(bandOf(image.get()), (Matrix{{1, 127, -128, -1}}));
+  EXPECT_EQ(image.maxValue(), 127);
+}
+
+#endif
+
 #ifdef SEEDFOREST_HAVE_JPEG
 
 std::string makeJpeg(int size, bool isProgressive) {
