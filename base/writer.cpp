@@ -16,12 +16,13 @@ namespace seedforest::detail {
 namespace {
 
 // "00", "01", ..., "99", one after the other.
-constexpr auto digitPairs = [] {
+constexpr std::array<char, 200> makeDigitPairs() {
   std::array<char, 200> pairs{};
   for (std::size_t i = 0; i < pairs.size(); ++i)
     pairs[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
   return pairs;
-}();
+}
+constexpr std::array<char, 200> digitPairs = makeDigitPairs();
 
 // How many decimal digits a number has. With b binary digits it has as many as the power of two
 // below it, 1233 / 4096 being log10(2), or one more.
