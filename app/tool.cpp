@@ -14,7 +14,6 @@
 #include "ift/ift.h"
 #include "image/image.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
@@ -124,13 +123,13 @@ ifRootsPtr keepRange(const char *option, const CommandLine &line, const imImage 
   const int least = line.number(firstParameter);
   const int most = line.number(firstParameter + 1);
   progress("%s: %d %d\n", option, least, most);
-  const ifRootsPtr all(makeRoots(image));
-  const auto keep = [=](int p) { return image->band[0][p] >= least && image->band[0][p] <= most; };
-  ifRootsPtr kept = createRoots(std::count_if(all->pixel, all->pixel + all->n, keep));
-  for (int i = 0, k = 0; i < all->n; ++i)
-    if (keep(all->pixel[i]))
-      copyRoot(*all, i, *kept, k++);
-  return kept;
+  ifRootsPtr roots(makeRoots(image));
+  int kept = 0;
+  for (int i = 0; i < roots->n; ++i)
+    if (roots->value[i] >= least && roots->value[i] <= most)
+      copyRoot(*roots, i, *roots, kept++);
+  roots->n = kept;
+  return roots;
 }
 
 ifRootsPtr maximumRoots(const CommandLine &line, imImage *image) {

@@ -27,9 +27,10 @@ void ifRegionsToContours(const imImage *labels, imImage *output);
 /// Each curve is entered at its first pixel in raster order.
 ///   contour  a walk starts at a pixel > 0 and goes on over pixels that are not 0, negative ones
 ///            included
-///   labels   out: 1, 2, 3, ..., continued from curve to curve. The last pixel of a walk takes the
-///            number two above the highest so far. maxValue becomes the largest number, which can
-///            exceed the number of pixels (it saturates at 2^31 - 1).
+///   labels   out; may be the contour image itself: 1, 2, 3, ..., continued from curve to curve.
+///            The last pixel of a walk takes the number two above the highest so far. maxValue
+///            becomes the largest number, which can exceed the number of pixels (it saturates at
+///            2^31 - 1).
 /// Returns how many pixels it numbered. Neighbours: imNeighborhood8, in its order.
 int labelContours(const imImage *contour, imImage *labels);
 

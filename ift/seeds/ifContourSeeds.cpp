@@ -33,20 +33,17 @@ void fillRoots(ifRoots *roots, const imImage *labels) {
 void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
   requireBands("ifDistTransfRoots", binary, 1);
   requireGiven("ifDistTransfRoots", "roots record", roots);
-  const imImagePtr labels = createLike(binary, 1, imTypeAscii);
   const imImagePtr border = createLike(binary, 1, imTypeGrey);
-  const imImage *marked = nullptr;
   if (contour != 0) {
     ifRegionsToContours(binary, border.get());
-    labelContours(border.get(), labels.get());
-    marked = labels.get();
+    labelContours(border.get(), border.get());
   } else {
+    const imImagePtr labels = createLike(binary, 1, imTypeAscii);
     ifLabelImage(binary, labels.get());
     forEachBorderPixel(labels.get(), imNeighborhood8,
                        [&](int p) { border->band[0][p] = labels->band[0][p]; });
-    marked = border.get();
   }
-  fillRoots(roots, marked);
+  fillRoots(roots, border.get());
 }
 
 namespace {
