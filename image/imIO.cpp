@@ -5,6 +5,7 @@
 
 #include "base/arith.h"
 #include "base/inputFile.h"
+#include "base/multiversion.h"
 #include "base/outputFile.h"
 #include "base/report.h"
 #include "base/scan.h"
@@ -13,8 +14,10 @@
 #include "image/detail/writeImage.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 using namespace seedforest::detail;
 
@@ -92,12 +95,13 @@ void scanPixels(Text &text, int *values, std::size_t count) {
   }
 }
 
-void widen(const unsigned char *bytes, int n, int *values) {
+SEEDFOREST_MULTIVERSION void widen(const unsigned char *bytes, int n, int *values) {
   for (int i = 0; i < n; ++i)
     values[i] = bytes[i];
 }
 
-void deinterleave(const unsigned char *bytes, int n, int *red, int *green, int *blue) {
+SEEDFOREST_MULTIVERSION void deinterleave(const unsigned char *bytes, int n, int *red, int *green,
+                                          int *blue) {
   for (int i = 0; i < n; ++i) {
     red[i] = bytes[3 * i];
     green[i] = bytes[3 * i + 1];
@@ -157,25 +161,67 @@ imImagePtr readAscii(Text &text, const Header &header, const char *path) {
   return image;
 }
 
-// The low 8 bits of each value, the bands of a pixel side by side.
-void writeBinary(Writer &writer, const imImage *image) {
-  const int nbands = image->type == imTypeColor ? 3 : 1;
-  for (int start = 0; start < image->npixels;) {
-    const int count = std::min(pixelsPerChunk, image->npixels - start);
-    char *room = writer.room(std::size_t(count) * nbands);
-    for (int b = 0; b < nbands; ++b)
-      for (int i = 0; i < count; ++i)
-        room[i * nbands + b] = static_cast<char>(image->band[b][start + i]);
-    start += count;
+SEEDFOREST_MULTIVERSION void narrow(const int *values, int n, char *bytes) {
+  for (int i = 0; i < n; ++i)
+    bytes[i] = static_cast<char>(values[i]);
+}
+
+SEEDFOREST_MULTIVERSION void interleave(const int *red, const int *green, const int *blue, int n,
+                                        char *bytes) {
+  for (int i = 0; i < n; ++i) {
+    bytes[3 * i] = static_cast<char>(red[i]);
+    bytes[3 * i + 1] = static_cast<char>(green[i]);
+    bytes[3 * i + 2] = static_cast<char>(blue[i]);
   }
 }
 
+// The low 8 bits of each value, the bands of a pixel side by side.
+void writeBinary(Writer &writer, const imImage *image) {
+  int *const *band = image->band;
+  for (int start = 0, n; start < image->npixels; start += n) {
+    n = std::min(pixelsPerChunk, image->npixels - start);
+    if (image->type == imTypeColor)
+      interleave(band[0] + start, band[1] + start, band[2] + start, n,
+                 writer.room(std::size_t(n) * 3));
+    else
+      narrow(band[0] + start, n, writer.room(std::size_t(n)));
+  }
+}
+
+// The values 0 .. 255 as they stand in a P2: five characters wide, and a blank.
+constexpr int cellCount = 256;
+constexpr int cellWidth = 6;
+using Cell = std::array<char, cellWidth>;
+
+constexpr std::array<Cell, cellCount> makeCells() {
+  std::array<Cell, cellCount> cells{};
+  for (int value = 0; value < cellCount; ++value) {
+    cells[value].fill(' ');
+    int at = cellWidth - 2;
+    for (int rest = value; rest > 0 || at == cellWidth - 2; rest /= 10)
+      cells[value][at--] = static_cast<char>('0' + rest % 10);
+  }
+  return cells;
+}
+constexpr std::array<Cell, cellCount> cells = makeCells();
+
+// Copying cells takes a quarter of the time of writing numbers.
 void writeAscii(Writer &writer, const imImage *image) {
   constexpr int valuesPerLine = 16;
-  for (int p = 0; p < image->npixels; ++p) {
-    writer.number(image->band[0][p], 5);
-    writer.text(" ");
-    if (p % valuesPerLine == valuesPerLine - 1)
+  for (int start = 0, n; start < image->npixels; start += n) {
+    n = std::min(valuesPerLine, image->npixels - start);
+    const int *value = image->band[0] + start;
+    if (allWithin(value, n, 0, cellCount - 1)) {
+      char *at = writer.room(std::size_t(n) * cellWidth);
+      for (int i = 0; i < n; ++i, at += cellWidth)
+        std::memcpy(at, cells[value[i]].data(), cellWidth);
+    } else {
+      for (int i = 0; i < n; ++i) {
+        writer.number(value[i], cellWidth - 1);
+        writer.text(" ");
+      }
+    }
+    if (n == valuesPerLine)
       writer.text("\n");
   }
 }
