@@ -191,11 +191,18 @@ void propagateEuclidean(const EuclideanProblem &problem) {
   std::fill_n(problem.cost, npixels, ifInfiniteCost);
   for (const InheritedBand &inherited : problem.inherited)
     std::fill_n(inherited.band, npixels, 0);
-  forEachSeed(problem.rootPixels, problem.pred, [&](int i, int p) {
+  for (const int p : problem.rootPixels)
     problem.cost[p] = 0;
+  const auto reaches = [&](int p) { // a pixel that is no root
+    const int y = p / problem.image->ncols;
+    return problem.neighbors.any(p - y * problem.image->ncols, y,
+                                 [&](int q, int) { return problem.cost[q] != 0; });
+  };
+  forEachSeed(problem.rootPixels, problem.pred, [&](int i, int p) {
     for (const InheritedBand &inherited : problem.inherited)
       inherited.band[p] = inherited.atRoots[i];
-    queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
+    if (reaches(p)) // a root among roots improves none: where all of the ground is roots, most are
+      queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
   });
   std::iota(problem.pred, problem.pred + npixels, 0);
   run(transform, queue);
