@@ -49,12 +49,23 @@ public:
         p, n, [list](int i) { return list[i]; }, visit);
   }
 
+  /// Whether all neighbours of the pixel (x, y) exist.
+  bool isInner(int x, int y) const {
+    return x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_;
+  }
+
   /// Prefetches the values of a band at pixel p and at the pixels above and below it.
   template <class T>
   SEEDFOREST_INLINE void prefetch(const T *band, int p) const {
-    prefetchAt(band + p);
-    prefetchAt(band + (p >= ncols_ ? p - ncols_ : p));
-    prefetchAt(band + (p < lastRow_ ? p + ncols_ : p));
+    prefetchAround(p, [band](int q) SEEDFOREST_INLINE { return band + q; });
+  }
+
+  /// The same for what lies at address(q) for each pixel q.
+  template <class Address>
+  SEEDFOREST_INLINE void prefetchAround(int p, Address address) const {
+    prefetchAt(address(p));
+    prefetchAt(address(p >= ncols_ ? p - ncols_ : p));
+    prefetchAt(address(p < lastRow_ ? p + ncols_ : p));
   }
 
 private:
@@ -63,7 +74,7 @@ private:
   template <class Displacement, class Visit>
   bool anyOf(int x, int y, int n, Displacement displacement, Visit visit) const {
     const int p = x + y * ncols_;
-    if (x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_) {
+    if (isInner(x, y)) {
       for (int i = 0; i < n; ++i)
         if (const int k = displacement(i); visit(p + offset_[k], k))
           return true;

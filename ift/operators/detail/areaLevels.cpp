@@ -7,6 +7,7 @@
 #include "base/findRoot.h"
 #include "base/report.h"
 #include "ift/core/detail/forestTransforms.h"
+#include "ift/operators/detail/areaFlood.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
@@ -160,6 +161,16 @@ void forEachMaximum(const ifRoots *maxima, int count, Look look) {
       look(++label, maxima->pixel[i]);
 }
 
+void findByDepthFirstFlood(const imImage *image, const ifRoots *maxima, int count, int area,
+                           AreaLevel *levels) {
+  AreaFlood flood(image, std::min(area, image->npixels)); // all pixels, where there are fewer
+  flood.run();
+  const bool isReached = area <= image->npixels;
+  forEachMaximum(maxima, count, [&](int label, int p) {
+    levels[label] = {flood.levelOf(p), isReached};
+  });
+}
+
 void findByComponents(const imImage *image, const ifRoots *maxima, int count, int area,
                       AreaLevel *levels) {
   constexpr int lookahead = 16;
@@ -273,6 +284,9 @@ Array<AreaLevel> findAreaLevels(const imImage *image, const ifRoots *maxima, int
   Array<AreaLevel> levels = makeArray<AreaLevel>(static_cast<std::size_t>(count) + 1);
   if (area <= 0) {
     std::fill_n(levels.get(), count + 1, AreaLevel{0, true});
+  } else if (AreaFlood::canNumber(image) &&
+             allWithin(image->band[0], image->npixels, 0, AreaFlood::highestValue)) {
+    findByDepthFirstFlood(image, maxima, count, area, levels.get());
   } else if (allWithin(image->band[0], image->npixels, 0, maxInt)) {
     findByComponents(image, maxima, count, area, levels.get());
   } else {

@@ -9,9 +9,10 @@
 // minimum of the path to the last of them is the level. That is the highest threshold at which the
 // maximum's component has `area` pixels or, in a smaller image, the lowest value of all.
 //
-// For values of at least 0, one pass over the pixels by falling value, with a union-find of the
-// components, finds all levels in near linear time (Wilkinson and Roerdink, "Fast morphological
-// attribute operations using Tarjan's union-find algorithm", 2000). Negative values have no bucket
+// For values of at least 0, one pass over the pixels finds all levels in near linear time: for values
+// of up to 15 bits the depth-first flood of areaFlood.h, for others a pass by falling value with a
+// union-find of the components (Wilkinson and Roerdink, "Fast morphological attribute operations
+// using Tarjan's union-find algorithm", 2000). Negative values have no bucket
 // of their own in the flood's queue, whose buckets are for costs of 0 .. maxCost, and are served in
 // remainder order, which is no order of values: in the row -3 2 -4 with area 2, three buckets serve
 // -4 before -3, and the level is -4. Then each maximum is flooded by itself, in time proportional to
@@ -29,7 +30,7 @@ struct AreaLevel {
 };
 
 /// The levels of the labels 1 .. count, at their indices.
-///   maxima   the roots of the labels; the first root of each label after those of smaller labels
+///   maxima   the regional maxima, numbered by their first pixels: the roots in raster order
 ///   maxCost  at least 0, and at least the largest value of band 0
 ///   area     in pixels; 0 or less: all levels are 0, and reached
 /// Ends with an error: memory that cannot be allocated; for a queue, with the line of initQueue().

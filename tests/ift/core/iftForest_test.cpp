@@ -81,6 +81,17 @@ TEST(Forest, OfSmallImages) {
   EXPECT_EQ(scaled(huge, ifPathCostMax), (Matrix{{0, high, high, high}}));
 }
 
+// Draws walls into an image: a comb, a checkerboard, or a path that winds through all of it.
+void drawWalls(const imImagePtr &image, int shape, int ground, int wall) {
+  for (int p = 0; shape < 4 && p < image->npixels; ++p) {
+    const int x = p % image->ncols;
+    const int y = p / image->ncols;
+    const bool isWall[] = {false, x % 2 == 1 && y > 0, (x + y) % 2 == 1,
+                           y % 2 == 1 && x != (y % 4 == 1 ? image->ncols - 1 : 0)};
+    image->band[0][p] = isWall[shape] ? wall : ground;
+  }
+}
+
 // The weight that transforms recognise against one that does the same unknown to them: with more
 // displacements than a byte can name, and with values up to 24 bits, which is as many as can be
 // packed beside others, and beyond. Results are the same where they are not packed, many times
@@ -92,14 +103,15 @@ TEST(Forest, RecognisedWeightsEqualOthers) {
                                         [](int **list) { return imNeighborhood(list, 100); }};
   const int tops[] = {1, 255, 256, (1 << 24) - 1, 1 << 24, (1 << 25) + 1, maxInt - 1};
   std::mt19937 random(13);
-  for (int round = 0; round < 210; ++round) {
+  for (int round = 0; round < 420; ++round) {
     SCOPED_TRACE(round);
     const int top = tops[round % std::size(tops)];
     const int least = round % 2 == 0 ? std::max(0, top - 4) : 0; // plateaus or hardly any
     const imImagePtr image =
-        randomImage(random, 1, imTypeAscii, pick(random, 1, 25), pick(random, 1, 25), least, top);
+        randomImage(random, 1, imTypeAscii, pick(random, 1, 35), pick(random, 1, 35), least, top);
+    drawWalls(image, pick(random, 0, 7), least, top);
     std::vector<Root> seeds;
-    for (int label = pick(random, 0, 5); label > 0; --label)
+    for (int label = round % 4 == 0 ? 2 * image->npixels : pick(random, 0, 5); label > 0; --label)
       seeds.push_back({pick(random, 0, image->npixels - 1), label, pick(random, least, top)});
     const auto expectEqual = [&](Transform transform, ifPathCostFn pathCost) {
       const imNeighborhoodFn adjacency = relations[round % std::size(relations)];

@@ -87,7 +87,7 @@ TEST(AreaOpening, IsThatOfEveryThreshold) {
   testing::internal::CaptureStdout();
   for (int round = 0; round < 150; ++round) {
     const char type = round % 2 == 0 ? imTypeGrey : imTypeAscii;
-    const int top = round % 3 != 0 ? pick(random, 1, 9) : type == imTypeGrey ? 255 : 3000;
+    const int top = round % 3 != 0 ? pick(random, 1, 9) : type == imTypeGrey ? 255 : 70000;
     const imImagePtr f =
         randomImage(random, 1, type, pick(random, 1, 9), pick(random, 1, 9), 0, top);
     f->maxValue = round % 5 == 0 ? 1 : top; // less than what the file has
@@ -109,6 +109,33 @@ TEST(AreaOpening, IsThatOfEveryThreshold) {
     for (int p = 0, w = f->ncols; p < f->npixels; ++p)
       EXPECT_EQ(closed.filtered[p / w][p % w], white - dual->band[0][p]) << round;
   }
+  testing::internal::GetCapturedStdout();
+}
+
+// Values that need more bits than the depth-first flood takes, multiples of those that it takes.
+TEST(AreaOpening, OfMultiplesIsTheMultiple) {
+  std::mt19937 random(8);
+  testing::internal::CaptureStdout();
+  const int sizes[][2] = {{1, 300}, {300, 1}, {64, 65}, {127, 33}};
+  for (const auto &[ncols, nrows] : sizes)
+    for (const int top : {0, 1, 20, 255, 32767}) {
+      const imImagePtr f = randomImage(random, 1, imTypeAscii, ncols, nrows, 0, top);
+      for (int p = 0; p < f->npixels; ++p) // a comb: teeth that meet in the last row only
+        if (top == 255 && p % ncols % 2 == 1)
+          f->band[0][p] = p / ncols == nrows - 1 ? 3 : 0;
+      const imImagePtr wide(imCopyImage(f.get()));
+      for (int p = 0; p < f->npixels; ++p)
+        wide->band[0][p] *= 32768;
+      for (const int area : {1, 7, 150, 100000}) {
+        const Output narrow = runArea(ifAreaOpen, f.get(), area);
+        Output opened = runArea(ifAreaOpen, wide.get(), area);
+        EXPECT_EQ(opened.labels, narrow.labels);
+        for (auto &row : opened.filtered)
+          for (int &value : row)
+            value /= 32768;
+        EXPECT_EQ(opened.filtered, narrow.filtered) << ncols << " " << top << " " << area;
+      }
+    }
   testing::internal::GetCapturedStdout();
 }
 
