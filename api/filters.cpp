@@ -7,13 +7,17 @@
 #include "base/report.h"
 #include "detail/quietly.h"
 #include "ift/core/detail/costs.h"
+#include "ift/core/detail/reconstructValues.h"
 #include "ift/operators/detail/fuzzyObjects.h"
 #include "ift/operators/ifConnected.h"
 #include "ift/operators/iftFuzzy.h"
 #include "seedforest/pixelwise.hpp"
 
+#include "image/detail/imageTools.h"
 #include "image/imPixelwise.h"
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace seedforest {
@@ -60,11 +64,20 @@ Filtered eroded(const Image &image, const Roots &roots, int flag) {
   });
 }
 
+Filtered labelledOne(imImagePtr filtered) {
+  imImagePtr labels = createLike(filtered.get(), 1, imTypeAscii);
+  std::fill_n(labels->band[0], labels->npixels, 1);
+  labels->maxValue = 1;
+  return {Image(std::move(filtered)), Image(std::move(labels))};
+}
+
 } // namespace
 
 Filtered reconstruct(const Image &image, const Image &marker) {
   return quietly([&] {
     const Image below = lowerEnvelope(marker, image);
+    if (imImagePtr values = reconstructValues(byDilation, recordOf(image), recordOf(below)))
+      return labelledOne(std::move(values));
     return reconstruct(image, extremaOf(below, imFalseRegionalMaximum));
   });
 }
@@ -72,6 +85,8 @@ Filtered reconstruct(const Image &image, const Image &marker) {
 Filtered reconstructDual(const Image &image, const Image &marker) {
   return quietly([&] {
     const Image above = upperEnvelope(marker, image);
+    if (imImagePtr values = reconstructValues(byErosion, recordOf(image), recordOf(above)))
+      return labelledOne(std::move(values));
     return reconstructDual(image, extremaOf(above, imFalseRegionalMinimum));
   });
 }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 namespace seedforest::detail {
 
@@ -34,6 +35,14 @@ void NeighborWalk::measure() {
     down_ = std::max(down_, dy(k));
     offset_[k] = wrap(std::int64_t{dy(k)} * ncols_ + dx(k)); // used only where it fits
   }
+}
+
+bool NeighborWalk::isWindow() const {
+  unsigned seen = 1 << 4; // a bit for each place of the window; the middle is no neighbour
+  for (int k = 0; k < n_; ++k)
+    if (std::abs(dx(k)) <= 1 && std::abs(dy(k)) <= 1)
+      seen |= 1U << (3 * dy(k) + dx(k) + 4);
+  return n_ == 8 && seen == 0x1ff;
 }
 
 UnsharedNeighborWalk::UnsharedNeighborWalk(const NeighborWalk &neighbors)

@@ -49,6 +49,9 @@ public:
         p, n, [list](int i) { return list[i]; }, visit);
   }
 
+  /// Whether the neighbours are the eight around a pixel, in any order.
+  bool isWindow() const;
+
   /// Whether all neighbours of the pixel (x, y) exist.
   bool isInner(int x, int y) const {
     return x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_;

@@ -22,9 +22,12 @@ struct RowWindow {
   const int *row;
   const int *below;
 
-  RowWindow(const imImage *image, int b, int y)
-      : above(image->band[b] + image->row[std::max(y - 1, 0)]), row(image->band[b] + image->row[y]),
-        below(image->band[b] + image->row[std::min(y + 1, image->nrows - 1)]) {}
+  RowWindow(const imImage *image, int b, int y) : RowWindow(image->band[b], image, y) {}
+
+  /// Of a band that lies elsewhere, of the image's size.
+  RowWindow(const int *band, const imImage *image, int y)
+      : above(band + image->row[std::max(y - 1, 0)]), row(band + image->row[y]),
+        below(band + image->row[std::min(y + 1, image->nrows - 1)]) {}
 
   /// 1 if test(value of q) holds for some neighbour q of the pixel in column x, between the columns
   /// left and right; else 0. Tests all neighbours, without a branch.

@@ -99,6 +99,33 @@ static sf::Image reconstructed(const sf::Image &image, const sf::Image &marker) 
   }
 }
 
+TEST(InterfaceReconstruction, GrowsTheMarkerUnderTheImage) {
+  std::mt19937 numbers(4);
+  const int sizes[][2] = {{1, 1}, {1, 30}, {30, 1}, {2, 9}, {17, 33}, {35, 18}};
+  for (int round = 0; round < 60; ++round) {
+    SCOPED_TRACE(round);
+    const auto [ncols, nrows] = sizes[round % 6];
+    const int top = std::vector{1, 5, 255, 100000}[round % 4];
+    sf::Image f = random(round, ncols, nrows, 0, top);
+    for (int y = 1; round % 3 == 0 && y < nrows; y += 2) // a path that winds through the image
+      for (int x = 0; x < ncols; ++x)
+        f.pixels()[x + y * ncols] = x == (y % 4 == 1 ? ncols - 1 : 0) ? top : 0;
+    sf::Image marker = sf::add(f, round % 2 == 0 ? -pick(numbers, 0, 1 + top / 4) : -top);
+    marker.pixels()[pick(numbers, 0, ncols * nrows - 1)] = pick(numbers, 0, 2 * top);
+    const sf::Image grown = reconstructed(f, marker);
+    EXPECT_TRUE(sf::reconstruct(f, marker).image == grown);
+    const auto mirrored = [top](const sf::Image &image) {
+      sf::Image result = sf::add(image, 0);
+      for (int &value : result.pixels())
+        value = 2 * top - value;
+      return result;
+    };
+    const sf::Filtered dual = sf::reconstructDual(mirrored(f), mirrored(marker));
+    EXPECT_TRUE(std::ranges::equal(dual.image.pixels(), mirrored(grown).pixels()));
+    EXPECT_TRUE(std::ranges::all_of(dual.labels.pixels(), [](int label) { return label == 1; }));
+  }
+}
+
 TEST(InterfaceExtrema, StandOutByMoreThanH) {
   // The first peak is 4 above the way to a higher one, the second 5, and nothing is above the last.
   // What is less than h below a peak belongs to it. Of any sign, and turned over, all is the same.

@@ -20,6 +20,13 @@
 
 namespace seedforest::detail {
 
+/// Turns costs into keys, and keys into costs.
+struct Mirror {
+  int origin;
+  int direction;
+  int operator()(int v) const { return origin + direction * v; }
+};
+
 /// A maximising transform runs as the minimising one of keys = maxCost - cost.
 struct PackedProblem {
   const imImage *input;
@@ -31,6 +38,8 @@ struct PackedProblem {
   int *label; ///< the forest's bands
   int *cost;
   int *pred;
+
+  Mirror mirror() const { return maximise ? Mirror{maxCost, -1} : Mirror{0, 1}; }
 };
 
 /// Computes the forest and returns true or, where a value of the input's band 0 or a seed's cost is
