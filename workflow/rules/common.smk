@@ -1,0 +1,123 @@
+# Copyright the Seedforest authors
+# SPDX-License-Identifier: Apache-2.0
+
+# What the rules ask for: the batches, and the memory of a job; what is done at the start and the end.
+
+import functools
+import os
+import shutil
+import sys
+import time
+
+from snakemake.common import Mode
+from snakemake.exceptions import WorkflowError
+
+sys.path.insert(0, os.path.join(workflow.basedir, "scripts"))
+import images
+import memory
+import runs
+import summary
+
+# In the cluster's jobs the workflow is read again: there the folder is not listed once more.
+IS_ENGINE = workflow.mode == Mode.default
+STEPS = ("seeds", "segment", "measure", "paint")
+
+
+def absolute_paths(config):
+    for key in ("images", "results", "programs"):
+        config[key] = os.path.abspath(config[key]) if config[key] else ""
+    if os.path.commonpath([config["images"], config["results"]]) == config["images"]:
+        raise WorkflowError("the folder for the results lies in that of the images")
+
+
+@functools.cache
+def batches():
+    """In the engine all of them, with their images; in a job only names."""
+    if not IS_ENGINE:
+        return dict.fromkeys(runs.read_json("run.json")["batches"])
+    try:
+        return images.batches_of(images.list_images(config["images"]), config["batch"])
+    except OSError as error:
+        raise WorkflowError(f"{error.filename}: {error.strerror}")
+
+
+def images_in(batch):
+    return batches()[batch] if IS_ENGINE else runs.read_json(f"batches/{batch}.json")
+
+
+def input_images(wildcards):
+    """The files that the engine watches. What is no file, or has a name that it could not pass on, is left
+    to the programs alone."""
+    paths = [os.path.join(config["images"], name) for name in images_in(wildcards.batch)]
+    return [path for path in paths if images.is_plain(path) and os.path.isfile(path)]
+
+
+def given_images(wildcards):
+    return [(name, 0) for name in images_in(wildcards.batch)]
+
+
+def all_records(wildcards):
+    return [runs.record_path(step, batch) for batch in batches() for step in STEPS]
+
+
+@functools.cache
+def largest_image(batch):
+    """Its bytes as a file, pixels and bands."""
+    paths = [os.path.join(config["images"], name) for name in images_in(batch)]
+    sizes = [(images.size_of(path), os.path.getsize(path)) for path in paths if os.path.exists(path)]
+    return max(((pixels * bands, pixels, bands, size) for (pixels, bands), size in sizes), default=(0, 0, 1, 0))
+
+
+def memory_for(step):
+    """The function that says how many MB a job of a step needs; twice that after a failure."""
+
+    def mem_mb(wildcards, attempt):
+        _, pixels, bands, size = largest_image(wildcards.batch)
+        needed = memory.job_mb(step, config[step] if step in config else "", pixels, bands, size)
+        return min(needed * attempt, config["memory_mb"])
+
+    return mem_mb
+
+
+# ----- the run as a whole
+
+
+def check_job():
+    """A job that a cluster starts only after its engine was killed, and another one started with other
+    settings, must not deliver."""
+    if runs.read_json("run.json", {}).get("config") != config:
+        raise WorkflowError("this job belongs to an earlier run with other settings")
+
+
+def start_run():
+    for step in STEPS:
+        program = f"seedforest-{step}"
+        if not shutil.which(os.path.join(config["programs"], program)):
+            raise WorkflowError(f"no program {program}: name its folder as programs, or put it into the PATH")
+    try:
+        runs.hold(runs.ENGINE_LOCK)
+    except BlockingIOError:
+        raise WorkflowError(f"another run is at work in {config['results']}")
+    runs.wait_for_jobs()
+    shutil.rmtree(runs.WORK, ignore_errors=True)
+    os.makedirs("logs/slurm", exist_ok=True)
+    for batch, names in batches().items():
+        runs.write_json(names, f"batches/{batch}.json")
+    runs.write_json({"config": config, "batches": list(batches()), "started": time.time()}, "run.json")
+
+
+def end_run(is_complete):
+    """Makes the status 1 where an image failed, and lets the next start try its batch again."""
+    if not is_complete:
+        try:
+            summary.make(list(batches()), config)
+        except OSError as error:
+            print(f"the report cannot be made: {error}", file=sys.stderr)
+    failures = summary.failures_of(list(batches()), config["images"])
+    for batch in {failure["batch"] for failure in failures if failure["image"]}:
+        for step in STEPS:
+            runs.take_back(runs.record_path(step, batch))
+    for failure in failures[:10]:
+        print(summary.sentence(failure), file=sys.stderr)
+    if failures:
+        raise WorkflowError(f"{len(failures)} failures; all are in {os.path.abspath('report.html')}")

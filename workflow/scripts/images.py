@@ -1,0 +1,108 @@
+# Copyright the Seedforest authors
+# SPDX-License-Identifier: Apache-2.0
+"""The images in a folder, in batches, and what their headers say of their size."""
+
+import itertools
+import os
+import struct
+import urllib.parse
+
+ENDINGS = (".pgm", ".ppm", ".pnm", ".png", ".tif", ".tiff", ".jpg", ".jpeg")
+
+
+def list_images(folder):
+    """Paths from the folder, sorted by their first folder, then by name. Hidden ones are left out."""
+
+    def fail(error):
+        raise error
+
+    found = []
+    for where, folders, files in os.walk(folder, onerror=fail):
+        folders[:] = [name for name in folders if not name.startswith(".")]
+        inside = os.path.relpath(where, folder)
+        found += [
+            os.path.normpath(os.path.join(inside, name))
+            for name in files
+            if name.lower().endswith(ENDINGS) and not name.startswith(".")
+        ]
+    return sorted(found, key=lambda name: (first_folder(name), name))
+
+
+def first_folder(name):
+    return name.split(os.sep)[0] if os.sep in name else ""
+
+
+def batches_of(names, size):
+    """The batches by their names. None has images of two first folders, so that a new folder, or new
+    images behind the others of one, leave the other batches as they are."""
+    batches = {}
+    for folder, group in itertools.groupby(names, first_folder):
+        prefix = urllib.parse.quote(folder, safe="") + "-" if folder else ""
+        members = list(group)
+        for start in range(0, len(members), size):
+            batches[f"{prefix}{start // size + 1:04}"] = members[start : start + size]
+    return batches
+
+
+def is_plain(name):
+    """Whether the engine can pass on a path: it writes lists of them, a line for each, and fills in what
+    stands in braces."""
+    return name.isprintable() and not set("{}") & set(name)
+
+
+# ----- sizes
+
+
+def size_of(path):
+    """Pixels and bands by the header; where that cannot be read, (0, 1): the programs will say why."""
+    try:
+        with open(path, "rb") as file:
+            head = file.read(32)
+            if head[:2] in (b"P2", b"P5", b"P6"):
+                return pnm_size(head, file)
+            if head[:8] == b"\x89PNG\r\n\x1a\n":
+                width, height = struct.unpack(">II", head[16:24])
+                return width * height, 3 if head[25] & 2 else 1
+            if head[:2] == b"\xff\xd8":
+                return jpeg_size(file)
+            if head[:2] in (b"II", b"MM"):
+                return tiff_size(head, file)
+    except (OSError, struct.error, IndexError, ValueError):
+        pass
+    return 0, 1
+
+
+def pnm_size(head, file):
+    file.seek(0)
+    lines = file.read(4096)[2:].split(b"\n")
+    words = b" ".join(line for line in lines if not line.startswith(b"#")).split()
+    pixels = int(words[0]) * int(words[1])
+    # A header can announce anything: no more than the file can hold is ever read.
+    samples = 3 if head[:2] == b"P6" else 1
+    if head[:2] != b"P2":
+        pixels = min(pixels, os.fstat(file.fileno()).st_size // samples)
+    return pixels, samples
+
+
+def jpeg_size(file):
+    file.seek(2)
+    while True:
+        marker, length = struct.unpack(">HH", file.read(4))
+        if 0xFFC0 <= marker <= 0xFFCF and marker not in (0xFFC4, 0xFFC8, 0xFFCC):
+            _, height, width, bands = struct.unpack(">BHHB", file.read(6))
+            return width * height, bands
+        file.seek(length - 2, os.SEEK_CUR)
+
+
+def tiff_size(head, file):
+    order = "<" if head[:2] == b"II" else ">"
+    is_big = struct.unpack(order + "H", head[2:4])[0] == 43
+    start, count, entry = ("Q", "Q", "HHQ") if is_big else ("I", "H", "HHI")
+    file.seek(struct.unpack(order + start, head[8:16] if is_big else head[4:8])[0])
+    read = lambda form: struct.unpack(order + form, file.read(struct.calcsize(order + form)))
+    tags = {}
+    for _ in range(read(count)[0]):
+        tag, kind, _ = read(entry)
+        value = file.read(8 if is_big else 4)
+        tags[tag] = struct.unpack_from(order + {3: "H", 4: "I", 16: "Q"}.get(kind, "B"), value)[0]
+    return tags[256] * tags[257], tags.get(277, 1)

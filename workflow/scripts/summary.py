@@ -1,0 +1,167 @@
+# Copyright the Seedforest authors
+# SPDX-License-Identifier: Apache-2.0
+"""What a run made of a folder: one table of all objects, a list of failures, and a page with both in
+numbers and pictures. Made from the records, so that it can be made at any time, of any part."""
+
+import collections
+import csv
+import math
+import os
+import time
+import urllib.parse
+
+import jinja2
+
+import runs
+
+STEPS = {"seeds": "roots", "segment": "labels", "measure": "tables", "paint": "overlays"}
+
+
+def records_of(batches):
+    """Of each batch its records by step; None where the job has not ended well."""
+    for batch in batches:
+        yield batch, {step: runs.read_json(runs.record_path(step, batch)) for step in STEPS}
+
+
+def failures_of(batches, folder):
+    """Dictionaries of batch, image, step, line. The image is empty where a whole job failed."""
+    if not batches:
+        return [{"batch": "", "image": "", "step": "list", "line": f"no images in {folder}"}]
+    found = []
+    for batch, records in records_of(batches):
+        for step, record in records.items():
+            if record is None:
+                line = f"the job did not end; logs/{step}/{batch}.log may say why"
+                found.append({"batch": batch, "image": "", "step": step, "line": line})
+                break  # nor did those that wait for it
+            found += [
+                {"batch": batch, "image": entry["image"], "step": step, "line": entry["line"]}
+                for entry in record["images"]
+                if entry["status"] == "failed"
+            ]
+    return found
+
+
+def done_images(batches, step):
+    for _, records in records_of(batches):
+        for entry in (records[step] or {"images": []})["images"]:
+            if entry["status"] == "done":
+                yield entry["image"]
+
+
+# ----- the table of all objects
+
+
+def table_of(image):
+    return open(f"tables/{image}.csv", encoding="ascii")
+
+
+def columns_of(tables):
+    """Those of all tables: an image in colours has others than a grey one."""
+    columns = {"label": None}
+    for image in tables:
+        with table_of(image) as table:
+            columns.update(dict.fromkeys(table.readline().rstrip("\n").split(",")))
+    return list(columns)
+
+
+def write_objects(tables, target):
+    """One table of all, the image in front of each row. Returns how many rows each image has, and how
+    many objects are in each class of areas."""
+    counts, classes = {}, collections.Counter()
+    with open(target, "w", newline="", encoding="utf-8", errors="surrogateescape") as file:
+        out = csv.DictWriter(file, ["image", *columns_of(tables)], lineterminator="\n")
+        out.writeheader()
+        for image in tables:
+            counts[image] = 0
+            with table_of(image) as table:
+                for row in csv.DictReader(table):
+                    out.writerow({"image": image, **row})
+                    counts[image] += 1
+                    classes[class_of(int(row["area"]))] += 1
+    return counts, classes
+
+
+def class_of(area):
+    return math.floor(2 * math.log2(area))  # two classes for each doubling
+
+
+def bars_of(classes):
+    if not classes:
+        return []
+    most = max(classes.values())
+    return [
+        {"from": math.ceil(2 ** (k / 2)), "count": classes[k], "share": classes[k] / most}
+        for k in range(min(classes), max(classes) + 1)
+    ]
+
+
+# ----- the page
+
+
+def times_of(batches):
+    """For each step: images, seconds of the programs, the slowest image; what an earlier start had done
+    is left out."""
+    since = runs.read_json("run.json")["started"]
+    times = {step: {"images": 0, "seconds": 0.0, "slowest": (0.0, "")} for step in STEPS}
+    for _, records in records_of(batches):
+        for step, record in records.items():
+            if record is None or record["ended"] < since:
+                continue
+            new = [(entry["seconds"], entry["image"]) for entry in record["images"] if "kept" not in entry]
+            times[step]["images"] += len(new)
+            times[step]["seconds"] += sum(seconds for seconds, _ in new)
+            times[step]["slowest"] = max([times[step]["slowest"], *new])
+    return times, time.time() - since
+
+
+def sample_of(names, count):
+    """So many of them, from begin to end."""
+    names = list(names)
+    step = max(1, math.ceil(len(names) / count)) if count else len(names) + 1
+    return names[::step] if count else []
+
+
+def make(batches, config):
+    """Writes objects.csv, failures.csv and report.html."""
+    failures = failures_of(batches, config["images"])
+    times, wall = times_of(batches)
+    images = [name for batch in batches for name in runs.read_json(f"batches/{batch}.json")]
+    with runs.workplace() as place:
+        path = lambda name: os.path.join(place, name)
+        counts, classes = write_objects(list(done_images(batches, "measure")), path("objects.csv"))
+        with open(path("failures.csv"), "w", newline="", encoding="utf-8", errors="surrogateescape") as file:
+            out = csv.DictWriter(file, ["batch", "image", "step", "line"], lineterminator="\n")
+            out.writeheader()
+            out.writerows(failures)
+        page = template().render(
+            config=config,
+            images=len(images),
+            whole=len(set(done_images(batches, "paint")) & set(counts)),
+            objects=sum(counts.values()),
+            failures=failures,
+            bars=bars_of(classes),
+            times=times,
+            wall=wall,
+            made=time.strftime("%Y-%m-%d %H:%M:%S"),
+            pictures=sample_of(done_images(batches, "paint"), config["thumbnails"]),
+            counts=counts,
+        )
+        with open(path("report.html"), "w", encoding="utf-8", errors="backslashreplace") as file:
+            file.write(page)
+        for name in ("objects.csv", "failures.csv", "report.html"):
+            runs.deliver(path(name), name)
+
+
+def template():
+    folder = os.path.dirname(os.path.abspath(__file__))
+    environment = jinja2.Environment(
+        loader=jinja2.FileSystemLoader(folder), autoescape=True, trim_blocks=True, lstrip_blocks=True
+    )
+    environment.filters["link"] = lambda name: urllib.parse.quote(os.fsencode(name))
+    return environment.get_template("report.html.jinja")
+
+
+def sentence(failure):
+    where = failure["image"] or (f"batch {failure['batch']}" if failure["batch"] else "")
+    return ": ".join(part for part in (where, failure["step"], failure["line"]) if part)
