@@ -36,13 +36,18 @@ def batches():
     if not IS_ENGINE:
         return dict.fromkeys(runs.read_json("run.json")["batches"])
     try:
-        return images.batches_of(images.list_images(config["images"]), config["batch"])
+        names = images.list_images(config["images"])
     except OSError as error:
         raise WorkflowError(f"{error.filename}: {error.strerror}")
+    before = runs.read_json("run.json", {})
+    is_like_before = before.get("config", {}).get("batch") == config["batch"]
+    earlier = {batch: runs.read_json(runs.batch_path(batch)) for batch in before["batches"]} if is_like_before else {}
+    return images.batches_of(names, config["batch"], earlier)
+
 
 
 def images_in(batch):
-    return batches()[batch] if IS_ENGINE else runs.read_json(f"batches/{batch}.json")
+    return batches()[batch] if IS_ENGINE else runs.read_json(runs.batch_path(batch))
 
 
 def input_images(wildcards):
@@ -102,7 +107,7 @@ def start_run():
     shutil.rmtree(runs.WORK, ignore_errors=True)
     os.makedirs("logs/slurm", exist_ok=True)
     for batch, names in batches().items():
-        runs.write_json(names, f"batches/{batch}.json")
+        runs.write_json(names, runs.batch_path(batch))
     runs.write_json({"config": config, "batches": list(batches()), "started": time.time()}, "run.json")
 
 

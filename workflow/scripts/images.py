@@ -2,16 +2,14 @@
 # SPDX-License-Identifier: Apache-2.0
 """The images in a folder, in batches, and what their headers say of their size."""
 
-import itertools
 import os
 import struct
-import urllib.parse
 
 ENDINGS = (".pgm", ".ppm", ".pnm", ".png", ".tif", ".tiff", ".jpg", ".jpeg")
 
 
 def list_images(folder):
-    """Paths from the folder, sorted by their first folder, then by name. Hidden ones are left out."""
+    """Paths from the folder, sorted. Hidden files and folders are left out."""
 
     def fail(error):
         raise error
@@ -25,23 +23,20 @@ def list_images(folder):
             for name in files
             if name.lower().endswith(ENDINGS) and not name.startswith(".")
         ]
-    return sorted(found, key=lambda name: (first_folder(name), name))
+    return sorted(found)
 
 
-def first_folder(name):
-    return name.split(os.sep)[0] if os.sep in name else ""
-
-
-def batches_of(names, size):
-    """The batches by their names. None has images of two first folders, so that a new folder, or new
-    images behind the others of one, leave the other batches as they are."""
-    batches = {}
-    for folder, group in itertools.groupby(names, first_folder):
-        prefix = urllib.parse.quote(folder, safe="") + "-" if folder else ""
-        members = list(group)
-        for start in range(0, len(members), size):
-            batches[f"{prefix}{start // size + 1:04}"] = members[start : start + size]
-    return batches
+def batches_of(names, size, earlier):
+    """Names in batches, by number. Images stay in their earlier batches and new ones make new batches, so
+    that nothing else is computed again."""
+    wanted = set(names)
+    batches = {batch: [name for name in members if name in wanted] for batch, members in earlier.items()}
+    wanted.difference_update(*batches.values())
+    new = [name for name in names if name in wanted]
+    first = max(map(int, earlier), default=0) + 1
+    for start in range(0, len(new), size):
+        batches[f"{first + start // size:05}"] = new[start : start + size]
+    return {batch: members for batch, members in batches.items() if members}
 
 
 def is_plain(name):

@@ -69,6 +69,10 @@ def read_json(path, default=None):
         return default
 
 
+def batch_path(batch):
+    return f"batches/{batch}.json"
+
+
 def record_path(step, batch):
     return f"records/{step}/{batch}.json"
 

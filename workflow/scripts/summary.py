@@ -43,10 +43,13 @@ def failures_of(batches, folder):
 
 
 def done_images(batches, step):
-    for _, records in records_of(batches):
-        for entry in (records[step] or {"images": []})["images"]:
-            if entry["status"] == "done":
-                yield entry["image"]
+    """Sorted: what is made of them does not depend on the batches."""
+    return sorted(
+        entry["image"]
+        for _, records in records_of(batches)
+        for entry in (records[step] or {"images": []})["images"]
+        if entry["status"] == "done"
+    )
 
 
 # ----- the table of all objects
@@ -117,19 +120,17 @@ def times_of(batches):
 
 def sample_of(names, count):
     """So many of them, from begin to end."""
-    names = list(names)
-    step = max(1, math.ceil(len(names) / count)) if count else len(names) + 1
-    return names[::step] if count else []
+    return names[:: math.ceil(len(names) / count)] if names and count else []
 
 
 def make(batches, config):
     """Writes objects.csv, failures.csv and report.html."""
     failures = failures_of(batches, config["images"])
     times, wall = times_of(batches)
-    images = [name for batch in batches for name in runs.read_json(f"batches/{batch}.json")]
+    images = [name for batch in batches for name in runs.read_json(runs.batch_path(batch))]
     with runs.workplace() as place:
         path = lambda name: os.path.join(place, name)
-        counts, classes = write_objects(list(done_images(batches, "measure")), path("objects.csv"))
+        counts, classes = write_objects(done_images(batches, "measure"), path("objects.csv"))
         with open(path("failures.csv"), "w", newline="", encoding="utf-8", errors="surrogateescape") as file:
             out = csv.DictWriter(file, ["batch", "image", "step", "line"], lineterminator="\n")
             out.writeheader()
