@@ -65,21 +65,27 @@ def all_records(wildcards):
     return [runs.record_path(step, batch) for batch in batches() for step in STEPS]
 
 
+def keep_to_this_machine():
+    """Without a cluster no more jobs at a time than the memory takes, unless --resources says how many."""
+    if workflow.run_local and IS_ENGINE:
+        pages, size = os.sysconf("SC_PHYS_PAGES"), os.sysconf("SC_PAGE_SIZE")
+        workflow.global_resources.setdefault("mem_mb", pages * size // 2**20)
+
+
 @functools.cache
 def largest_image(batch):
-    """Its bytes as a file, pixels and bands."""
+    """Its pixels, and the bytes of its file."""
     paths = [os.path.join(config["images"], name) for name in images_in(batch)]
-    sizes = [(images.size_of(path), os.path.getsize(path)) for path in paths if os.path.exists(path)]
-    return max(((pixels * bands, pixels, bands, size) for (pixels, bands), size in sizes), default=(0, 0, 1, 0))
+    sizes = [(images.pixels_of(path), os.path.getsize(path)) for path in paths if os.path.isfile(path)]
+    return max(sizes, default=(0, 0))
 
 
 def memory_for(step):
     """The function that says how many MB a job of a step needs; twice that after a failure."""
 
     def mem_mb(wildcards, attempt):
-        _, pixels, bands, size = largest_image(wildcards.batch)
-        needed = memory.job_mb(step, config[step] if step in config else "", pixels, bands, size)
-        return min(needed * attempt, config["memory_mb"])
+        needed = memory.job_mb(step, config.get(step, ""), *largest_image(wildcards.batch))
+        return min(needed * attempt, config["memory_mb"], workflow.global_resources.get("mem_mb", sys.maxsize))
 
     return mem_mb
 

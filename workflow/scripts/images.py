@@ -48,56 +48,58 @@ def is_plain(name):
 # ----- sizes
 
 
-def size_of(path):
-    """Pixels and bands by the header; where that cannot be read, (0, 1): the programs will say why."""
+def pixels_of(path):
+    """By the header; 0 where that cannot be read: the programs will say why."""
     try:
         with open(path, "rb") as file:
             head = file.read(32)
             if head[:2] in (b"P2", b"P5", b"P6"):
-                return pnm_size(head, file)
+                return pnm_pixels(head, file)
             if head[:8] == b"\x89PNG\r\n\x1a\n":
                 width, height = struct.unpack(">II", head[16:24])
-                return width * height, 3 if head[25] & 2 else 1
+                return width * height
             if head[:2] == b"\xff\xd8":
-                return jpeg_size(file)
+                return jpeg_pixels(file)
             if head[:2] in (b"II", b"MM"):
-                return tiff_size(head, file)
-    except (OSError, struct.error, IndexError, ValueError):
+                return tiff_pixels(head, file)
+    except (OSError, struct.error, LookupError, ValueError):
         pass
-    return 0, 1
+    return 0
 
 
-def pnm_size(head, file):
+def pnm_pixels(head, file):
     file.seek(0)
     lines = file.read(4096)[2:].split(b"\n")
     words = b" ".join(line for line in lines if not line.startswith(b"#")).split()
-    pixels = int(words[0]) * int(words[1])
-    # A header can announce anything: no more than the file can hold is ever read.
-    samples = 3 if head[:2] == b"P6" else 1
-    if head[:2] != b"P2":
-        pixels = min(pixels, os.fstat(file.fileno()).st_size // samples)
-    return pixels, samples
+    pixels = max(0, int(words[0])) * max(0, int(words[1]))
+    if head[:2] == b"P2":
+        return pixels
+    # A header can announce anything: no more than the file holds is ever read.
+    return min(pixels, os.fstat(file.fileno()).st_size // (3 if head[:2] == b"P6" else 1))
 
 
-def jpeg_size(file):
+def jpeg_pixels(file):
     file.seek(2)
     while True:
         marker, length = struct.unpack(">HH", file.read(4))
         if 0xFFC0 <= marker <= 0xFFCF and marker not in (0xFFC4, 0xFFC8, 0xFFCC):
-            _, height, width, bands = struct.unpack(">BHHB", file.read(6))
-            return width * height, bands
+            _, height, width = struct.unpack(">BHH", file.read(5))
+            return width * height
         file.seek(length - 2, os.SEEK_CUR)
 
 
-def tiff_size(head, file):
+def tiff_pixels(head, file):
     order = "<" if head[:2] == b"II" else ">"
     is_big = struct.unpack(order + "H", head[2:4])[0] == 43
     start, count, entry = ("Q", "Q", "HHQ") if is_big else ("I", "H", "HHI")
+
+    def read(form):
+        return struct.unpack(order + form, file.read(struct.calcsize(order + form)))
+
     file.seek(struct.unpack(order + start, head[8:16] if is_big else head[4:8])[0])
-    read = lambda form: struct.unpack(order + form, file.read(struct.calcsize(order + form)))
     tags = {}
     for _ in range(read(count)[0]):
         tag, kind, _ = read(entry)
         value = file.read(8 if is_big else 4)
         tags[tag] = struct.unpack_from(order + {3: "H", 4: "I", 16: "Q"}.get(kind, "B"), value)[0]
-    return tags[256] * tags[257], tags.get(277, 1)
+    return tags[256] * tags[257]

@@ -9,6 +9,7 @@ import resource
 import shlex
 import shutil
 import signal
+import stat
 import subprocess
 import sys
 import time
@@ -116,6 +117,8 @@ def seen(path):
         state = os.stat(path)
     except OSError:
         return None  # the program will say so in its own words
+    if not stat.S_ISREG(state.st_mode):
+        raise Failure(f"{path}: no regular file")  # a pipe would keep a program waiting
     return [state.st_size, state.st_mtime_ns]
 
 
