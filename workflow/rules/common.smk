@@ -5,6 +5,7 @@
 
 import functools
 import os
+import shlex
 import shutil
 import sys
 import time
@@ -58,11 +59,18 @@ def input_images(wildcards):
 
 
 def given_images(wildcards):
-    return [(name, 0) for name in images_in(wildcards.batch)]
+    return images_in(wildcards.batch)
 
 
 def all_records(wildcards):
     return [runs.record_path(step, batch) for batch in batches() for step in STEPS]
+
+
+def shell_function(name):
+    """Of a script's name and its arguments: runs it with this Python."""
+    script = os.path.join(workflow.basedir, "scripts", "")
+    text = f'{name}() ( script=$1; shift; exec {shlex.quote(sys.executable)} {shlex.quote(script)}"$script".py "$@" ); '
+    return text.replace("{", "{{").replace("}", "}}")  # the engine fills in what stands in braces
 
 
 def keep_to_this_machine():

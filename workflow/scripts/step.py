@@ -1,7 +1,8 @@
 # Copyright the Seedforest authors
 # SPDX-License-Identifier: Apache-2.0
 """One step for one batch: runs a program on each image, in a private folder, and delivers its output by
-renaming. An image that fails is noted with the program's own line and does not stop the others."""
+renaming. An image that fails is noted with the program's own line and does not stop the others.
+In the folder of the results: step.py STEP BATCH MEMORY_MB"""
 
 import os
 import re
@@ -130,34 +131,33 @@ def line_of_failure(lines, status, program):
     return (own or lines[-1:] or [f"{program}: status {status}"])[0]
 
 
-def work(step, images, batch, record):
-    """images: names, each with the label of its ground, or 0."""
+def given(step, batch):
+    """The images of a batch for which all is done so far, each with the label of its ground, or 0."""
+    if TAKES[step] == ["image"]:
+        return [(image, 0) for image in runs.read_json(runs.batch_path(batch))]
+    source = "seeds" if step == "segment" else "segment"
+    entries = runs.read_json(runs.record_path(source, batch))["images"]
+    return [(entry["image"], entry["ground"]) for entry in entries if entry["status"] == "done"]
+
+
+def main(name, batch, memory_mb):
     started = time.time()
+    runs.share_jobs_lock()
+    config = runs.read_json("run.json")["config"]
+    step = Step(name, config["images"], config["programs"], config.get(name, ""), int(memory_mb))
+    record = runs.record_path(name, batch)
     again = runs.earlier(record)
     before = {entry["image"]: entry for entry in runs.read_json(again, {}).get("images", [])}
     entries = []
-    for image, ground in images:
+    for image, ground in given(name, batch):
         entry = step.entry(image, ground, before.get(image, {}))
         entries.append(entry)
         if entry["status"] == "failed":
-            print(f"{image!r}: {entry['line']}", file=sys.stderr, flush=True)
+            print(f"{image!a}: {entry['line']}", file=sys.stderr, flush=True)
     runs.write_json({"batch": batch, "started": started, "ended": time.time(), "images": entries}, record)
     if os.path.exists(again):
         os.remove(again)
 
 
-def main(job):
-    sys.stderr = open(job.log[0], "w", encoding="utf-8", errors="backslashreplace")
-    runs.share_jobs_lock()
-    given = job.params.images
-    if given is None:  # those for which the step before was done
-        given = [
-            (entry["image"], entry["ground"])
-            for entry in runs.read_json(job.input[0])["images"]
-            if entry["status"] == "done"
-        ]
-    step = Step(job.rule, job.config["images"], job.config["programs"], job.params.options, job.resources.mem_mb)
-    work(step, given, job.wildcards.batch, job.output[0])
-
-
-main(snakemake)  # noqa: F821, given by the engine
+if __name__ == "__main__":
+    main(*sys.argv[1:])

@@ -1,7 +1,8 @@
 # Copyright the Seedforest authors
 # SPDX-License-Identifier: Apache-2.0
 """What a run made of a folder: one table of all objects, a list of failures, and a page with both in
-numbers and pictures. Made from the records, so that it can be made at any time, of any part."""
+numbers and pictures. Made from the records, so that it can be made at any time, of any part.
+In the folder of the results: summary.py"""
 
 import collections
 import csv
@@ -166,3 +167,8 @@ def template():
 def sentence(failure):
     where = failure["image"] or (f"batch {failure['batch']}" if failure["batch"] else "")
     return ": ".join(part for part in (where, failure["step"], failure["line"]) if part)
+
+
+if __name__ == "__main__":
+    run = runs.read_json("run.json")
+    make(run["batches"], run["config"])
