@@ -21,7 +21,6 @@ import summary
 
 # In the cluster's jobs the workflow is read again: there the folder is not listed once more.
 IS_ENGINE = workflow.mode == Mode.default
-STEPS = ("seeds", "segment", "measure", "paint")
 
 
 def absolute_paths(config):
@@ -63,7 +62,7 @@ def given_images(wildcards):
 
 
 def all_records(wildcards):
-    return [runs.record_path(step, batch) for batch in batches() for step in STEPS]
+    return [runs.record_path(step, batch) for batch in batches() for step in summary.steps(config)]
 
 
 def shell_function(name):
@@ -109,7 +108,7 @@ def check_job():
 
 
 def start_run():
-    for step in STEPS:
+    for step in summary.steps(config):
         program = f"seedforest-{step}"
         if not shutil.which(os.path.join(config["programs"], program)):
             raise WorkflowError(f"no program {program}: name its folder as programs, or put it into the PATH")
@@ -132,9 +131,9 @@ def end_run(is_complete):
             summary.make(list(batches()), config)
         except OSError as error:
             print(f"the report cannot be made: {error}", file=sys.stderr)
-    failures = summary.failures_of(list(batches()), config["images"])
+    failures = summary.failures_of(list(batches()), config)
     for batch in {failure["batch"] for failure in failures if failure["image"]}:
-        for step in STEPS:
+        for step in summary.steps(config):
             runs.take_back(runs.record_path(step, batch))
     for failure in failures[:10]:
         print(summary.sentence(failure), file=sys.stderr)

@@ -9,6 +9,9 @@ import os
 import sys
 import tempfile
 
+# The step whose record says what a step has to do.
+SOURCE = {"seeds": None, "segment": "seeds", "measure": "segment", "paint": "segment"}
+
 WORK = "work"  # beside the results, so that a rename delivers
 JOBS_LOCK = ".jobs.lock"  # each job shares it, so that nobody cleans up while one is at work
 ENGINE_LOCK = ".engine.lock"

@@ -131,32 +131,38 @@ def line_of_failure(lines, status, program):
     return (own or lines[-1:] or [f"{program}: status {status}"])[0]
 
 
-def given(step, batch):
-    """The images of a batch for which all is done so far, each with the label of its ground, or 0."""
-    if TAKES[step] == ["image"]:
-        return [(image, 0) for image in runs.read_json(runs.batch_path(batch))]
-    source = "seeds" if step == "segment" else "segment"
-    entries = runs.read_json(runs.record_path(source, batch))["images"]
-    return [(entry["image"], entry["ground"]) for entry in entries if entry["status"] == "done"]
-
-
 def main(name, batch, memory_mb):
     started = time.time()
     runs.share_jobs_lock()
     config = runs.read_json("run.json")["config"]
     step = Step(name, config["images"], config["programs"], config.get(name, ""), int(memory_mb))
-    record = runs.record_path(name, batch)
-    again = runs.earlier(record)
+    source = runs.read_json(runs.record_path(runs.SOURCE[name], batch)) if runs.SOURCE[name] else None
+    target = runs.record_path(name, batch)
+    again = runs.earlier(target)
     before = {entry["image"]: entry for entry in runs.read_json(again, {}).get("images", [])}
     entries = []
-    for image, ground in given(name, batch):
+    for image, ground in given(source, batch):
         entry = step.entry(image, ground, before.get(image, {}))
         entries.append(entry)
         if entry["status"] == "failed":
             print(f"{image!a}: {entry['line']}", file=sys.stderr, flush=True)
-    runs.write_json({"batch": batch, "started": started, "ended": time.time(), "images": entries}, record)
+    record = {
+        "options": config.get(name, ""),
+        "after": source["ended"] if source else None,
+        "started": started,
+        "ended": time.time(),
+        "images": entries,
+    }
+    runs.write_json(record, target)
     if os.path.exists(again):
         os.remove(again)
+
+
+def given(source, batch):
+    """The images of a batch for which all is done so far, each with the label of its ground, or 0."""
+    if source is None:
+        return [(image, 0) for image in runs.read_json(runs.batch_path(batch))]
+    return [(entry["image"], entry["ground"]) for entry in source["images"] if entry["status"] == "done"]
 
 
 if __name__ == "__main__":

@@ -15,39 +15,53 @@ import jinja2
 
 import runs
 
-STEPS = {"seeds": "roots", "segment": "labels", "measure": "tables", "paint": "overlays"}
+
+def steps(config):
+    return ["seeds", "segment", "measure"] + (["paint"] if config["paint"] != "none" else [])
 
 
-def records_of(batches):
-    """Of each batch its records by step; None where the job has not ended well."""
+def records_of(batches, config):
+    """Of each batch its records by step; None where the job has not ended well, or did so before the
+    settings changed or the step before it was done again."""
     for batch in batches:
-        yield batch, {step: runs.read_json(runs.record_path(step, batch)) for step in STEPS}
+        records = {None: {"ended": None}}
+        for step in steps(config):
+            record, source = runs.read_json(runs.record_path(step, batch)), records[runs.SOURCE[step]]
+            is_of_now = (
+                record is not None
+                and source is not None
+                and record["after"] == source["ended"]
+                and record["options"] == config.get(step, "")
+            )
+            records[step] = record if is_of_now else None
+        del records[None]
+        yield records
 
 
-def failures_of(batches, folder):
+def failures_of(batches, config):
     """Dictionaries of batch, image, step, line. The image is empty where a whole job failed."""
     if not batches:
-        return [{"batch": "", "image": "", "step": "list", "line": f"no images in {folder}"}]
+        return [{"batch": "", "image": "", "step": "list", "line": f"no images in {config['images']}"}]
     found = []
-    for batch, records in records_of(batches):
+    for batch, records in zip(batches, records_of(batches, config)):
         for step, record in records.items():
-            if record is None:
+            if record is not None:
+                found += [
+                    {"batch": batch, "image": entry["image"], "step": step, "line": entry["line"]}
+                    for entry in record["images"]
+                    if entry["status"] == "failed"
+                ]
+            elif runs.SOURCE[step] is None or records[runs.SOURCE[step]] is not None:
                 line = f"the job did not end; logs/{step}/{batch}.log may say why"
                 found.append({"batch": batch, "image": "", "step": step, "line": line})
-                break  # nor did those that wait for it
-            found += [
-                {"batch": batch, "image": entry["image"], "step": step, "line": entry["line"]}
-                for entry in record["images"]
-                if entry["status"] == "failed"
-            ]
     return found
 
 
-def done_images(batches, step):
+def done_images(batches, config, step):
     """Sorted: what is made of them does not depend on the batches."""
     return sorted(
         entry["image"]
-        for _, records in records_of(batches)
+        for records in records_of(batches, config)
         for entry in (records[step] or {"images": []})["images"]
         if entry["status"] == "done"
     )
@@ -86,6 +100,13 @@ def write_objects(tables, target):
     return counts, classes
 
 
+def write_failures(failures, target):
+    with open(target, "w", newline="", encoding="utf-8", errors="surrogateescape") as file:
+        out = csv.DictWriter(file, ["batch", "image", "step", "line"], lineterminator="\n")
+        out.writeheader()
+        out.writerows(failures)
+
+
 def class_of(area):
     return math.floor(2 * math.log2(area))  # two classes for each doubling
 
@@ -103,12 +124,12 @@ def bars_of(classes):
 # ----- the page
 
 
-def times_of(batches):
+def times_of(batches, config):
     """For each step: images, seconds of the programs, the slowest image; what an earlier start had done
     is left out."""
     since = runs.read_json("run.json")["started"]
-    times = {step: {"images": 0, "seconds": 0.0, "slowest": (0.0, "")} for step in STEPS}
-    for _, records in records_of(batches):
+    times = {step: {"images": 0, "seconds": 0.0, "slowest": (0.0, "")} for step in steps(config)}
+    for records in records_of(batches, config):
         for step, record in records.items():
             if record is None or record["ended"] < since:
                 continue
@@ -126,33 +147,31 @@ def sample_of(names, count):
 
 def make(batches, config):
     """Writes objects.csv, failures.csv and report.html."""
-    failures = failures_of(batches, config["images"])
-    times, wall = times_of(batches)
+    failures = failures_of(batches, config)
+    times, wall = times_of(batches, config)
     images = [name for batch in batches for name in runs.read_json(runs.batch_path(batch))]
+    painted = done_images(batches, config, "paint") if "paint" in steps(config) else []
     with runs.workplace() as place:
-        path = lambda name: os.path.join(place, name)
-        counts, classes = write_objects(done_images(batches, "measure"), path("objects.csv"))
-        with open(path("failures.csv"), "w", newline="", encoding="utf-8", errors="surrogateescape") as file:
-            out = csv.DictWriter(file, ["batch", "image", "step", "line"], lineterminator="\n")
-            out.writeheader()
-            out.writerows(failures)
+        made = {name: os.path.join(place, name) for name in ("objects.csv", "failures.csv", "report.html")}
+        counts, classes = write_objects(done_images(batches, config, "measure"), made["objects.csv"])
+        write_failures(failures, made["failures.csv"])
         page = template().render(
             config=config,
             images=len(images),
-            whole=len(set(done_images(batches, "paint")) & set(counts)),
+            whole=len(set(counts).intersection(painted) if "paint" in steps(config) else counts),
             objects=sum(counts.values()),
             failures=failures,
             bars=bars_of(classes),
             times=times,
             wall=wall,
             made=time.strftime("%Y-%m-%d %H:%M:%S"),
-            pictures=sample_of(done_images(batches, "paint"), config["thumbnails"]),
+            pictures=sample_of(painted, config["thumbnails"]),
             counts=counts,
         )
-        with open(path("report.html"), "w", encoding="utf-8", errors="backslashreplace") as file:
+        with open(made["report.html"], "w", encoding="utf-8", errors="backslashreplace") as file:
             file.write(page)
-        for name in ("objects.csv", "failures.csv", "report.html"):
-            runs.deliver(path(name), name)
+        for name, path in made.items():
+            runs.deliver(path, name)
 
 
 def template():
