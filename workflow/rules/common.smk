@@ -39,11 +39,15 @@ def batches():
         names = images.list_images(config["images"])
     except OSError as error:
         raise WorkflowError(f"{error.filename}: {error.strerror}")
-    before = runs.read_json("run.json", {})
-    is_like_before = before.get("config", {}).get("batch") == config["batch"]
-    earlier = {batch: runs.read_json(runs.batch_path(batch)) for batch in before["batches"]} if is_like_before else {}
-    return images.batches_of(names, config["batch"], earlier)
+    return images.batches_of(names, config["batch"], earlier_batches())
 
+
+def earlier_batches():
+    """Those of the last start, unless the size has changed since."""
+    before = runs.read_json("run.json")
+    if before is None or before["config"]["batch"] != config["batch"]:
+        return {}
+    return {batch: runs.read_json(runs.batch_path(batch)) for batch in before["batches"]}
 
 
 def images_in(batch):
@@ -68,7 +72,8 @@ def all_records(wildcards):
 def shell_function(name):
     """Of a script's name and its arguments: runs it with this Python."""
     script = os.path.join(workflow.basedir, "scripts", "")
-    text = f'{name}() ( script=$1; shift; exec {shlex.quote(sys.executable)} {shlex.quote(script)}"$script".py "$@" ); '
+    command = f'{shlex.quote(sys.executable)} {shlex.quote(script)}"$script".py "$@"'
+    text = f"{name}() ( script=$1; shift; exec {command} ); "
     return text.replace("{", "{{").replace("}", "}}")  # the engine fills in what stands in braces
 
 
@@ -92,7 +97,8 @@ def memory_for(step):
 
     def mem_mb(wildcards, attempt):
         needed = memory.job_mb(step, config.get(step, ""), *largest_image(wildcards.batch))
-        return min(needed * attempt, config["memory_mb"], workflow.global_resources.get("mem_mb", sys.maxsize))
+        most = min(config["memory_mb"], workflow.global_resources.get("mem_mb", sys.maxsize))
+        return min(needed * attempt, most)
 
     return mem_mb
 
@@ -111,7 +117,7 @@ def start_run():
     for step in summary.steps(config):
         program = f"seedforest-{step}"
         if not shutil.which(os.path.join(config["programs"], program)):
-            raise WorkflowError(f"no program {program}: name its folder as programs, or put it into the PATH")
+            raise WorkflowError(f"no program {program}: set programs to its folder, or put it into the PATH")
     try:
         runs.hold(runs.ENGINE_LOCK)
     except BlockingIOError:
@@ -132,6 +138,8 @@ def end_run(is_complete):
         except OSError as error:
             print(f"the report cannot be made: {error}", file=sys.stderr)
     failures = summary.failures_of(list(batches()), config)
+    if is_complete:  # what was not asked for, as with --until, is no failure
+        failures = [failure for failure in failures if failure["image"] or not failure["batch"]]
     for batch in {failure["batch"] for failure in failures if failure["image"]}:
         for step in summary.steps(config):
             runs.take_back(runs.record_path(step, batch))

@@ -96,7 +96,8 @@ class Step:
         started = time.monotonic()
         try:
             entry["stamp"] = self.stamp(image, ground)
-            if before.get("status") == "done" and before["stamp"] == entry["stamp"] and os.path.exists(target):
+            is_made = before.get("status") == "done" and before["stamp"] == entry["stamp"]
+            if is_made and os.path.exists(target):
                 return {**before, "kept": True}
             for line in self.run(image, ground):
                 label = re.fullmatch(r"the ground has label (\d+), .*", line)
