@@ -132,11 +132,12 @@ def start_run():
 
 def end_run(is_complete):
     """Makes the status 1 where an image failed, and lets the next start try its batch again."""
+    where = os.path.abspath("report.html")
     if not is_complete:
         try:
             summary.make(list(batches()), config)
         except OSError as error:
-            print(f"the report cannot be made: {error}", file=sys.stderr)
+            where = f"no report could be made: {error}"
     failures = summary.failures_of(list(batches()), config)
     if is_complete:  # what was not asked for, as with --until, is no failure
         failures = [failure for failure in failures if failure["image"] or not failure["batch"]]
@@ -146,4 +147,4 @@ def end_run(is_complete):
     for failure in failures[:10]:
         print(summary.sentence(failure), file=sys.stderr)
     if failures:
-        raise WorkflowError(f"{len(failures)} failures; all are in {os.path.abspath('report.html')}")
+        raise WorkflowError(f"{summary.count_of(failures)}: {where}")

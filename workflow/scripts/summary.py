@@ -161,6 +161,7 @@ def make(batches, config):
             whole=len(set(counts).intersection(painted) if "paint" in steps(config) else counts),
             objects=sum(counts.values()),
             failures=failures,
+            failure_count=count_of(failures),
             bars=bars_of(classes),
             times=times,
             wall=wall,
@@ -181,6 +182,10 @@ def template():
     )
     environment.filters["link"] = lambda name: urllib.parse.quote(os.fsencode(name))
     return environment.get_template("report.html.jinja")
+
+
+def count_of(failures):
+    return f"{len(failures)} failure" + ("s" if len(failures) > 1 else "")
 
 
 def sentence(failure):
