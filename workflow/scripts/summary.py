@@ -76,28 +76,42 @@ def table_of(image):
 
 def columns_of(tables):
     """Those of all tables: an image in colours has others than a grey one."""
-    columns = {"label": None}
+    columns = {"label": None, "area": None}
     for image in tables:
         with table_of(image) as table:
             columns.update(dict.fromkeys(table.readline().rstrip("\n").split(",")))
     return list(columns)
 
 
+def rows_of(table, columns):
+    """The lines below the names, with all columns. Their cells are plain numbers."""
+    names = next(table).rstrip("\n").split(",")
+    for line in table:
+        if names != columns:
+            cells = dict(zip(names, line.rstrip("\n").split(",")))
+            line = ",".join(cells.get(name, "") for name in columns) + "\n"
+        yield line
+
+
 def write_objects(tables, target):
     """One table of all, the image in front of each row. Returns how many rows each image has, and how
     many objects are in each class of areas."""
+    columns = columns_of(tables)
     counts, classes = {}, collections.Counter()
     with open(target, "w", newline="", encoding="utf-8", errors="surrogateescape") as file:
-        out = csv.DictWriter(file, ["image", *columns_of(tables)], lineterminator="\n")
-        out.writeheader()
+        file.write(",".join(["image", *columns]) + "\n")
         for image in tables:
-            counts[image] = 0
             with table_of(image) as table:
-                for row in csv.DictReader(table):
-                    out.writerow({"image": image, **row})
-                    counts[image] += 1
-                    classes[class_of(int(row["area"]))] += 1
+                rows = list(rows_of(table, columns))
+            counts[image] = len(rows)
+            classes.update(class_of(int(row.split(",", 2)[1])) for row in rows)
+            name = quoted(image)
+            file.writelines(f"{name},{row}" for row in rows)
     return counts, classes
+
+
+def quoted(name):
+    return '"' + name.replace('"', '""') + '"' if set(name) & set(',"\r\n') else name
 
 
 def write_failures(failures, target):
