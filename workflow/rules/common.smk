@@ -26,8 +26,6 @@ IS_ENGINE = workflow.mode == Mode.default
 def absolute_paths(config):
     for key in ("images", "results", "programs"):
         config[key] = os.path.abspath(config[key]) if config[key] else ""
-    if IS_ENGINE and not os.path.isdir(config["images"]):
-        raise WorkflowError(f"no folder {config['images']}")
     if os.path.commonpath([config["images"], config["results"]]) == config["images"]:
         raise WorkflowError("the folder for the results lies in that of the images")
 
