@@ -51,7 +51,7 @@ struct Problem {
   int nObjects;
 
   explicit Problem(const benchmark::State &state)
-      : image(benchImage(micrographImage, static_cast<int>(state.range(0)))),
+      : image(bench::drawGrey({bench::Drawing::micrograph, static_cast<int>(state.range(0))})),
         labels(imCreateImage(1, imTypeAscii, image->ncols, image->nrows)),
         costs(imCreateImage(1, imTypeAscii, image->ncols, image->nrows)),
         seeds(seedforest::detail::createRoots((image->npixels - 1) / spacing + 1)),

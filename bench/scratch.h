@@ -1,0 +1,54 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
+// What measurements leave nothing of behind: progress lines, temporary files.
+#pragma once
+
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <unistd.h>
+
+/// While an object lives, standard output goes to /dev/null: progress lines then take little time
+/// and do not mix with the report.
+class SilentProgress {
+public:
+  SilentProgress() : output_(dup(STDOUT_FILENO)) {
+    const int nowhere = open("/dev/null", O_WRONLY);
+    std::fflush(stdout);
+    dup2(nowhere, STDOUT_FILENO);
+    close(nowhere);
+  }
+  ~SilentProgress() {
+    std::fflush(stdout);
+    dup2(output_, STDOUT_FILENO);
+    close(output_);
+  }
+  SilentProgress(const SilentProgress &) = delete;
+  SilentProgress &operator=(const SilentProgress &) = delete;
+
+  /// The descriptor that standard output had.
+  int output() const { return output_; }
+
+private:
+  int output_;
+};
+
+/// The path of a temporary file, which the destructor removes.
+class ScratchFile {
+public:
+  explicit ScratchFile(const std::string &ending = "")
+      : path_((std::filesystem::temp_directory_path() /
+               ("seedforest-bench-" + std::to_string(std::random_device{}()) + ending))
+                  .string()) {}
+  ~ScratchFile() { std::remove(path_.c_str()); }
+  ScratchFile(const ScratchFile &) = delete;
+  ScratchFile &operator=(const ScratchFile &) = delete;
+
+  const char *path() const { return path_.c_str(); }
+
+private:
+  std::string path_;
+};
