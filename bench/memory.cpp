@@ -19,20 +19,9 @@ namespace bench {
 
 namespace {
 
-// The memory of this process that is in use, in bytes.
-double residentBytes() {
-  std::FILE *file = std::fopen("/proc/self/statm", "r");
-  long size = 0;
-  long resident = 0;
-  if (file == nullptr || std::fscanf(file, "%ld %ld", &size, &resident) != 2)
-    std::abort();
-  std::fclose(file);
-  return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE));
-}
-
-// Does `work` in a child; the most memory that it used. Ends badly where the child did.
+// Does `work` in a child; the most memory that it had, in bytes. Throws where the child failed.
 template <class Work>
-rusage usageOfChild(Work work) {
+double peakOfChild(Work work) {
   const pid_t child = fork();
   if (child == 0) {
     work();
@@ -42,19 +31,18 @@ rusage usageOfChild(Work work) {
   rusage usage = {};
   if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
     throw std::runtime_error("a process to measure memory with failed");
-  return usage;
+  return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 
 double bytesPerPixel(const MakeJobFn &make, Scene scene) {
   int channel[2];
   if (pipe(channel) != 0)
     throw std::runtime_error("no pipe");
-  usageOfChild([&] {
-    const double before = residentBytes();
+  peakOfChild([&] {
+    const double before = peakOfChild([] {});
     Job job = make(scene);
-    const rusage usage = usageOfChild([&] { job.run(); });
+    const double bytes = peakOfChild([&] { job.run(); }) - before;
     job = {}; // removes its files
-    const double bytes = static_cast<double>(usage.ru_maxrss) * 1024 - before;
     if (write(channel[1], &bytes, sizeof bytes) != sizeof bytes)
       std::abort();
   });
@@ -132,6 +120,7 @@ std::vector<Peak> measureToolMemory(int side, std::FILE *report) {
   const std::vector<std::vector<const char *>> options = {
       {"regMax", "0", "255"}, {"regMin", "0", "255"}, {"dt"}, {"join"}, {"frame", "0"}, {"labels"},
       {"cells", "5"}};
+  const ScratchFolder folder({"labeled.pgm"}); // `cells` writes it
   std::fprintf(report, "%s", title);
   Collection all = {report, {}};
   for (const std::vector<const char *> &option : options) {

@@ -10,7 +10,6 @@
 #include <map>
 #include <sstream>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace bench {
 
@@ -34,15 +33,18 @@ std::string processor() {
   return "an unnamed processor";
 }
 
+// The size of a cache as the system gives it: 0 to 3 for those of the first processor.
+std::string cache(int index) {
+  std::ifstream file("/sys/devices/system/cpu/cpu0/cache/index" + std::to_string(index) + "/size");
+  std::string size;
+  std::getline(file, size);
+  return size;
+}
+
 std::string machine() {
   std::string text = processor();
-#ifdef _SC_LEVEL2_CACHE_SIZE
-  const long second = sysconf(_SC_LEVEL2_CACHE_SIZE);
-  const long third = sysconf(_SC_LEVEL3_CACHE_SIZE);
-  if (second > 0 && third > 0)
-    text += ", caches of " + std::to_string(second >> 10) + " KiB (second level) and " +
-            std::to_string(third >> 20) + " MiB (third)";
-#endif
+  if (!cache(3).empty())
+    text += " (caches: " + cache(0) + ", " + cache(2) + ", " + cache(3) + ')';
   return text;
 }
 
@@ -65,13 +67,15 @@ public:
     cells_[{line, column}] = text;
   }
 
+  // A title that holds a bar is that of several columns, and so are the lines.
   std::string markdown(const std::string &title) const {
     std::ostringstream page;
     page << "| " << title << " |";
     for (const std::string &column : columns_)
       page << ' ' << column << " |";
+    const auto more = static_cast<std::size_t>(std::count(title.begin(), title.end(), '|'));
     page << "\n|---|";
-    for (std::size_t i = 0; i < columns_.size(); ++i)
+    for (std::size_t i = 0; i < columns_.size() + more; ++i)
       page << "---|";
     page << '\n';
     for (const std::string &line : lines_) {
@@ -111,16 +115,15 @@ std::string timeTable(const std::vector<Timing> &timings) {
   return table.markdown("job, image | peer");
 }
 
-std::string sizeTable(const std::vector<Growth> &growth) {
+std::string sizeTable(const std::vector<Growth> &growth, int largest) {
   Table table;
-  std::map<std::string, double> last;
   for (const Growth &g : growth)
-    if (g.isNatural) {
+    if (g.isNatural)
       table.set(g.row + ", " + g.image, squared(g.side), shown(g.nanoseconds));
-      last[g.row + ", " + g.image] = g.times;
-    }
-  for (const auto &[line, times] : last)
-    table.set(line, "last by second", shown(times));
+  const std::string ratio = squared(largest) + " by " + squared(largest / 8);
+  for (const Growth &g : growth)
+    if (g.isNatural && g.side == largest)
+      table.set(g.row + ", " + g.image, ratio, shown(g.times));
   return table.markdown("ns a pixel");
 }
 
@@ -186,7 +189,7 @@ void writePage(const std::string &folder, int largest, std::FILE *report) {
   }
   page << ".\n\n## Time\n\n"
        << timeTable(timings) << "\n## Growth\n\n![Cost against size](performance.svg)\n\n"
-       << sizeTable(growth) << "\nImages that are hard for some algorithms, of "
+       << sizeTable(growth, largest) << "\nImages that are hard for some algorithms, of "
        << squared(largest / 4)
        << " pixels, and how often the cost of the natural image of that size it is:\n\n"
        << hardTable(growth)

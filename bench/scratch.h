@@ -1,12 +1,13 @@
 // Copyright the Seedforest authors
 // SPDX-License-Identifier: Apache-2.0
 
-// What measurements leave nothing of behind: progress lines, temporary files.
+// What keeps measurements from leaving anything behind: progress lines, temporary files.
 #pragma once
 
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <initializer_list>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -51,4 +52,28 @@ public:
 
 private:
   std::string path_;
+};
+
+/// While an object lives, the current directory is a new one in which the files named are links to
+/// /dev/null: operations that write there format their images, but store nothing.
+class ScratchFolder {
+public:
+  explicit ScratchFolder(std::initializer_list<const char *> files)
+      : before_(std::filesystem::current_path()), folder_(name_.path()) {
+    std::filesystem::create_directory(folder_);
+    std::filesystem::current_path(folder_);
+    for (const char *file : files)
+      std::filesystem::create_symlink("/dev/null", file);
+  }
+  ~ScratchFolder() {
+    std::filesystem::current_path(before_);
+    std::filesystem::remove_all(folder_);
+  }
+  ScratchFolder(const ScratchFolder &) = delete;
+  ScratchFolder &operator=(const ScratchFolder &) = delete;
+
+private:
+  ScratchFile name_;
+  std::filesystem::path before_;
+  std::filesystem::path folder_;
 };

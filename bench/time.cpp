@@ -32,17 +32,17 @@ double medianOf(std::vector<double> values) {
   return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
 }
 
-// Takes turns; short jobs are run several times in a round, and more rounds are made of short ones.
-void race(std::vector<Contestant> &contestants) {
+// Takes turns; short jobs are run several times in a round, and more rounds are made of short ones,
+// until it is enough.
+void race(std::vector<Contestant> &contestants, int leastRounds, double enough) {
   constexpr double shortest = 2e7; // nanoseconds
-  constexpr double enough = 5e9;
   double round = 0;
   for (Contestant &contestant : contestants) {
     const double time = timeOf(contestant);
     contestant.repeats = std::max(1, static_cast<int>(std::ceil(shortest / time)));
     round += contestant.repeats * time;
   }
-  const int rounds = std::clamp(static_cast<int>(enough / round), 5, 15);
+  const int rounds = std::clamp(static_cast<int>(enough / round), leastRounds, 15);
   for (int i = 0; i < rounds; ++i)
     for (Contestant &contestant : contestants)
       contestant.times.push_back(timeOf(contestant));
@@ -103,7 +103,7 @@ std::vector<Timing> timesOf(const Row &row, Scene scene) {
     if (peer.isSameSum)
       requireSameSum(title, ours, contestants.back().job.sum());
   }
-  race(contestants);
+  race(contestants, 5, 5e9);
 
   const double pixels = double(scene.side) * scene.side;
   if (peers.empty()) {
@@ -136,12 +136,9 @@ std::vector<Row> rowsThatBegin(const std::string &filter) {
 }
 
 double nanosecondsOf(const Job &job) {
-  job.run();
   std::vector<Contestant> alone(1);
   alone.front().job = job;
-  alone.front().repeats = 1;
-  for (int i = 0; i < 3; ++i)
-    alone.front().times.push_back(timeOf(alone.front()));
+  race(alone, 3, 1e9);
   return medianOf(alone.front().times);
 }
 

@@ -107,6 +107,8 @@ std::vector<Peer> itkPeers() {
   itk::MultiThreaderBase::SetGlobalMaximumNumberOfThreads(1);
   itk::MultiThreaderBase::SetGlobalDefaultNumberOfThreads(1);
   const std::string itk = std::string("ITK ") + itk::Version::GetITKVersion();
+  // It sorts all pixels but the last one, which leaves sums a few grey levels apart.
+  const std::string area = "AreaOpening: no labels";
   const std::string values = "ReconstructionByDilation: values only";
   return {
       {"mask of maxima", itk, "RegionalMaxima", true, maskOfMaxima},
@@ -115,8 +117,8 @@ std::vector<Peer> itkPeers() {
        watershed},
       {"reconstruction from every pixel", itk, values, true, reconstruction},
       {"reconstruction of a marker", itk, values, true, reconstruction},
-      {"area opening 50", itk, "AreaOpening: no labels", true, areaOpening<50>},
-      {"area opening 1000", itk, "AreaOpening: no labels", true, areaOpening<1000>},
+      {"area opening 50", itk, area, false, areaOpening<50>},
+      {"area opening 1000", itk, area, false, areaOpening<1000>},
   };
 }
 
