@@ -91,8 +91,8 @@ int main(int argc, char **argv) {
   std::FILE *report = fdopen(dup(silent.output()), "w");
   try {
     const CommandLine line(argc, argv);
-    if (line.largest < 64)
-      throw std::runtime_error("--largest is at least 64");
+    if (line.largest < 512)
+      throw std::runtime_error("--largest is at least 512");
     if (!run(line, report)) {
       std::fprintf(stderr, "usage: performance time [ROW] [--side N] | growth [ROW] | memory [ROW] "
                            "| once ROW IMAGE SIDE | write FOLDER | list   [--largest N]\n");

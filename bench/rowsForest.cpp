@@ -28,7 +28,7 @@ Job watershed(Scene scene) {
     ifRootsPtr seeds = gridSeeds(image.get());
     imImagePtr forest{imCreateImage(3, imTypeWork, image->ncols, image->nrows)};
   };
-  const auto work = std::make_shared<Work>(drawGrey(scene));
+  const auto work = std::make_shared<Work>(Work{drawGrey(scene)});
   return {[work] {
             iftNonNormalized(work->image.get(), work->forest.get(), imNeighborhood8, weight, 255,
                              ifPathCostMax, work->seeds.get());
@@ -57,7 +57,7 @@ Job reconstructionFromEveryPixel(Scene scene) {
     Filter filter;
     ifRootsPtr roots = everyPixelAsRoot(filter.image.get());
   };
-  const auto work = std::make_shared<Work>(Filter{drawGrey(scene), nullptr, nullptr});
+  const auto work = std::make_shared<Work>(Work{{drawGrey(scene), nullptr, nullptr}});
   return {[work] {
             work->filter.run([&](const imImage *image, imImage **filtered, imImage **labels) {
               ifReconstr(image, nullptr, work->roots.get(), 1, filtered, labels);

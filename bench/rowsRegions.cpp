@@ -69,7 +69,7 @@ Job pixelTree(Scene scene) {
     imImagePtr image;
     imImagePtr forest{imCreateImage(2, imTypeWork, image->ncols, image->nrows)};
   };
-  const auto work = std::make_shared<Work>(drawGrey(scene));
+  const auto work = std::make_shared<Work>(Work{drawGrey(scene)});
   return {
       [work] { iftPrim(work->image.get(), work->forest.get(), imNeighborhood4, ifMaxDistance); },
       [work] { return sumOf(work->forest.get()) / 49; }};

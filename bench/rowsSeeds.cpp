@@ -26,7 +26,7 @@ Job copying(Scene scene) {
     imImagePtr image;
     imImagePtr copy{imCopyImage(image.get())};
   };
-  const auto work = std::make_shared<Work>(drawGrey(scene));
+  const auto work = std::make_shared<Work>(Work{drawGrey(scene)});
   return {[work] { std::copy_n(work->image->band[0], work->image->npixels, work->copy->band[0]); },
           [work] { return sumOf(work->copy.get()); }};
 }
@@ -112,7 +112,7 @@ Job distancesFrom(Scene scene) {
     ifRootsPtr roots = rootsOf(shapes.get());
     imImagePtr result{imCreateImage(3, imTypeWork, shapes->ncols, shapes->nrows)};
   };
-  const auto work = std::make_shared<Work>(drawShapes(scene));
+  const auto work = std::make_shared<Work>(Work{drawShapes(scene)});
   return {[work] { distances(work->shapes.get(), work->result.get(), work->roots.get()); },
           [work] { return sumOf(work->result.get(), 1); }};
 }

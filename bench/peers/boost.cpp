@@ -73,7 +73,7 @@ struct Regions {
 };
 
 Job regionGraph(Scene scene) {
-  const auto work = std::make_shared<Regions>(drawMosaic(scene));
+  const auto work = std::make_shared<Regions>(Regions{drawMosaic(scene)});
   return {[work] {
             const Graph graph = graphOf(work->labels.get(), [](auto, auto) { return 0; });
             work->result = static_cast<double>(boost::num_edges(graph));
@@ -82,7 +82,7 @@ Job regionGraph(Scene scene) {
 }
 
 Job regionTree(Scene scene) {
-  const auto work = std::make_shared<Regions>(drawMosaic(scene));
+  const auto work = std::make_shared<Regions>(Regions{drawMosaic(scene)});
   return {[work] {
             const std::vector<int> &features = work->features;
             const Graph graph = graphOf(work->labels.get(), [&](std::size_t a, std::size_t b) {

@@ -22,7 +22,7 @@ Job watershed(Scene scene) {
     ifRootsPtr seeds = gridSeeds(image.get());
     imImagePtr forest{imCreateImage(3, imTypeWork, image->ncols, image->nrows)};
   };
-  const auto work = std::make_shared<Work>(drawGrey(scene));
+  const auto work = std::make_shared<Work>(Work{drawGrey(scene)});
   return {[work] {
             const int *value = work->image->band[0];
             const auto weigh = [value](int, int q) { return value[q]; };
@@ -45,7 +45,7 @@ Job dilation(Scene scene) {
     imImagePtr in;
     imImagePtr out{imCopyImage(in.get())};
   };
-  const auto work = std::make_shared<Work>(drawGrey(scene));
+  const auto work = std::make_shared<Work>(Work{drawGrey(scene)});
   return {[work] { plainDilate(work->in.get(), work->out.get(), s); },
           [work] { return sumOf(work->out.get()); }};
 }
