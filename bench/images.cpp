@@ -163,6 +163,12 @@ imImagePtr drawColour(Scene scene) {
   return colour;
 }
 
+imImagePtr drawOfType(char type, Scene scene) {
+  imImagePtr image = type == imTypeColor ? drawColour(scene) : drawGrey(scene);
+  image->type = type;
+  return image;
+}
+
 ifRootsPtr gridSeeds(const imImage *image) {
   const int step = 40;
   const int columns = (image->ncols + step - 1) / step;

@@ -53,6 +53,9 @@ imImagePtr drawBricks(int side, int brick);
 /// photographs; else made of the grey values.
 imImagePtr drawColour(Scene scene);
 
+/// The colours for type colour, else the grey image, with that type.
+imImagePtr drawOfType(char type, Scene scene);
+
 /// Single seeds, one every 40 pixels or so, each with a label of its own and its pixel's value.
 ifRootsPtr gridSeeds(const imImage *image);
 

@@ -19,6 +19,12 @@ struct Job {
   std::function<double()> sum; ///< of the last run's result: not timed
 };
 
+/// What most of our jobs hold.
+struct OneToOne {
+  imImagePtr in;
+  imImagePtr out;
+};
+
 /// Makes a job on a scene, inputs included.
 using MakeJobFn = std::function<Job(Scene)>;
 

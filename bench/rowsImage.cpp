@@ -14,11 +14,6 @@ namespace bench {
 
 namespace {
 
-struct OneToOne {
-  imImagePtr in;
-  imImagePtr out;
-};
-
 double sumOfBands(const imImage *image) {
   double sum = 0;
   for (int b = 0; b < image->nbands; ++b)
@@ -46,12 +41,6 @@ Job morphology(Scene scene) {
           [work] { return sumOf(work->out.get()); }};
 }
 
-imImagePtr drawFor(char type, Scene scene) {
-  imImagePtr image = type == imTypeColor ? drawColour(scene) : drawGrey(scene);
-  image->type = type;
-  return image;
-}
-
 template <char type>
 Job reading(Scene scene) {
   struct Work {
@@ -59,7 +48,7 @@ Job reading(Scene scene) {
     imImagePtr image;
   };
   const auto work = std::make_shared<Work>();
-  imSaveImage(work->file.path(), drawFor(type, scene).get());
+  imSaveImage(work->file.path(), drawOfType(type, scene).get());
   return {[work] {
             work->image.reset(); // its memory serves again
             imImage *image = nullptr;
@@ -76,7 +65,7 @@ Job writing(Scene scene) {
     imImagePtr image;
   };
   const auto work = std::make_shared<Work>();
-  work->image = drawFor(type, scene);
+  work->image = drawOfType(type, scene);
   return {[work] { imSaveImage(work->file.path(), work->image.get()); },
           [work] {
             imImage *image = nullptr;

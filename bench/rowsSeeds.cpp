@@ -72,11 +72,6 @@ Job labelledMaxima(Scene scene) {
           }};
 }
 
-struct OneToOne {
-  imImagePtr in;
-  imImagePtr out;
-};
-
 Job maskOfMaxima(Scene scene) {
   const auto work = std::make_shared<OneToOne>(OneToOne{drawGrey(scene), nullptr});
   return {[work] {

@@ -71,12 +71,6 @@ Job openCloseFilter(Scene scene) {
           [work] { return sumOf(work->out); }};
 }
 
-imImagePtr drawFor(char type, Scene scene) {
-  imImagePtr image = type == imTypeColor ? drawColour(scene) : drawGrey(scene);
-  image->type = type;
-  return image;
-}
-
 template <char type>
 Job reading(Scene scene) {
   struct Files {
@@ -84,7 +78,7 @@ Job reading(Scene scene) {
     cv::Mat image;
   };
   const auto work = std::make_shared<Files>();
-  imSaveImage(work->file.path(), drawFor(type, scene).get());
+  imSaveImage(work->file.path(), drawOfType(type, scene).get());
   return {[work] {
             work->image.release();
             work->image = cv::imread(work->file.path(), cv::IMREAD_UNCHANGED);
@@ -101,7 +95,7 @@ Job writing(Scene scene) {
   const auto work = std::make_shared<Files>();
   {
     const ScratchFile drawn;
-    imSaveImage(drawn.path(), drawFor(type, scene).get());
+    imSaveImage(drawn.path(), drawOfType(type, scene).get());
     work->image = cv::imread(drawn.path(), cv::IMREAD_UNCHANGED);
   }
   return {[work] {
