@@ -5,15 +5,11 @@
 // same run: compare ratios to it, not seconds.
 #pragma once
 
+#include "bench/scratch.h"
+
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-#include <fcntl.h>
-#include <filesystem>
-#include <random>
-#include <string>
 #include <sys/resource.h>
-#include <unistd.h>
 
 /// The side of the images measured, in pixels.
 inline constexpr int benchSide = 4096;
@@ -32,42 +28,3 @@ inline void reportPeakMemory(benchmark::State &state, double pixels) {
   getrusage(RUSAGE_SELF, &usage);
   state.counters["peak bytes/pixel"] = static_cast<double>(usage.ru_maxrss) * 1024 / pixels;
 }
-
-/// While an object lives, standard output goes to /dev/null: progress lines then take little time
-/// and do not mix with the benchmark's report.
-class SilentProgress {
-public:
-  SilentProgress() : output_(dup(STDOUT_FILENO)) {
-    const int nowhere = open("/dev/null", O_WRONLY);
-    std::fflush(stdout);
-    dup2(nowhere, STDOUT_FILENO);
-    close(nowhere);
-  }
-  ~SilentProgress() {
-    std::fflush(stdout);
-    dup2(output_, STDOUT_FILENO);
-    close(output_);
-  }
-  SilentProgress(const SilentProgress &) = delete;
-  SilentProgress &operator=(const SilentProgress &) = delete;
-
-private:
-  int output_;
-};
-
-/// The path of a temporary file, which the destructor removes.
-class ScratchFile {
-public:
-  ScratchFile()
-      : path_((std::filesystem::temp_directory_path() /
-               ("seedforest-bench-" + std::to_string(std::random_device{}())))
-                  .string()) {}
-  ~ScratchFile() { std::remove(path_.c_str()); }
-  ScratchFile(const ScratchFile &) = delete;
-  ScratchFile &operator=(const ScratchFile &) = delete;
-
-  const char *path() const { return path_.c_str(); }
-
-private:
-  std::string path_;
-};

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <functional>
 #include <map>
+#include <random>
 #include <variant>
 
 using namespace seedforest;
@@ -27,33 +28,21 @@ enum Pattern { natural, noise, spiral, checkerboard, comb, manyMaxima, oneRow, c
 constexpr const char *patternNames[] = {"micrograph", "noise",       "spiral",  "checkerboard",
                                         "comb",       "many maxima", "one row", "constant"};
 
-int valueAt(Pattern pattern, int x, int y, std::mt19937 &random) {
-  switch (pattern) {
-  case checkerboard:
-    return (x + y) % 2 == 0 ? 200 : 50;
-  case comb: // teeth of width 1, joined at the top
-    return y == 0 || x % 2 == 0 ? 180 : 20;
-  case manyMaxima: // one in each 2 x 2 pixels
-    return x % 2 == 0 && y % 2 == 0 ? 128 + static_cast<int>(random() % 128) : 100;
-  case oneRow:
-    return static_cast<int>(random() % 256);
-  default:
-    return 7;
-  }
+bench::Drawing drawingOf(Pattern pattern) {
+  using bench::Drawing;
+  constexpr Drawing drawings[] = {Drawing::micrograph,   Drawing::noise,   Drawing::spiral,
+                                  Drawing::checkerboard, Drawing::comb,    Drawing::manyMaxima,
+                                  Drawing::noise,        Drawing::constant};
+  return drawings[pattern];
 }
 
 Image draw(Pattern pattern, int side) {
-  if (pattern == natural || pattern == noise || pattern == spiral)
-    return Image(benchImage(pattern == natural ? micrographImage
-                            : pattern == noise ? noiseImage
-                                               : spiralImage,
-                            side));
-  Image image(pattern == oneRow ? side * side : side, pattern == oneRow ? 1 : side, 1,
-              ImageType::grey);
+  if (pattern != oneRow)
+    return Image(bench::drawGrey({drawingOf(pattern), side}));
+  Image image(side * side, 1, 1, ImageType::grey);
   std::mt19937 random(3);
-  for (int y = 0; y < image.nrows(); ++y)
-    for (int x = 0; x < image.ncols(); ++x)
-      image.at(x, y) = valueAt(pattern, x, y, random);
+  for (int &value : image.pixels())
+    value = static_cast<int>(random() % 256);
   image.setMaxValue(255);
   return image;
 }

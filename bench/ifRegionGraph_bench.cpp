@@ -1,11 +1,11 @@
 // Copyright the Seedforest authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Region graphs of two kinds of mosaics: squares, in the sizes of ordinary images, and a background
-// that touches each of n small regions, with n doubling. Compared with the copy of the label image
-// that each graph contains.
+// Graphs of n regions and merging in them, with n doubling: bricks, and a background that touches
+// each of n small regions.
 
 #include "bench.h"
+#include "images.h"
 
 #include "ift/regions/ifRegionGraph.h"
 #include "ift/regions/ifRegionMerging.h"
@@ -15,22 +15,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <random>
 #include <vector>
 
 namespace {
-
-// Squares of some pixels, shifted from row to row as bricks are, numbered from 1.
-imImagePtr bricks(int side, int brick = 16) {
-  imImagePtr labels(imCreateImage(1, imTypeAscii, side, side));
-  const int perRow = side / brick + 1;
-  for (int p = 0; p < labels->npixels; ++p) {
-    const int row = p / side / brick;
-    labels->band[0][p] = 1 + row * perRow + (p % side + row % 2 * brick / 2) / brick;
-  }
-  labels->maxValue = *std::max_element(labels->band[0], labels->band[0] + labels->npixels);
-  return labels;
-}
 
 // n single pixels, numbered from 2, on a background of label 1.
 imImagePtr star(int n) {
@@ -43,46 +30,13 @@ imImagePtr star(int n) {
   return labels;
 }
 
-void copyLabels(benchmark::State &state) {
-  const imImagePtr labels = bricks(static_cast<int>(state.range(0)));
-  for (auto _ : state)
-    ifGraphPtr(createGraph(labels.get(), 0));
-  reportPerItem(state, "ns/pixel", labels->npixels);
-}
-
-void mosaicToGraph(benchmark::State &state) {
-  const imImagePtr labels = bricks(static_cast<int>(state.range(0)));
-  for (auto _ : state)
-    ifGraphPtr(ifMosaicToGraph(labels.get()));
-  reportPerItem(state, "ns/pixel", labels->npixels);
-  reportPeakMemory(state, labels->npixels);
-}
-
-// A value 0 .. 999 for each label of a mosaic, the same ones every time.
-std::vector<int> randomFeatures(const imImagePtr &labels) {
-  std::mt19937 random(7);
-  std::vector<int> values(static_cast<std::size_t>(labels->maxValue) + 1);
-  std::ranges::generate(values, [&] { return static_cast<int>(random() % 1000); });
-  return values;
-}
-
 // The graph of a mosaic with one feature on each vertex.
 ifGraphPtr graphWithFeature(const imImagePtr &labels) {
   ifGraphPtr graph(copyBaseGraph(ifGraphPtr(ifMosaicToGraph(labels.get())).get(), 1));
-  const std::vector<int> features = randomFeatures(labels);
+  const std::vector<int> features = bench::randomFeatures(labels->maxValue);
   for (int v = 0; v < graph->nVertices; ++v)
     graph->vertices[v].data[0] = features[v];
   return graph;
-}
-
-// The spanning tree of a mosaic's regions, weighed by the difference of one feature; the graph is
-// made beforehand.
-void treeOfRegions(benchmark::State &state) {
-  const imImagePtr labels = bricks(static_cast<int>(state.range(0)));
-  const ifGraphPtr graph = graphWithFeature(labels);
-  for (auto _ : state)
-    ifGraphPtr(iftPrimGraph(graph.get(), ifGraphEuclideanDistance));
-  reportPerItem(state, "ns/pixel", labels->npixels);
 }
 
 void starToGraph(benchmark::State &state) {
@@ -110,7 +64,7 @@ void cutStarIntoRegions(benchmark::State &state) {
 
 // About n regions of 16 pixels, in the mosaic of a square image.
 imImagePtr smallBricks(std::int64_t n) {
-  return bricks(4 * static_cast<int>(std::sqrt(n)), 4);
+  return bench::drawBricks(4 * static_cast<int>(std::sqrt(n)), 4);
 }
 
 // Merging down to a thousand regions or so, as small ones; what is left is counted.
@@ -140,7 +94,7 @@ void mergeSimilarColors(benchmark::State &state) {
   const imImagePtr labels = smallBricks(state.range(0));
   const ifGraphPtr graph(ifMosaicToGraph(labels.get()));
   const imImagePtr image(imCopyImage(labels.get()));
-  const std::vector<int> features = randomFeatures(labels);
+  const std::vector<int> features = bench::randomFeatures(labels->maxValue);
   for (int p = 0; p < image->npixels; ++p)
     image->band[0][p] = features[labels->band[0][p]];
   int left = 0;
@@ -160,13 +114,6 @@ void mergeAcrossLightEdges(benchmark::State &state) {
     ifGraphPtr(eliminateSimilarRegions(graph.get(), 100, ifGraphEuclideanDistance));
   reportPerItem(state, "ns/region", static_cast<double>(state.range(0)));
 }
-
-void sides(benchmark::internal::Benchmark *b) {
-  b->ArgName("side")->Arg(1024)->Arg(benchSide)->Unit(benchmark::kMillisecond);
-}
-BENCHMARK(copyLabels)->Apply(sides);
-BENCHMARK(mosaicToGraph)->Apply(sides);
-BENCHMARK(treeOfRegions)->Apply(sides);
 
 void doubling(benchmark::internal::Benchmark *b) {
   b->ArgName("regions")->Unit(benchmark::kMillisecond);

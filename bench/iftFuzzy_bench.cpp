@@ -11,33 +11,9 @@
 #include "ift/operators/iftFuzzy.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <vector>
 
 namespace {
-
-// While an object lives, the current directory is a new one in which the debug images are links to
-// /dev/null.
-class ScratchFolder {
-public:
-  ScratchFolder() : before_(std::filesystem::current_path()), folder_(name_.path()) {
-    std::filesystem::create_directory(folder_);
-    std::filesystem::current_path(folder_);
-    for (const char *file : {"tmp1.pgm", "tmp2.pgm"})
-      std::filesystem::create_symlink("/dev/null", file);
-  }
-  ~ScratchFolder() {
-    std::filesystem::current_path(before_);
-    std::filesystem::remove_all(folder_);
-  }
-  ScratchFolder(const ScratchFolder &) = delete;
-  ScratchFolder &operator=(const ScratchFolder &) = delete;
-
-private:
-  ScratchFile name_;
-  std::filesystem::path before_;
-  std::filesystem::path folder_;
-};
 
 // A seed every 40 pixels or so, of the object whose mean is nearest. Means are spread evenly over
 // the values of the micrograph.
@@ -51,7 +27,7 @@ struct Problem {
   int nObjects;
 
   explicit Problem(const benchmark::State &state)
-      : image(benchImage(micrographImage, static_cast<int>(state.range(0)))),
+      : image(bench::drawGrey({bench::Drawing::micrograph, static_cast<int>(state.range(0))})),
         labels(imCreateImage(1, imTypeAscii, image->ncols, image->nrows)),
         costs(imCreateImage(1, imTypeAscii, image->ncols, image->nrows)),
         seeds(seedforest::detail::createRoots((image->npixels - 1) / spacing + 1)),
@@ -81,7 +57,7 @@ void copyImage(benchmark::State &state) {
 }
 
 void fuzzyObjects(benchmark::State &state) {
-  const ScratchFolder folder;
+  const ScratchFolder folder({"tmp1.pgm", "tmp2.pgm"});
   const Problem problem(state);
   for (auto _ : state)
     iftFuzzy(problem.image.get(), problem.labels.get(), problem.costs.get(), imNeighborhood8,

@@ -22,8 +22,8 @@ struct Problem {
   sf::Roots roots;
 
   explicit Problem(const benchmark::State &state)
-      : image(
-            sf::gradient(sf::Image(benchImage(state.range(1), static_cast<int>(state.range(0)))))) {
+      : image(sf::gradient(sf::Image(bench::drawGrey(
+            {static_cast<bench::Drawing>(state.range(1)), static_cast<int>(state.range(0))})))) {
     for (int p = 0; p < image.npixels(); p += 997)
       roots.push_back({p, p + 1, image.pixels()[p]});
   }
@@ -77,7 +77,8 @@ void weighedByALambda(benchmark::State &state) {
 }
 
 void sizes(benchmark::internal::Benchmark *b) {
-  b->ArgNames({"side", "image"})->Args({512, micrographImage})->Args({512, noiseImage});
+  b->ArgNames({"side", "image"})
+      ->ArgsProduct({{512}, {int(bench::Drawing::micrograph), int(bench::Drawing::noise)}});
   b->Unit(benchmark::kMillisecond);
 }
 
