@@ -1,0 +1,48 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The ways by which an image comes into the page: chosen, dropped, pasted, or a sample.
+
+const at = (id) => document.getElementById(id);
+
+/** Calls load(file, name) for each image, complain(sentence) where there is none. */
+export function listenForFiles(load, complain) {
+  at("open").addEventListener("click", () => at("file").click());
+  at("file").addEventListener("change", () => {
+    const file = at("file").files[0];
+    if (file) load(file, file.name);
+    at("file").value = ""; // so that the same file can be chosen again
+    at("sample").value = "";
+  });
+
+  const stage = document.body;
+  let depth = 0; // of elements that the pointer has entered
+  const show = (isShown) => (at("drop").hidden = !isShown);
+  stage.addEventListener("dragenter", () => show(++depth > 0));
+  stage.addEventListener("dragleave", () => show(--depth > 0));
+  stage.addEventListener("dragover", (event) => event.preventDefault());
+  stage.addEventListener("drop", (event) => {
+    event.preventDefault();
+    show((depth = 0) > 0);
+    const file = event.dataTransfer.files[0];
+    if (file) load(file, file.name);
+    else complain("That was no file: drop an image from a folder.");
+  });
+
+  document.addEventListener("paste", (event) => {
+    const file = [...event.clipboardData.files][0];
+    if (file) load(file, file.name || "pasted.png");
+  });
+
+  const loadSample = async (name) => {
+    try {
+      const answer = await fetch(`samples/${name}`);
+      if (!answer.ok) throw new Error();
+      load(await answer.blob(), name);
+    } catch {
+      complain(`The sample ${name} cannot be loaded.`);
+    }
+  };
+  at("sample").addEventListener("change", () => loadSample(at("sample").value));
+  loadSample((at("sample").value = "cells.png"));
+}
