@@ -14,6 +14,7 @@ function addNumber(slider) {
   const field = document.createElement("input");
   field.type = "number";
   field.dataset.slider = slider.id;
+  Object.assign(field, { min: slider.min, max: slider.max, value: slider.value });
   field.setAttribute("aria-label", `${slider.labels[0].textContent}, number`);
   slider.after(field);
   slider.addEventListener("input", () => (field.value = slider.value));

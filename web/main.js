@@ -22,6 +22,7 @@ const history = new History();
 let live = null; // settings as they are while a slider moves or a stroke is drawn
 let facts = null; // of the image
 let result = null; // { labels, rows, … } of the settings, once they are computed
+let seedsAlone = false; // there are seeds from which no regions can grow
 let shownSettings = null; // those of the last result, to which cancelling returns
 let rootsFiles = ["", ""]; // names
 let rootsFilesTaken = 0;
@@ -152,7 +153,6 @@ function regions(message) {
   at("time").textContent = `${Math.round(performance.now() - startedAt)} ms`;
   at("seedCount").textContent = message.rootCount.toLocaleString("en");
   showCommand();
-  if (at("main").dataset.timed !== undefined) performance.mark("regions");
 }
 
 function table(message) {
@@ -186,18 +186,21 @@ function finish(sentence, isError = false) {
 
 function canSave({ dataset: { save } }) {
   if (save === "image") return facts !== null;
-  return result?.rows != null && (save === "roots" || save === "strokes" || result.rootCount > 0);
+  const isSeeds = save === "roots" || save === "strokes";
+  if (result === null) return isSeeds && seedsAlone;
+  return result.rows !== null && (isSeeds || result.rootCount > 0);
 }
 
 function marks(message) {
   view.setLayer("marks", message.marks);
 }
 
-function failed({ task, sentence }) {
+function failed({ task, sentence, hasSeeds }) {
   if (task === "load") {
     engine.keepSource(lastImage);
   } else if (task === "run" || task === "roots") {
     result = null;
+    seedsAlone = Boolean(hasSeeds);
     view.setLayer("fill", null);
     view.setLayer("marks", null);
     view.names = [];
@@ -318,7 +321,13 @@ at("fit").addEventListener("click", () => view.fit());
 function showCommand() {
   if (facts === null || live === null) return;
   const settings = { ...live, rootsFiles: rootsFiles.map((name) => name || "ROOTS") };
-  at("command").textContent = commandFor(settings, facts, result ?? { ground: 0, largestLabel: 0 });
+  const text = commandFor(settings, facts, result ?? { ground: 0, largestLabel: 0 });
+  const lines = text.split("\n").map((line) => {
+    const span = document.createElement("span");
+    span.textContent = `${line}\n`;
+    return span;
+  });
+  at("command").replaceChildren(...lines);
   document.querySelector("[data-save=strokes]").hidden = live.method === "drawn" || live.strokes.length === 0;
 }
 

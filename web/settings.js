@@ -81,7 +81,7 @@ export function defaultsFor(facts) {
     uniform: true,
     label: 1,
     smooth: 2,
-    ground: false,
+    ground: true,
     auto: true,
     limit: facts.otsu,
     relief: "gradient",

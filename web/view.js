@@ -67,12 +67,12 @@ export class View {
     else this.draw();
   }
 
-  /** The largest scale that shows all of the image; a whole number where it is 1 or more. */
+  /** The largest scale that shows all of the image; a whole number where it is 3 or more. */
   fit() {
     if (this.ncols === 0) return;
     const { width, height } = this.#canvas;
     const largest = Math.min(width / this.ncols, height / this.nrows);
-    this.#scale = largest >= 1 ? Math.min(Math.floor(largest), 32) : largest;
+    this.#scale = largest >= 3 ? Math.min(Math.floor(largest), 32) : largest;
     this.#x = Math.round((width - this.ncols * this.#scale) / 2);
     this.#y = Math.round((height - this.nrows * this.#scale) / 2);
     this.#isFitted = true;
@@ -163,7 +163,7 @@ export class View {
     context.setTransform(1, 0, 0, 1, 0, 0);
     context.clearRect(0, 0, this.#canvas.width, this.#canvas.height);
     if (!image) return;
-    context.imageSmoothingEnabled = this.#scale < 1;
+    context.imageSmoothingEnabled = this.#scale < 3 && !Number.isInteger(this.#scale);
     context.setTransform(this.#scale, 0, 0, this.#scale, this.#x, this.#y);
     if (this.shown.image) context.drawImage(image, 0, 0);
     else this.#paintGround();

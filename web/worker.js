@@ -220,7 +220,8 @@ onmessage = async ({ data }) => {
     try {
       await actions[task.kind](task);
     } catch (error) {
-      postMessage({ kind: "failed", task: task.kind, id: task.id, sentence: error.message });
+      const hasSeeds = done.strokes !== null; // and only the regions failed
+      postMessage({ kind: "failed", task: task.kind, id: task.id, sentence: error.message, hasSeeds });
     }
   }
   isWorking = false;
