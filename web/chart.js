@@ -55,7 +55,7 @@ export function drawAreas(place, sample) {
     chart.append(
       element("text", { x: i * barWidth, y: height - 4, "text-anchor": anchor }, bound(i).toLocaleString("en")),
     );
-  chart.append(element("text", { x: 0, y: 9, class: "most" }, `${most} at most`));
+  chart.append(element("text", { x: 0, y: 9, class: "most" }, `highest bar: ${most}`));
   place.append(chart);
   place.setAttribute(
     "aria-label",

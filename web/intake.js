@@ -5,7 +5,7 @@
 
 const at = (id) => document.getElementById(id);
 
-/** Calls load(file, name) for each image, complain(sentence) where there is none. */
+/** Calls load(file or promise, name) for each image, complain(sentence) where there is none. */
 export function listenForFiles(load, complain) {
   at("open").addEventListener("click", () => at("file").click());
   at("file").addEventListener("change", () => {
@@ -34,15 +34,12 @@ export function listenForFiles(load, complain) {
     if (file) load(file, file.name || "pasted.png");
   });
 
-  const loadSample = async (name) => {
-    try {
-      const answer = await fetch(`samples/${name}`);
-      if (!answer.ok) throw new Error();
-      load(await answer.blob(), name);
-    } catch {
-      complain(`The sample ${name} cannot be loaded.`);
-    }
+  const sampleOf = async (name) => {
+    const answer = await fetch(`samples/${name}`);
+    if (!answer.ok) throw new Error();
+    return answer.blob();
   };
+  const loadSample = (name) => load(sampleOf(name), name);
   at("sample").addEventListener("change", () => loadSample(at("sample").value));
   loadSample((at("sample").value = "cells.png"));
 }

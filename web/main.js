@@ -53,11 +53,16 @@ const marksShown = () => ({ outlines: at("showOutlines").checked, seeds: at("sho
 
 // ---- images
 
-function load(file, name) {
+async function load(file, name) {
   setBusy(true);
   say(`Reading ${name} …`);
-  lastImage = engine.source;
-  engine.load(file, name);
+  try {
+    const bytes = await file;
+    lastImage = engine.source;
+    engine.load(bytes, name);
+  } catch {
+    finish(`${name} cannot be loaded.`, true);
+  }
 }
 
 function loaded(message) {
@@ -322,13 +327,20 @@ function showCommand() {
   if (facts === null || live === null) return;
   const settings = { ...live, rootsFiles: rootsFiles.map((name) => name || "ROOTS") };
   const text = commandFor(settings, facts, result ?? { ground: 0, largestLabel: 0 });
-  const lines = text.split("\n").map((line) => {
-    const span = document.createElement("span");
-    span.textContent = `${line}\n`;
-    return span;
-  });
-  at("command").replaceChildren(...lines);
+  at("command").replaceChildren(...text.split("\n").map(lineOfWords));
   document.querySelector("[data-save=strokes]").hidden = live.method === "drawn" || live.strokes.length === 0;
+}
+
+/** A line of a command, to be broken between words only. */
+function lineOfWords(text) {
+  const line = document.createElement("span");
+  for (const word of text.split(" ")) {
+    const part = document.createElement("i");
+    part.textContent = word;
+    line.append(...(line.hasChildNodes() ? [" "] : []), part);
+  }
+  line.append("\n");
+  return line;
 }
 
 const files = {

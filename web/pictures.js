@@ -3,7 +3,7 @@
 
 // The layers that lie over each other on the page, as pixels of four bytes.
 
-import { black, palettePixels, white } from "./colors.js";
+import { black, palettePixels, seedPixels, white } from "./colors.js";
 
 /** Least and largest value of all bands. */
 export function rangeOf(bands) {
@@ -41,15 +41,16 @@ export function paintRegions(labels) {
   return picture;
 }
 
-/** Outlines of regions, in black on bright images and white on others, and seeds. */
-export function paintMarks(labels, ncols, roots, { outlines, seeds, isBright }) {
+/** Outlines of regions, in black on bright images and white on others, and seeds but the ground's. */
+export function paintMarks(labels, ncols, roots, { outlines, seeds, isBright, ground }) {
   const picture = new Uint32Array(labels.length);
   const line = isBright ? black : white;
   if (outlines) paintOutlines(picture, labels, ncols, line);
   if (seeds)
     for (let i = 0; i < roots.pixels.length; ++i) {
       const label = roots.labels[i];
-      if (label > 0) picture[roots.pixels[i]] = palettePixels[(label - 1) % palettePixels.length];
+      if (label > 0 && label !== ground)
+        picture[roots.pixels[i]] = seedPixels[(label - 1) % seedPixels.length];
     }
   return picture;
 }

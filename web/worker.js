@@ -157,13 +157,16 @@ async function compute({ seeds, strokes, regions }) {
   return !isOutdated();
 }
 
+const paint = (grown, marks) =>
+  paintMarks(grown, wasm._columns(), roots(), { ...marks, isBright, ground: wasm._groundLabel() });
+
 async function run({ id, settings, marks }) {
   const isDone = await compute(settings);
   if (!isDone) return;
   const found = roots();
   const grown = labels().slice();
   const fill = paintRegions(grown);
-  const painted = paintMarks(grown, wasm._columns(), found, { ...marks, isBright });
+  const painted = paint(grown, marks);
   const message = {
     kind: "regions",
     id,
@@ -185,7 +188,7 @@ async function run({ id, settings, marks }) {
 
 function repaint({ marks }) {
   if (done.regions === "") return;
-  const painted = paintMarks(labels(), wasm._columns(), roots(), { ...marks, isBright });
+  const painted = paint(labels(), marks);
   postMessage({ kind: "marks", marks: painted.buffer }, [painted.buffer]);
 }
 

@@ -1,0 +1,78 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Measures, and tests nothing: the steps of the libraries in the browser, and how long the page takes
+// to answer a slider. In milliseconds, medians of several runs, for images of 1024 x 1024 and,
+// with an argument of another side, of that size.
+
+import { readFileSync } from "node:fs";
+import { join } from "node:path";
+import { launch, run, serve, Visitor } from "./support.mjs";
+import { mkdtempSync } from "node:fs";
+import { tmpdir } from "node:os";
+
+const side = process.argv[2] ?? "1024";
+const runs = side > 2000 ? 3 : 15;
+const folder = mkdtempSync(join(tmpdir(), "seedforest-speed-"));
+run("examples/make_micrograph", [side, side, "image.pgm"], folder);
+const file = join(folder, "image.pgm");
+const medianOf = (times) => times.sort((a, b) => a - b)[times.length >> 1];
+
+const { server, address } = await serve();
+const browser = await launch();
+const visitor = await Visitor.open(browser, address);
+
+/** The times of calls in a worker of their own. */
+async function stepTimes(base64, count) {
+  const { default: createModule } = await import(new URL("seedforest.js", location.href).href);
+  const wasm = await createModule({ tellProgress() {} });
+  const bytes = Uint8Array.from(atob(base64), (c) => c.charCodeAt(0));
+  const address = wasm._malloc(bytes.length);
+  wasm.HEAPU8.set(bytes, address);
+  const steps = {
+    "reading": () => wasm._loadFile(address, bytes.length),
+    "h-maxima, seeds of them": (i) => wasm._findRoots(8, 20 + (i % 2), 0, 0, 1, 0, 0),
+    "seeds of the background": (i) => wasm._findRoots(0, 20 + (i % 2), 0, 0, 1, 0, 1),
+    "4 steps of smoothing": (i) => wasm._findRoots(8, 20, 0, 3 + (i % 2), 1, 0, 0),
+    "gradient and watershed": (i) => wasm._growRegions(i % 2, 0, 0, 0, 0, 0, -1, 0),
+    "watershed": () => wasm._growRegions(2, 0, 0, 0, 0, 0, -1, 0),
+    "measures": () => wasm._measureRegions(),
+  };
+  const times = {};
+  for (const [name, step] of Object.entries(steps)) {
+    times[name] = [];
+    for (let i = 0; i < count; ++i) {
+      const start = performance.now();
+      if (step(i) !== 1) throw new Error(name);
+      times[name].push(performance.now() - start);
+    }
+  }
+  times["memory in MB"] = [wasm.HEAPU8.length / 1e6];
+  return times;
+}
+
+const worker = visitor.page.workers()[0];
+const times = await worker.evaluate(stepTimes, readFileSync(file).toString("base64"), runs);
+for (const [name, all] of Object.entries(times)) console.log(name.padEnd(26), medianOf(all).toFixed(1));
+
+await visitor.choose(file);
+const answers = await visitor.page.evaluate(async (count) => {
+  const main = document.getElementById("main");
+  const time = document.getElementById("time");
+  const slider = document.getElementById("h");
+  const all = { "slider to regions": [], "slider to table": [] };
+  for (let i = 0; i < count; ++i) {
+    time.textContent = "";
+    slider.value = 20 + (i % 5);
+    const start = performance.now();
+    slider.dispatchEvent(new Event("input", { bubbles: true }));
+    while (time.textContent === "") await new Promise((resolve) => setTimeout(resolve));
+    all["slider to regions"].push(performance.now() - start);
+    while (main.getAttribute("aria-busy") === "true") await new Promise((resolve) => setTimeout(resolve));
+    all["slider to table"].push(performance.now() - start);
+  }
+  return all;
+}, runs);
+for (const [name, all] of Object.entries(answers)) console.log(name.padEnd(26), medianOf(all).toFixed(1));
+await browser.close();
+server.close();
