@@ -5,7 +5,15 @@
 
 const at = (id) => document.getElementById(id);
 
-/** Calls load(file or promise, name) for each image, complain(sentence) where there is none. */
+/** The settings that show what is in a sample. */
+const samples = {
+  "cells.png": { h: 20, smooth: 4 },
+  "scene.png": { method: "regMin", low: 32, high: 253, smooth: 6, minArea: 100, merge: true, similar: 25, ground: false },
+  "shapes.png": { method: "split", smooth: 0, neck: 1 },
+  "maze.png": { method: "dt", smooth: 0, relief: "image" },
+};
+
+/** Calls load(file or promise, name, settings of a sample) for each image, complain(sentence) where there is none. */
 export function listenForFiles(load, complain) {
   at("open").addEventListener("click", () => at("file").click());
   at("file").addEventListener("change", () => {
@@ -39,7 +47,7 @@ export function listenForFiles(load, complain) {
     if (!answer.ok) throw new Error();
     return answer.blob();
   };
-  const loadSample = (name) => load(sampleOf(name), name);
+  const loadSample = (name) => load(sampleOf(name), name, samples[name]);
   at("sample").addEventListener("change", () => loadSample(at("sample").value));
   loadSample((at("sample").value = "cells.png"));
 }

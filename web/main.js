@@ -27,6 +27,7 @@ let shownSettings = null; // those of the last result, to which cancelling retur
 let rootsFiles = ["", ""]; // names
 let rootsFilesTaken = 0;
 let lastImage = null;
+let firstSettings = {}; // of the image that is being loaded, other than by default
 let startedAt = 0;
 let showBusyAt = 0;
 
@@ -53,12 +54,13 @@ const marksShown = () => ({ outlines: at("showOutlines").checked, seeds: at("sho
 
 // ---- images
 
-async function load(file, name) {
+async function load(file, name, preset = {}) {
   setBusy(true);
   say(`Reading ${name} …`);
   try {
     const bytes = await file;
     lastImage = engine.source;
+    firstSettings = preset;
     engine.load(bytes, name);
   } catch {
     finish(`${name} cannot be loaded.`, true);
@@ -73,7 +75,7 @@ function loaded(message) {
   if (!isAgain) {
     rootsFiles = ["", ""];
     at("joinA").value = at("joinB").value = "";
-    history.start(defaultsFor(facts));
+    history.start({ ...defaultsFor(facts), ...firstSettings });
     shownSettings = null;
   }
   apply(history.state);
