@@ -3,17 +3,17 @@
 
 // The page: what happens where.
 
-import { drawAreas, median } from "./chart.js";
 import { colorOf } from "./colors.js";
-import { commandFor, pnmName } from "./command.js";
+import { commandFor } from "./command.js";
 import { fitControls, prepareControls, readSettings, showParts, showSettings } from "./controls.js";
 import { Engine } from "./engine.js";
-import { download, pngOf } from "./exports.js";
 import { listenForFiles } from "./intake.js";
 import { listenForKeys } from "./keys.js";
+import { rowsOf, sentenceOf, showLines, showNothing, showRows } from "./panel.js";
 import { listenOn } from "./pointer.js";
 import { defaultsFor, requestFor } from "./settings.js";
 import { History } from "./state.js";
+import { listenForSaves } from "./takeHome.js";
 import { View } from "./view.js";
 
 const at = (id) => document.getElementById(id);
@@ -26,8 +26,9 @@ let seedsAlone = false; // there are seeds from which no regions can grow
 let shownSettings = null; // those of the last result, to which cancelling returns
 let rootsFiles = ["", ""]; // names
 let rootsFilesTaken = 0;
-let lastImage = null;
-let firstSettings = {}; // of the image that is being loaded, other than by default
+let isLoading = false; // an image that the visitor chose
+let lastImage = null; // the one before it
+let firstSettings = {}; // those of the new one that are not by default
 let startedAt = 0;
 let showBusyAt = 0;
 
@@ -59,6 +60,7 @@ async function load(file, name, preset = {}) {
   say(`Reading ${name} …`);
   try {
     const bytes = await file;
+    isLoading = true;
     lastImage = engine.source;
     firstSettings = preset;
     engine.load(bytes, name);
@@ -68,16 +70,16 @@ async function load(file, name, preset = {}) {
 }
 
 function loaded(message) {
-  const isAgain = facts !== null && lastImage === null && message.facts.name === facts.name;
   facts = message.facts;
   view.setImage(message.picture, facts.ncols, facts.nrows);
   fitControls(facts);
-  if (!isAgain) {
+  if (isLoading) {
     rootsFiles = ["", ""];
     at("joinA").value = at("joinB").value = "";
     history.start({ ...defaultsFor(facts), ...firstSettings });
     shownSettings = null;
-  }
+  } // else it is back in a new worker
+  isLoading = false;
   apply(history.state);
 }
 
@@ -163,20 +165,11 @@ function regions(message) {
 }
 
 function table(message) {
-  const width = 4 + facts.nbands;
-  const numbers = new Float64Array(message.rows);
-  const rows = [];
-  for (let i = 0; i < numbers.length; i += width) {
-    const [label, area, x, y, ...means] = numbers.subarray(i, i + width);
-    rows.push({ label, area, x, y, means });
-  }
+  const rows = rowsOf(message.rows, facts.nbands);
   result.rows = new Map(rows.map((row) => [row.label, row]));
   view.names = rows;
   view.draw();
-  const areas = Float64Array.from(rows, (row) => row.area).sort();
-  at("count").textContent = rows.length.toLocaleString("en");
-  at("median").textContent = rows.length > 0 ? `${median(areas).toLocaleString("en")} px` : "–";
-  drawAreas(at("chart"), areas);
+  showRows(rows);
   finish(
     result.rootCount === 0
       ? "There are no seeds: change the parameters, or draw some."
@@ -204,6 +197,7 @@ function marks(message) {
 
 function failed({ task, sentence, hasSeeds }) {
   if (task === "load") {
+    isLoading = false;
     engine.keepSource(lastImage);
   } else if (task === "run" || task === "roots") {
     result = null;
@@ -211,8 +205,7 @@ function failed({ task, sentence, hasSeeds }) {
     view.setLayer("fill", null);
     view.setLayer("marks", null);
     view.names = [];
-    for (const id of ["count", "seedCount", "median", "time"]) at(id).textContent = "–";
-    drawAreas(at("chart"), []);
+    showNothing();
   }
   finish(sentence, true);
 }
@@ -221,9 +214,10 @@ at("cancel").addEventListener("click", cancel);
 
 function cancel() {
   if (at("main").getAttribute("aria-busy") !== "true") return;
+  if (isLoading) engine.keepSource(lastImage);
+  isLoading = false;
   engine.cancel();
   if (facts === null) return finish("Cancelled.");
-  lastImage = null;
   history.push(shownSettings ?? { ...history.state, method: "drawn", strokes: [] });
   say("Cancelled.");
 }
@@ -236,16 +230,7 @@ function point(pixel, isByKey = false) {
   view.brush = tool === "pan" ? null : { radius: Number(at("radius").value) };
   view.draw();
   at("under").setAttribute("aria-live", isByKey ? "polite" : "off");
-  at("under").textContent = facts && pixel && view.has(pixel) ? sentenceOf(pixel) : "Point at the image.";
-}
-
-function sentenceOf({ x, y }) {
-  const label = result?.labels[y * facts.ncols + x] ?? 0;
-  const row = result?.rows?.get(label);
-  const place = `x ${x}, y ${y}`;
-  if (!row) return label > 0 ? `${place}: label ${label}` : `${place}: no object`;
-  const means = row.means.map((mean) => mean.toFixed(1)).join(", ");
-  return `${place}: label ${label}, area ${row.area.toLocaleString("en")} px, mean ${means}`;
+  at("under").textContent = facts && pixel && view.has(pixel) ? sentenceOf(pixel, facts, result) : "Point at the image.";
 }
 
 // ---- seeds by hand
@@ -329,56 +314,9 @@ function showCommand() {
   if (facts === null || live === null) return;
   const settings = { ...live, rootsFiles: rootsFiles.map((name) => name || "ROOTS") };
   const text = commandFor(settings, facts, result ?? { ground: 0, largestLabel: 0 });
-  at("command").replaceChildren(...text.split("\n").map(lineOfWords));
+  showLines(text);
   document.querySelector("[data-save=strokes]").hidden = live.method === "drawn" || live.strokes.length === 0;
 }
-
-/** A line of a command, to be broken between words only. */
-function lineOfWords(text) {
-  const line = document.createElement("span");
-  for (const word of text.split(" ")) {
-    const part = document.createElement("i");
-    part.textContent = word;
-    line.append(...(line.hasChildNodes() ? [" "] : []), part);
-  }
-  line.append("\n");
-  return line;
-}
-
-const files = {
-  roots: ["roots.txt", "text/plain"],
-  strokes: ["strokes.txt", "text/plain"],
-  table: ["table.csv", "text/csv"],
-  image: [null, "image/x-portable-anymap"],
-};
-
-async function save(what) {
-  try {
-    if (what === "labels") {
-      download(await pngOf(result.labels, facts.ncols, facts.nrows), "labels.png");
-    } else {
-      const [name, type] = files[what];
-      download(new Blob([await engine.save(what)], { type }), name ?? pnmName(facts));
-    }
-  } catch (error) {
-    say(error.message, true);
-  }
-}
-
-for (const button of document.querySelectorAll("[data-save]")) {
-  button.disabled = true;
-  button.addEventListener("click", () => save(button.dataset.save));
-}
-
-at("copy").addEventListener("click", async () => {
-  try {
-    await navigator.clipboard.writeText(at("command").textContent);
-    say("The command line is copied.");
-  } catch {
-    getSelection().selectAllChildren(at("command"));
-    say("Press Ctrl+C to copy the command line.");
-  }
-});
 
 // ---- the start
 
@@ -389,5 +327,6 @@ prepareControls();
 showObject();
 listenOn(at("canvas"), view, strokes);
 listenForFiles(load, (sentence) => say(sentence, true));
+listenForSaves({ engine, say, facts: () => facts, labels: () => result.labels });
 listenForKeys({ cancel, nextObject, travel, view });
 navigator.serviceWorker?.register("sw.js").catch(() => {}); // without one the page works online

@@ -29,7 +29,7 @@ using namespace seedforest::tools;
 
 namespace {
 
-// More pixels would not leave room for a transform in the two gigabytes that the page may use.
+// More pixels would not leave room for a transform in the four gigabytes that the page may use.
 constexpr int mostPixels = 36'000'000;
 
 // Everything that a visitor sees. Kept steps are those whose settings have not changed.
@@ -42,7 +42,7 @@ struct Session {
   Roots found;                           // by a method
   int ground = 0;                        // the label of the ground in it, 0 for none
   Roots strokes;                         // drawn by hand
-  Roots roots;                           // both
+  Roots both;                            // where there are strokes
   std::optional<Relief> reliefKind;
   Image relief;
   Image labels;
@@ -55,6 +55,10 @@ struct Session {
 Session session;
 
 EM_JS(void, tellProgress, (double fraction), { Module.tellProgress(fraction); });
+
+Roots &allRoots() {
+  return session.strokes.empty() ? session.found : session.both;
+}
 
 template <class Work>
 int guarded(Work work) {
@@ -213,13 +217,15 @@ EMSCRIPTEN_KEEPALIVE int takeRootsFile(int place, const char *bytes, int size) {
 EMSCRIPTEN_KEEPALIVE int findRoots(int method, int a, int b, int steps, int isAutomatic,
                                    int threshold, int hasGround) {
   return guarded([&] {
+    session.labels = {}; // which will be new
     const Image &image = smoothed(steps);
     Threshold limit;
     if (isAutomatic == 0)
       limit.value = threshold;
     session.found = rootsBy(static_cast<Method>(method), a, b, image, limit);
     session.ground = hasGround == 0 ? 0 : addGround(session.found, image, limit).label;
-    session.roots = session.found.copy();
+    session.strokes = {};
+    session.both = {};
   });
 }
 
@@ -227,23 +233,26 @@ EMSCRIPTEN_KEEPALIVE int findRoots(int method, int a, int b, int steps, int isAu
 EMSCRIPTEN_KEEPALIVE int addStrokes(const int *pairs, int count) {
   return guarded([&] {
     session.strokes = {};
-    session.roots = session.found.copy();
+    session.both = {};
+    if (count == 0)
+      return;
+    session.both = session.found.copy();
     for (int i = 0; i < count; ++i) {
       const Root root = {pairs[2 * i], pairs[2 * i + 1]};
       session.strokes.push_back(root);
-      session.roots.push_back(root);
+      session.both.push_back(root);
     }
   });
 }
 
 EMSCRIPTEN_KEEPALIVE int rootCount() {
-  return static_cast<int>(session.roots.size());
+  return static_cast<int>(allRoots().size());
 }
 EMSCRIPTEN_KEEPALIVE const int *rootPixels() {
-  return session.roots.pixels().data();
+  return allRoots().pixels().data();
 }
 EMSCRIPTEN_KEEPALIVE const int *rootLabels() {
-  return std::as_const(session.roots).labels().data();
+  return std::as_const(allRoots()).labels().data();
 }
 EMSCRIPTEN_KEEPALIVE int groundLabel() {
   return session.ground;
@@ -255,7 +264,7 @@ EMSCRIPTEN_KEEPALIVE int growRegions(int relief, int isFour, int cost, int only,
                                      int leastArea, int similar, int hasLines) {
   return guarded([&] {
     const Image &image = session.image;
-    requireRegions(session.roots, image, "The roots");
+    requireRegions(allRoots(), image, "The roots");
     Image mask;
     if (only != 0)
       mask = shapeAbove(image, only == 1 ? Threshold{} : Threshold{threshold});
@@ -263,7 +272,7 @@ EMSCRIPTEN_KEEPALIVE int growRegions(int relief, int isFour, int cost, int only,
     options.adjacency = isFour != 0 ? Adjacency::four() : Adjacency::eight();
     options.mask = only != 0 ? &mask : nullptr;
     session.labels = {};
-    Image grown = labelsFrom(reliefFor(static_cast<Relief>(relief)), session.roots,
+    Image grown = labelsFrom(reliefFor(static_cast<Relief>(relief)), allRoots(),
                              static_cast<Cost>(cost), options);
     Merging merging = {leastArea};
     if (similar >= 0)
@@ -309,7 +318,7 @@ EMSCRIPTEN_KEEPALIVE int regionRowsSize() {
 /// regions, and the image as PNM.
 EMSCRIPTEN_KEEPALIVE int writeRootsText(int which) {
   return keepText([which] {
-    const Roots &roots = which == 0 ? session.roots : which == 1 ? session.found : session.strokes;
+    const Roots &roots = which == 0 ? allRoots() : which == 1 ? session.found : session.strokes;
     return encodeRoots(roots, session.image);
   });
 }

@@ -29,14 +29,14 @@ function must(isWell) {
 }
 
 function textAt(address) {
-  const end = wasm.HEAPU8.indexOf(0, address);
-  return new TextDecoder().decode(wasm.HEAPU8.subarray(address, end));
+  const end = wasm.HEAPU8.indexOf(0, address >>> 0);
+  return new TextDecoder().decode(wasm.HEAPU8.subarray(address >>> 0, end));
 }
 
 /** Calls use(address) with a copy of an array in the libraries' memory. */
 function withCopy(array, use) {
   const bytes = new Uint8Array(array.buffer, array.byteOffset, array.byteLength);
-  const address = wasm._malloc(Math.max(1, bytes.length));
+  const address = wasm._malloc(Math.max(1, bytes.length)) >>> 0; // beyond 2 GB it comes as negative
   if (address === 0) throw new Error("The image is too large: the browser gives no more memory.");
   try {
     wasm.HEAPU8.set(bytes, address);
@@ -46,7 +46,8 @@ function withCopy(array, use) {
   }
 }
 
-const integersAt = (address, count) => wasm.HEAP32.subarray(address >> 2, (address >> 2) + count);
+const integersAt = (address, count) =>
+  wasm.HEAP32.subarray(address >>> 2, (address >>> 2) + count);
 const pixelCount = () => wasm._columns() * wasm._rows();
 const labels = () => integersAt(wasm._labelPixels(), pixelCount());
 
@@ -181,7 +182,7 @@ async function run({ id, settings, marks }) {
   await breathe();
   if (isOutdated()) return;
   must(wasm._measureRegions());
-  const start = wasm._regionRows() >> 3;
+  const start = wasm._regionRows() >>> 3;
   const rows = wasm.HEAPF64.slice(start, start + wasm._regionRowsSize());
   postMessage({ kind: "table", id, rows: rows.buffer }, [rows.buffer]);
 }
@@ -201,7 +202,7 @@ function save({ id, what }) {
     image: () => wasm._writeImageFile(),
   };
   must(writers[what]());
-  const start = wasm._textBytes();
+  const start = wasm._textBytes() >>> 0;
   const bytes = wasm.HEAPU8.slice(start, start + wasm._textSize());
   postMessage({ kind: "saved", id, bytes }, [bytes.buffer]);
 }
