@@ -7,7 +7,7 @@
 export class Engine {
   #worker;
   #listener;
-  #source = null; // { file, name }
+  #source = null; // an image: its file, name and what else is known about it
   #rootsFiles = [null, null];
   #ids = 0;
   #saves = new Map();
@@ -23,7 +23,7 @@ export class Engine {
     this.#worker = new Worker("worker.js", { type: "module" });
     this.#worker.onmessage = ({ data }) => this.#take(data);
     this.#worker.onerror = () =>
-      this.#listener.failed({ task: "start", sentence: "The computing part of the page did not start: its browser is too old, or a file is missing." });
+      this.#listener.failed({ task: "start", sentence: "The computing part of the page did not start: the browser is too old, or a file is missing." });
   }
 
   #take(message) {
@@ -38,10 +38,10 @@ export class Engine {
     if (!isOld) this.#listener[message.kind](message);
   }
 
-  load(file, name) {
-    this.#source = { file, name };
+  load(file, about) {
+    this.#source = { ...about, file };
     this.#rootsFiles = [null, null];
-    this.#worker.postMessage({ kind: "load", file, name });
+    this.#worker.postMessage({ kind: "load", file, name: about.name });
   }
 
   takeRootsFile(place, bytes) {
@@ -72,7 +72,7 @@ export class Engine {
     this.#start();
     if (!this.#source) return;
     const rootsFiles = this.#rootsFiles;
-    this.load(this.#source.file, this.#source.name);
+    this.load(this.#source.file, this.#source);
     rootsFiles.forEach((bytes, place) => bytes && this.takeRootsFile(place, bytes));
   }
 

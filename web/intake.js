@@ -13,14 +13,21 @@ const samples = {
   "maze.png": { method: "dt", smooth: 0, relief: "image" },
 };
 
-/** Calls load(file or promise, name, settings of a sample) for each image, complain(sentence) where there is none. */
+/**
+ * Calls load(file or promise, { name, isOnDisk, settings }) for each image, complain(sentence) where
+ * there is none. What was pasted, or is a sample, is no file on the visitor's disk.
+ */
 export function listenForFiles(load, complain) {
+  const take = (file, about) => {
+    at("sample").value = "";
+    load(file, about);
+  };
+
   at("open").addEventListener("click", () => at("file").click());
   at("file").addEventListener("change", () => {
     const file = at("file").files[0];
-    if (file) load(file, file.name);
+    if (file) take(file, { name: file.name, isOnDisk: true });
     at("file").value = ""; // so that the same file can be chosen again
-    at("sample").value = "";
   });
 
   const stage = document.body;
@@ -33,13 +40,13 @@ export function listenForFiles(load, complain) {
     event.preventDefault();
     show((depth = 0) > 0);
     const file = event.dataTransfer.files[0];
-    if (file) load(file, file.name);
+    if (file) take(file, { name: file.name, isOnDisk: true });
     else complain("That was no file: drop an image from a folder.");
   });
 
   document.addEventListener("paste", (event) => {
     const file = [...event.clipboardData.files][0];
-    if (file) load(file, file.name || "pasted.png");
+    if (file) take(file, { name: "pasted.png", isOnDisk: false });
   });
 
   const sampleOf = async (name) => {
@@ -47,7 +54,8 @@ export function listenForFiles(load, complain) {
     if (!answer.ok) throw new Error();
     return answer.blob();
   };
-  const loadSample = (name) => load(sampleOf(name), name, samples[name]);
+  const loadSample = (name) =>
+    load(sampleOf(name), { name, isOnDisk: false, settings: samples[name] });
   at("sample").addEventListener("change", () => loadSample(at("sample").value));
   loadSample((at("sample").value = "cells.png"));
 }

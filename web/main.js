@@ -28,7 +28,6 @@ let rootsFiles = ["", ""]; // names
 let rootsFilesTaken = 0;
 let isLoading = false; // an image that the visitor chose
 let lastImage = null; // the one before it
-let firstSettings = {}; // those of the new one that are not by default
 let startedAt = 0;
 let showBusyAt = 0;
 
@@ -55,28 +54,29 @@ const marksShown = () => ({ outlines: at("showOutlines").checked, seeds: at("sho
 
 // ---- images
 
-async function load(file, name, preset = {}) {
+async function load(file, about) {
+  const { name } = about;
   setBusy(true);
   say(`Reading ${name} …`);
   try {
     const bytes = await file;
     isLoading = true;
     lastImage = engine.source;
-    firstSettings = preset;
-    engine.load(bytes, name);
+    engine.load(bytes, about);
   } catch {
     finish(`${name} cannot be loaded.`, true);
   }
 }
 
 function loaded(message) {
-  facts = message.facts;
+  const { settings, isOnDisk } = engine.source;
+  facts = { ...message.facts, isFile: message.facts.isFile && isOnDisk };
   view.setImage(message.picture, facts.ncols, facts.nrows);
   fitControls(facts);
   if (isLoading) {
     rootsFiles = ["", ""];
     at("joinA").value = at("joinB").value = "";
-    history.start({ ...defaultsFor(facts), ...firstSettings });
+    history.start({ ...defaultsFor(facts), ...settings });
     shownSettings = null;
   } // else it is back in a new worker
   isLoading = false;

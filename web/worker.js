@@ -22,6 +22,7 @@ const ready = createModule({ tellProgress });
 let wasm;
 const done = { seeds: "", strokes: null, regions: "" }; // the settings of each step's result
 let isBright = false;
+const noMemory = "The image is too large: the browser gives no more memory.";
 
 /** Throws the libraries' sentence where a call returned 0. */
 function must(isWell) {
@@ -37,7 +38,7 @@ function textAt(address) {
 function withCopy(array, use) {
   const bytes = new Uint8Array(array.buffer, array.byteOffset, array.byteLength);
   const address = wasm._malloc(Math.max(1, bytes.length)) >>> 0; // beyond 2 GB it comes as negative
-  if (address === 0) throw new Error("The image is too large: the browser gives no more memory.");
+  if (address === 0) throw new Error(noMemory);
   try {
     wasm.HEAPU8.set(bytes, address);
     return use(address);
@@ -224,8 +225,9 @@ onmessage = async ({ data }) => {
     try {
       await actions[task.kind](task);
     } catch (error) {
+      const sentence = error instanceof RangeError ? noMemory : error.message;
       const hasSeeds = done.strokes !== null; // and only the regions failed
-      postMessage({ kind: "failed", task: task.kind, id: task.id, sentence: error.message, hasSeeds });
+      postMessage({ kind: "failed", task: task.kind, id: task.id, sentence, hasSeeds });
     }
   }
   isWorking = false;

@@ -106,6 +106,9 @@ test("the command line does the same", async (t) => {
   const deep = Buffer.alloc(40 * 30 * 2);
   for (let p = 0; p < 1200; ++p) deep.writeUInt16BE(300 * (p % 40) + ((p * p) % 977), 2 * p);
   writeFileSync(join(folder, "deep.pgm"), Buffer.concat([Buffer.from("P5\n40 30\n65535\n"), deep]));
+  await visitor.page.select("#sample", "scene.png");
+  await visitor.idle();
+  await assertSameCommand(folder, "a sample, which the visitor has not as a file");
   for (const { image, set } of cases) {
     await visitor.choose(join(folder, image));
     await visitor.set(set);
@@ -119,7 +122,7 @@ async function assertSameCommand(folder, what) {
   const name = `${what}\n${command}\n${await visitor.text("message")}`;
   assert.equal(await visitor.isError(), false, name);
   const saved = /^# with (.*) saved from the page/.exec(command)?.[1].split(" and ") ?? [];
-  const kinds = { "roots.txt": "roots", "strokes.txt": "strokes" };
+  const kinds = { "roots.txt": "roots", "strokes.txt": "strokes" }; // else the image
   for (const file of saved) writeFileSync(join(folder, file), await visitor.save(kinds[file] ?? "image"));
   const env = { ...process.env, PATH: `${programs}:${process.env.PATH}` };
   const asPgm = command.replaceAll("labels.png", "labels.pgm");
