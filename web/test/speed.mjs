@@ -1,15 +1,16 @@
 // Copyright the Seedforest authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Measures, and tests nothing: the steps of the libraries in the browser, and how long the page takes
-// to answer a slider. In milliseconds, for images of 1024 x 1024 or, with an argument, of another side.
+// Measures, and tests nothing: steps of the libraries as a program and in the browser, and how long
+// the page takes to answer a slider, for a square image of that many pixels a side.
 
+import { spawnSync } from "node:child_process";
 import { mkdtempSync, readFileSync } from "node:fs";
 import { join } from "node:path";
 import { launch, run, serve, Visitor } from "./support.mjs";
 import { tmpdir } from "node:os";
 
-const side = process.argv[2] ?? "1024";
+const side = process.argv[2];
 const runs = side > 2000 ? 3 : 15;
 const folder = mkdtempSync(join(tmpdir(), "seedforest-speed-"));
 run("examples/make_micrograph", [side, side, "image.pgm"], folder);
@@ -18,7 +19,7 @@ const file = join(folder, "image.pgm");
 /** The median and, since machines are rarely quiet, the least. */
 function tell(name, times) {
   times.sort((a, b) => a - b);
-  console.log(name.padEnd(26), times[times.length >> 1].toFixed(1).padStart(8), times[0].toFixed(1).padStart(8));
+  console.log(name.padEnd(40), times[times.length >> 1].toFixed(1).padStart(8), times[0].toFixed(1).padStart(8));
 }
 
 const { server, address } = await serve();
@@ -33,13 +34,13 @@ async function stepTimes(base64, count) {
   const address = wasm._malloc(bytes.length);
   wasm.HEAPU8.set(bytes, address);
   const steps = {
-    "reading": () => wasm._loadFile(address, bytes.length),
+    reading: () => wasm._loadFile(address, bytes.length),
     "h-maxima, seeds of them": (i) => wasm._findRoots(8, 20 + (i % 2), 0, 0, 1, 0, 0),
     "seeds of the background": (i) => wasm._findRoots(0, 20 + (i % 2), 0, 0, 1, 0, 1),
-    "4 steps of smoothing": (i) => wasm._findRoots(8, 20, 0, 3 + (i % 2), 1, 0, 0),
-    "gradient and watershed": (i) => wasm._growRegions(i % 2, 0, 0, 0, 0, 0, -1, 0),
-    "watershed": () => wasm._growRegions(2, 0, 0, 0, 0, 0, -1, 0),
-    "measures": () => wasm._measureRegions(),
+    "3 or 4 steps of smoothing, and these": (i) => wasm._findRoots(8, 20, 0, 3 + (i % 2), 1, 0, 0),
+    again: (i) => wasm._findRoots(8, 20 + (i % 2), 0, 0, 1, 0, 0),
+    watershed: () => wasm._growRegions(2, 0, 0, 0, 0, 0, -1, 0),
+    measures: () => wasm._measureRegions(),
   };
   const times = {};
   for (const [name, step] of Object.entries(steps)) {
@@ -52,6 +53,12 @@ async function stepTimes(base64, count) {
   }
   times["memory in MB"] = [wasm.HEAPU8.length / 1e6];
   return times;
+}
+
+const native = spawnSync(process.env.SEEDFOREST_NATIVE, [file, String(runs)], { encoding: "utf8" });
+for (const line of native.stdout.trim().split("\n")) {
+  const [name, numbers] = line.split(": ");
+  tell(`native: ${name}`, numbers.split(" ").map(Number));
 }
 
 const worker = visitor.page.workers()[0];
