@@ -20,7 +20,8 @@ const samples = {
 export function listenForFiles(load, complain) {
   const take = (file, about) => {
     at("sample").value = "";
-    load(file, about);
+    const name = about.name.replace(/\p{Cc}/gu, "_"); // no lines of their own in commands
+    load(file, { name, isOnDisk: about.isOnDisk && name === about.name });
   };
 
   at("open").addEventListener("click", () => at("file").click());

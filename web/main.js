@@ -170,10 +170,12 @@ function table(message) {
   view.names = rows;
   view.draw();
   showRows(rows);
+  const { name, ncols, nrows, nbands } = facts;
+  const found = `${rows.length.toLocaleString("en")} object${rows.length === 1 ? "" : "s"}`;
   finish(
     result.rootCount === 0
       ? "There are no seeds: change the parameters, or draw some."
-      : `${facts.name}, ${facts.ncols} × ${facts.nrows}, ${facts.nbands === 3 ? "colour" : "grey"}: ${rows.length.toLocaleString("en")} objects.`,
+      : `${name}, ${ncols} × ${nrows}, ${nbands === 3 ? "colour" : "grey"}: ${found}.`,
   );
 }
 
@@ -230,7 +232,8 @@ function point(pixel, isByKey = false) {
   view.brush = tool === "pan" ? null : { radius: Number(at("radius").value) };
   view.draw();
   at("under").setAttribute("aria-live", isByKey ? "polite" : "off");
-  at("under").textContent = facts && pixel && view.has(pixel) ? sentenceOf(pixel, facts, result) : "Point at the image.";
+  const isInside = facts !== null && pixel !== null && view.has(pixel);
+  at("under").textContent = isInside ? sentenceOf(pixel, facts, result) : "Point at the image.";
 }
 
 // ---- seeds by hand
@@ -249,14 +252,18 @@ function nextObject() {
   showObject();
 }
 
-const withStroke = () => ({ ...settingsNow(), strokes: [...history.state.strokes, { ...view.stroke }] });
+const withStroke = () => ({
+  ...settingsNow(),
+  strokes: [...history.state.strokes, { ...view.stroke }],
+});
 
 const strokes = {
   tool: toolNow,
   point,
   begin({ x, y }) {
     if (facts === null) return;
-    const label = toolNow() === "erase" ? 0 : Math.max(1, Math.trunc(Number(at("object").value)) || 1);
+    const object = Math.max(1, Math.trunc(Number(at("object").value)) || 1);
+    const label = toolNow() === "erase" ? 0 : object;
     view.stroke = { label, radius: Number(at("radius").value), points: [x, y] };
     compute(withStroke());
   },
@@ -286,7 +293,10 @@ at("clearStrokes").addEventListener("click", () => {
   commit({ ...settingsNow(), strokes: [] });
   compute(history.state);
 });
-document.querySelector("#tools").addEventListener("change", () => point(view.cursor));
+at("tools").addEventListener("change", () => point(view.cursor));
+at("toolDraw").addEventListener("change", () => {
+  if (history.state?.strokes.length === 0) nextObject(); // no object of the method's by mistake
+});
 
 // ---- the view
 
@@ -315,7 +325,8 @@ function showCommand() {
   const settings = { ...live, rootsFiles: rootsFiles.map((name) => name || "ROOTS") };
   const text = commandFor(settings, facts, result ?? { ground: 0, largestLabel: 0 });
   showLines(text);
-  document.querySelector("[data-save=strokes]").hidden = live.method === "drawn" || live.strokes.length === 0;
+  const isJoined = live.method !== "drawn" && live.strokes.length > 0;
+  document.querySelector("[data-save=strokes]").hidden = !isJoined;
 }
 
 // ---- the start
