@@ -9,69 +9,16 @@
 #include "pixels.h"
 #include "program.h"
 #include "regions.h"
+#include "table.h"
 
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <functional>
-#include <optional>
 
 namespace seedforest::tools {
 
 namespace {
 
 enum class Format { csv, json, geojson };
-
-struct Column {
-  std::string name;
-  std::function<std::string(const Measures &)> text;
-};
-
-// With three digits behind the point, which is a point in every locale.
-std::string decimal(double value) {
-  char text[400];
-  const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 3);
-  return {text, end.ptr};
-}
-
-std::string whole(std::int64_t value) {
-  return std::to_string(value);
-}
-
-void addBand(std::vector<Column> &columns, std::size_t b, const std::string &prefix) {
-  const auto add = [&](const char *name, auto textOf) {
-    columns.push_back(
-        {prefix + name, [b, textOf](const Measures &m) { return textOf(m.bands[b]); }});
-  };
-  add("min", [](const BandMeasures &m) { return whole(m.least); });
-  add("max", [](const BandMeasures &m) { return whole(m.largest); });
-  add("mean", [](const BandMeasures &m) { return decimal(m.mean); });
-  add("sd", [](const BandMeasures &m) { return decimal(m.deviation); });
-}
-
-std::vector<Column> columnsFor(const Image &image) {
-  std::vector<Column> columns = {
-      {"label", [](const Measures &m) { return whole(m.label); }},
-      {"area", [](const Measures &m) { return whole(m.area); }},
-      {"x", [](const Measures &m) { return decimal(m.x); }},
-      {"y", [](const Measures &m) { return decimal(m.y); }},
-      {"left", [](const Measures &m) { return whole(m.left); }},
-      {"top", [](const Measures &m) { return whole(m.top); }},
-      {"right", [](const Measures &m) { return whole(m.right); }},
-      {"bottom", [](const Measures &m) { return whole(m.bottom); }},
-      {"perimeter", [](const Measures &m) { return decimal(m.perimeter); }},
-      {"diameter", [](const Measures &m) { return decimal(m.diameter); }},
-      {"touches_frame", [](const Measures &m) { return whole(m.touchesFrame ? 1 : 0); }},
-  };
-  if (image.nbands() == 1)
-    addBand(columns, 0, "");
-  if (image.nbands() == 3) {
-    addBand(columns, 0, "red_");
-    addBand(columns, 1, "green_");
-    addBand(columns, 2, "blue_");
-  }
-  return columns;
-}
 
 void printText(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stdout);
@@ -93,15 +40,6 @@ void printList(const Items &items, const char *separator, Write write) {
   }
 }
 
-void printCsv(const std::vector<Column> &columns, const std::vector<Measures> &regions) {
-  printList(columns, ",", [](const Column &column) { print(column.name); });
-  print("\n");
-  for (const Measures &region : regions) {
-    printList(columns, ",", [&](const Column &column) { print(column.text(region)); });
-    print("\n");
-  }
-}
-
 // Names are plain words and values numbers: nothing needs an escape.
 void printObject(const std::vector<Column> &columns, const Measures &region) {
   print("{");
@@ -118,7 +56,9 @@ void printJson(const std::vector<Column> &columns, const std::vector<Measures> &
 
 void printRing(const Ring &ring) {
   print("[");
-  printList(ring, ",", [](const Corner &c) { print("[", whole(c.x), ",", whole(c.y), "]"); });
+  printList(ring, ",", [](const Corner &c) {
+    print("[", std::to_string(c.x), ",", std::to_string(c.y), "]");
+  });
   print("]");
 }
 
@@ -146,7 +86,7 @@ void printGeoJson(const std::vector<Column> &columns, const std::vector<Measures
   std::size_t number = 0; // regions and outlines are in the same order, these with one for 0
   print("{\"type\": \"FeatureCollection\", \"features\": [\n");
   printList(regions, ",\n", [&](const Measures &region) {
-    print("{\"type\": \"Feature\", \"id\": ", whole(region.label), ", \"properties\": ");
+    print("{\"type\": \"Feature\", \"id\": ", std::to_string(region.label), ", \"properties\": ");
     printObject(columns, region);
     print(", \"geometry\": ");
     printGeometry(outlines[++number]);
@@ -164,7 +104,7 @@ void measureRegions(Format format, const Operands &operands) {
   const std::vector<Column> columns = columnsFor(image);
   switch (format) {
   case Format::csv:
-    return printCsv(columns, regions);
+    return print(csvOf(columns, regions));
   case Format::json:
     return printJson(columns, regions);
   case Format::geojson:

@@ -6,10 +6,9 @@
 #include "formats.h"
 #include "pixels.h"
 #include "program.h"
+#include "seeding.h"
 
-#include <algorithm>
 #include <climits>
-#include <optional>
 #include <set>
 
 namespace seedforest::tools {
@@ -66,27 +65,8 @@ Roots markerRoots(const Image &image, const Task &task) {
   return markers(brightnessOf(image), task.numbers[0]);
 }
 
-// Of each part its inner half: the pixels at least half as far from the outside as its farthest
-// one. The rest is left to the transform that starts there.
-Roots innerHalves(const Image &shape, const Components &parts) {
-  const NearestRoots outside = exactDistanceTransform(shape, rootsOf(complement(shape)));
-  std::vector<int> farthest(static_cast<std::size_t>(parts.count) + 1);
-  const std::span<const int> part = parts.labels.pixels();
-  const std::span<const int> distance = outside.squaredDistances.pixels();
-  for (std::size_t p = 0; p < part.size(); ++p) {
-    int &largest = farthest[static_cast<std::size_t>(part[p])];
-    largest = std::max(largest, distance[p]);
-  }
-  Roots roots;
-  for (std::size_t p = 0; p < part.size(); ++p)
-    if (part[p] > 0 && distance[p] >= farthest[static_cast<std::size_t>(part[p])] / 4)
-      roots.push_back({static_cast<int>(p), part[p]});
-  return roots;
-}
-
-Roots splitRoots(const Image &image, const Task &task) {
-  const Image shape = withoutHoles(shapeAbove(image, task.choices.threshold));
-  return innerHalves(shape, splitTouching(shape, task.numbers[0]));
+Roots rootsOfParts(const Image &image, const Task &task) {
+  return splitRoots(image, task.choices.threshold, task.numbers[0]);
 }
 
 enum class Takes { numbers, counts, paths }; // counts are at least 0
@@ -109,7 +89,7 @@ constexpr Method methods[] = {
     {"labels", Takes::numbers, 0, 0, "", labelRoots},
     {"cells", Takes::numbers, 1, 1, "STEPS", rootsOfCells},
     {"markers", Takes::counts, 1, 1, "H", markerRoots},
-    {"split", Takes::counts, 1, 1, "H", splitRoots},
+    {"split", Takes::counts, 1, 1, "H", rootsOfParts},
 };
 
 const Method &methodOf(const std::string &word) {
@@ -135,27 +115,6 @@ Task taskOf(const Method &method, const Operands &operands, const Choices &choic
   return task;
 }
 
-// Adds, with a label of its own, the pixels that are surely background: those not within two pixels
-// of any above the threshold.
-void addGround(Roots &roots, const Image &image, const Choices &choices) {
-  constexpr int discOfTwo = 5; // its squared radius; 2 * 2 and the corners
-  const Image near = dilate(shapeAbove(image, choices.threshold), discOfTwo);
-  int largest = 0;
-  for (const int label : roots.labels())
-    largest = std::max(largest, label);
-  if (largest == INT_MAX)
-    throw Error("there is no label left for the ground");
-  const std::span<const int> values = near.pixels();
-  std::size_t count = 0;
-  for (std::size_t p = 0; p < values.size(); ++p)
-    if (values[p] == 0) {
-      roots.push_back({static_cast<int>(p), largest + 1});
-      ++count;
-    }
-  note("the ground has label " + std::to_string(largest + 1) + ", " + std::to_string(count) +
-       " roots");
-}
-
 void noteCounts(const Roots &roots) {
   const std::set<int> labels(roots.labels().begin(), roots.labels().end());
   note(std::to_string(labels.size()) + " labels, " + std::to_string(roots.size()) + " roots");
@@ -170,8 +129,11 @@ void makeSeeds(const Choices &choices, const Operands &operands) {
   const Image &image = isSmooth ? filtered : read;
   Roots roots = method.make(image, task);
   noteCounts(roots);
-  if (choices.hasGround)
-    addGround(roots, image, choices);
+  if (choices.hasGround) {
+    const Ground ground = addGround(roots, image, choices.threshold);
+    note("the ground has label " + std::to_string(ground.label) + ", " +
+         std::to_string(ground.count) + " roots");
+  }
   writeRoots(roots, image, outputPath(operands[1]));
 }
 

@@ -3,22 +3,18 @@
 
 // Regions from roots, and what is done to them afterwards: see regions.h for the steps.
 
+#include "flood.h"
 #include "formats.h"
 #include "pixels.h"
 #include "program.h"
 #include "regions.h"
 
-#include <algorithm>
 #include <climits>
-#include <cstdint>
 #include <optional>
 
 namespace seedforest::tools {
 
 namespace {
-
-enum class Relief { image, negative, gradient };
-enum class Cost { max, sum, local };
 
 struct Choices {
   Relief relief = Relief::gradient;
@@ -30,13 +26,6 @@ struct Choices {
   std::optional<int> background = std::nullopt;
   bool hasLines = false;
 };
-
-Image reliefOf(const Image &image, Relief relief) {
-  if (relief == Relief::gradient)
-    return gradient(image);
-  Image brightness = brightnessOf(image);
-  return raisedToZero(relief == Relief::image ? std::move(brightness) : negative(brightness));
-}
 
 // The pixels that get a label: those above the threshold and inside the mask; none without either.
 std::optional<Image> maskOf(const Image &image, const Choices &choices) {
@@ -50,42 +39,9 @@ std::optional<Image> maskOf(const Image &image, const Choices &choices) {
   return mask.has_value() ? masked(*mask, given) : threshold(given, 1, INT_MAX);
 }
 
-// A sum that cannot wrap: the largest cost is that of a path that never arrives.
-int saturatingSum(int cost, int weight) {
-  return cost > INT_MAX - weight ? INT_MAX : cost + weight;
-}
-
-// Whether sums of weights along the best paths stay within 31 bits for sure: without a mask a path
-// of fewer steps than the image has rows and columns leads anywhere.
-bool isSumBounded(const Image &relief, const ForestOptions &options) {
-  const std::int64_t steps = std::int64_t{relief.ncols()} + relief.nrows();
-  return options.mask == nullptr && steps * std::ranges::max(relief.pixels()) < INT_MAX;
-}
-
-Image labelsFrom(const Image &relief, Roots &roots, Cost cost, const ForestOptions &options) {
-  switch (cost) {
-  case Cost::max:
-    return watershed(relief, roots, options).labels;
-  case Cost::sum:
-    roots.startAt(0);
-    if (isSumBounded(relief, options))
-      return forest(relief, roots, pathCost::sum, arcWeight::watershed, options).labels;
-    return forest(relief, roots, saturatingSum, arcWeight::watershed, options).labels;
-  case Cost::local:
-    roots.startAt(relief);
-    return forest(relief, roots, pathCost::maxLocal, arcWeight::watershed, options).labels;
-  }
-  return {};
-}
-
 Roots readRootsOf(const std::string &path, const Image &image) {
   Roots roots = readRoots(inputPath(path), image);
-  for (const Root &root : roots)
-    if (root.pixel < 0 || root.pixel >= image.npixels())
-      throw Error(path + ": a root outside the image");
-    else if (root.label < 1)
-      throw Error(path + ": a root of label " + std::to_string(root.label) +
-                  ", where labels are from 1");
+  requireRegions(roots, image, path);
   return roots;
 }
 
