@@ -219,13 +219,12 @@ void plantSeeds(const PackedProblem &problem, const WordsInBand<Word> &words, Qu
   });
   if (seeds.n > problem.input->npixels / 4 && problem.neighbors.isWindow())
     sortOutSeeds<Word, local>(problem, words);
-  forEachSeed(pixels, problem.label, [&](int, int p) {
+  std::fill_n(problem.label, problem.input->npixels, 0);
+  forEachSeed(pixels, problem.cost, [&](int i, int p) {
+    problem.label[p] = seeds.label[i];
     if (Bits::isSeed(words[p]) && Bits::arc(words[p]) != Bits::quiet)
       queue.append(Bits::value(words[p]), {p});
   });
-  std::fill_n(problem.label, problem.input->npixels, 0);
-  for (std::size_t i = 0; i < pixels.size(); ++i)
-    problem.label[pixels[i]] = seeds.label[i];
 }
 
 template <class Word, bool local>
