@@ -97,7 +97,7 @@ bool ranPacked(const Task &task, const FunctionArcs &arcs) {
   const bool isKnown = isLocal || task.pathCost == direction.pathCost;
   int **bands = task.bands();
   return arcs.weigh.function == ifWatershedMetric && isKnown &&
-         runPacked({task.input, arcs.neighbors, task.seeds, task.maxCost,
+         runPacked({task.input, task.input->band[0], arcs.neighbors, task.seeds, task.maxCost,
                     direction.best == Extremum::largest, isLocal, bands[0], bands[1], bands[2]});
 }
 

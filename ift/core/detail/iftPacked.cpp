@@ -24,15 +24,14 @@ namespace seedforest::detail {
 namespace {
 
 // A pixel's word, from the lowest bit: its value or, for seeds and where a path has arrived, its
-// cost; whether some of its neighbours are outside the image; the displacement by which it was
-// reached, in 7 bits.
+// cost; whether some of its neighbours are outside the image; in 7 bits, the displacement by which
+// it was reached, or one of the names below.
 template <class Word>
 struct Packing {
   static constexpr int edgeShift = 8 * sizeof(Word) - 8;
   static constexpr int arcShift = edgeShift + 1;
   static constexpr Word valueMask = (Word{1} << edgeShift) - 1;
   static constexpr Word edge = Word{1} << edgeShift;
-  static constexpr int most = 123;
   static constexpr int fixed = 124; // a seed whose cost no path through its value can beat
   static constexpr int quiet = 125; // a seed that does not wait, since it would improve nothing
   static constexpr int seed = 126;
@@ -48,7 +47,7 @@ struct Packing {
   static bool isConquerableSeed(Word word) {
     return mayBeConquered(word) && arc(word) != unreached;
   }
-  static bool isSeed(Word word) { return arc(word) > most && arc(word) != unreached; }
+  static bool isSeed(Word word) { return arc(word) >= fixed && arc(word) != unreached; }
 };
 
 // Words in the memory of a band, which later receives its values: read and written as bytes.
@@ -76,7 +75,7 @@ template <class Word, bool local>
 class PackedTransform {
 public:
   PackedTransform(WordsInBand<Word> words, const PackedProblem &problem)
-      : words_(words), value_(problem.input->band[0]), mirror_(problem.mirror()),
+      : words_(words), value_(problem.value), mirror_(problem.mirror()),
         neighbors_(problem.neighbors), onward_(neighbors_), isSmall_(neighbors_.size() <= most) {
     for (int k = 0; isSmall_ && k < neighbors_.size(); ++k)
       offset_[k] = neighbors_.offset(k);
@@ -129,7 +128,8 @@ private:
   static constexpr int most = 8;
 
   // The displacements, as bits, of the neighbours of p that may be conquered. Without branches,
-  // which would be unpredictable. A displacement that does not exist is 0, to p, which is never improved.
+  // which would be unpredictable. A displacement that does not exist is 0, to p itself, whose own
+  // path is never better.
   unsigned conquerableAround(int p) const {
     unsigned bits = 0;
     for (int k = 0; k < most; ++k)
@@ -176,7 +176,7 @@ template <class Word, bool local>
 void sortOutSeeds(const PackedProblem &problem, const WordsInBand<Word> &words) {
   using Bits = Packing<Word>;
   const imImage *image = problem.input;
-  const int *value = image->band[0];
+  const int *value = problem.value;
   const Mirror mirror = problem.mirror();
   int *seedCost = problem.cost;
   int *toBeat = problem.label; // the costs of seeds that some path could conquer
@@ -219,13 +219,12 @@ void plantSeeds(const PackedProblem &problem, const WordsInBand<Word> &words, Qu
   });
   if (seeds.n > problem.input->npixels / 4 && problem.neighbors.isWindow())
     sortOutSeeds<Word, local>(problem, words);
-  forEachSeed(pixels, problem.label, [&](int, int p) {
+  std::fill_n(problem.label, problem.input->npixels, 0);
+  forEachSeed(pixels, problem.cost, [&](int i, int p) {
+    problem.label[p] = seeds.label[i];
     if (Bits::isSeed(words[p]) && Bits::arc(words[p]) != Bits::quiet)
       queue.append(Bits::value(words[p]), {p});
   });
-  std::fill_n(problem.label, problem.input->npixels, 0);
-  for (std::size_t i = 0; i < pixels.size(); ++i)
-    problem.label[pixels[i]] = seeds.label[i];
 }
 
 template <class Word, bool local>
@@ -234,7 +233,7 @@ void run(const PackedProblem &problem) {
   using Transform = PackedTransform<Word, local>;
   const imImage *input = problem.input;
   const NeighborWalk &neighbors = problem.neighbors;
-  const int *value = input->band[0];
+  const int *value = problem.value;
   const Mirror mirror = problem.mirror();
   const WordsInBand<Word> words(problem.pred);
   for (int p = 0, y = 0; y < input->nrows; ++y)
@@ -279,9 +278,17 @@ bool runPacked(const PackedProblem &problem) {
   using Wide = Packing<std::uint32_t>;
   const imImage *input = problem.input;
   const ifRoots *seeds = problem.seeds;
+  if (problem.value == problem.label || problem.value == problem.cost ||
+      problem.value == problem.pred) { // values are read to the end
+    const Array<int> copy = makeArray<int>(static_cast<std::size_t>(input->npixels));
+    std::copy_n(problem.value, input->npixels, copy.get());
+    PackedProblem apart = problem;
+    apart.value = copy.get();
+    return runPacked(apart);
+  }
   if (problem.maxCost > static_cast<int>(Wide::valueMask) ||
-      problem.neighbors.size() > Wide::most + 1 ||
-      !allWithin(input->band[0], input->npixels, 0, problem.maxCost) ||
+      problem.neighbors.size() > Wide::fixed ||
+      !allWithin(problem.value, input->npixels, 0, problem.maxCost) ||
       !allWithin(seeds->value, seeds->n, 0, problem.maxCost))
     return false;
   ++packedRuns;

@@ -30,6 +30,7 @@ struct Mirror {
 /// A maximising transform runs as the minimising one of keys = maxCost - cost.
 struct PackedProblem {
   const imImage *input;
+  const int *value; ///< its band 0
   const NeighborWalk &neighbors;
   const ifRoots *seeds;
   int maxCost;

@@ -9,8 +9,8 @@
 // pixel lie on one stack, and no others are incomplete (Salembier, Oliveras and Garrido,
 // "Antiextensive connected operators for image and sequence processing", 1998; with a stack of
 // components in place of a recursion as in Nistér and Stewénius, "Linear time maximally stable
-// extremal regions", 2008). There is no sort, and most pixels are met near the one before: it takes
-// half of the time of the pass by falling value, a third in large images.
+// extremal regions", 2008). There is no sort, and most pixels are met near the one before: it
+// takes two thirds of the time of the pass by falling value, and on noise half, in large images less.
 #pragma once
 
 #include "base/arith.h"
