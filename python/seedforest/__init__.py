@@ -73,20 +73,22 @@ from ._seeds import (
 from ._forest import (
     ArcWeights,
     Forest,
-    NearestSeeds,
     SpanningTree,
     Violation,
     arc_weights,
     disc,
-    distance_forest,
-    distance_transform,
     image_forest,
-    nearest_seeds,
     scaled_forest,
     spanning_tree,
     verify,
     watershed,
     window,
+)
+from ._distances import (
+    NearestSeeds,
+    distance_forest,
+    distance_transform,
+    nearest_seeds,
 )
 from ._filters import (
     Connectedness,

@@ -100,8 +100,9 @@ def alternating_filter(image: ArrayLike, steps: int, first: str = "open") -> Pic
 
 
 def gradient(image: ArrayLike) -> Labels:
-    """Morphological gradient: the largest minus the smallest value among each pixel and its 8
-    neighbours, in the band where this is largest.
+    """Morphological gradient: how much values differ among each pixel and its 8 neighbours.
+
+    It is the largest minus the smallest value, in the band where this is largest.
 
     Parameters
     ----------
@@ -202,8 +203,9 @@ def area_opening(
 def area_opening(
     image: ArrayLike, area: int, return_labels: bool = False
 ) -> Union[Picture, Tuple[Picture, Labels]]:
-    """Lowers each bright peak of fewer than ``area`` pixels to the highest level at which it is not
-    smaller.
+    """Lowers each bright peak that covers too few pixels.
+
+    It goes to the highest level at which it covers ``area`` pixels or more.
 
     Parameters
     ----------

@@ -241,8 +241,7 @@ class RegionGraph:
         return self._graph.cut_above(whole("weight", weight))
 
     def remove_small(self, area: int, weight: Function = "euclidean") -> Labels:
-        """Labels in which regions of fewer pixels than ``area`` went to the neighbour at the lightest
-        edge."""
+        """Labels in which regions of fewer pixels joined the neighbour at the lightest edge."""
         return self._graph.remove_small(whole("area", area), weight)
 
     def merge_similar(self, threshold: int, weight: Function = "euclidean") -> Labels:
@@ -250,8 +249,10 @@ class RegionGraph:
         return self._graph.merge_similar(whole("threshold", threshold), weight)
 
     def merge_similar_colors(self, image: ArrayLike, distance: int) -> Labels:
-        """Labels of regions merged, the two neighbours of the nearest average colours first, as long
-        as these are no farther apart than a distance."""
+        """Labels of regions merged, the two neighbours of the nearest average colours first.
+
+        This ends when they are farther apart than a distance; averages follow.
+        """
         return self._graph.merge_similar_colors(image, whole("distance", distance))
 
     def forest(

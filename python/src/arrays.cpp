@@ -35,7 +35,7 @@ Shape shapeOf(const py::array &array) {
                           textOf(array.attr("shape")));
   const py::ssize_t nrows = array.shape(n - 2);
   const py::ssize_t ncols = array.shape(n - 1);
-  if (array.size() == 0 || nrows > INT32_MAX || ncols > INT32_MAX)
+  if (array.size() == 0 || nrows > INT32_MAX / ncols)
     throw py::value_error("there is no image of the shape " + textOf(array.attr("shape")));
   return {static_cast<int>(ncols), static_cast<int>(nrows)};
 }
