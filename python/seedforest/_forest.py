@@ -67,7 +67,7 @@ class Forest(NamedTuple):
 
 
 class Violation(NamedTuple):
-    """What is wrong with a forest, and where."""
+    """What is wrong with a forest, and where; the sentence names pixels as (x, y)."""
 
     row: int
     column: int

@@ -13,6 +13,18 @@ from . import _core
 from ._arguments import Function, Labels, integers, shape_of, whole
 
 
+def _dense(labels: ArrayLike) -> ArrayLike:
+    """Labels for each of which memory is taken, whether it occurs or not."""
+    labels = np.asanyarray(labels)
+    largest = int(labels.max()) if labels.size and labels.dtype.kind in "iu" else 0
+    if largest > 2**16 + 8 * labels.size:
+        raise ValueError(
+            f"labels up to {largest} in an image of {labels.size} pixels: number them without gaps, "
+            "for example by relabel_sequential"
+        )
+    return labels
+
+
 def measure(labels: ArrayLike, image: Optional[ArrayLike] = None) -> Dict[str, NDArray[np.int32]]:
     """Measurements of regions, as columns of a table: ``pandas.DataFrame(seedforest.measure(…))``.
 
@@ -33,6 +45,7 @@ def measure(labels: ArrayLike, image: Optional[ArrayLike] = None) -> Dict[str, N
     >>> sf.measure([[1, 1, 3]], [[4, 6, 9]])
     {'label': array([1, 3], dtype=int32), 'area': array([2, 1], dtype=int32), 'average': array([5, 9], dtype=int32)}
     """
+    labels = _dense(labels)
     table = _core.measure(labels, labels if image is None else image)
     names = ["label", "area"]
     bands = 0 if image is None else table.shape[1] - 2
@@ -308,8 +321,8 @@ def region_graph(labels: ArrayLike, image: Optional[ArrayLike] = None) -> Region
            [2, 3, 0]], dtype=int32)
     """
     if image is None:
-        return RegionGraph._of(_core.region_graph(labels))
-    return RegionGraph._of(_core.region_graph_with(labels, image))
+        return RegionGraph._of(_core.region_graph(_dense(labels)))
+    return RegionGraph._of(_core.region_graph_with(_dense(labels), image))
 
 
 def region_adjacency(labels: ArrayLike) -> NDArray[np.int32]:

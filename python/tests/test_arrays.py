@@ -120,6 +120,8 @@ def test_what_is_no_image_is_refused(image, error, words):
         (lambda: sf.rgb2lab(np.zeros((9, 9, 3), np.uint8)), ValueError, "moveaxis"),
         (lambda: sf.overlay(IMAGE, IMAGE, color=(0, 0, 256)), ValueError, "0 to 255"),
         (lambda: sf.measure(-IMAGE), ValueError, ""),
+        (lambda: sf.measure([[10**9, 1]]), ValueError, "relabel_sequential"),
+        (lambda: sf.region_graph([[2**31 - 1]]), ValueError, "relabel_sequential"),
         (lambda: sf.region_graph(IMAGE).neighbors(99), ValueError, "no vertex 99"),
         (lambda: sf.RegionGraph(3).labels, ValueError, ""),
         (lambda: sf.imread("missing.pgm"), OSError, "missing.pgm"),
