@@ -143,10 +143,12 @@ py::array copied(const Image &image, int nbands) {
     shape.insert(shape.begin(), nbands);
   py::array_t<Value> array(shape);
   Value *target = array.mutable_data();
-  const py::gil_scoped_release release;
-  for (int b = 0; b < nbands; ++b)
-    for (const int value : image.pixels(b))
-      *target++ = static_cast<Value>(value);
+  {
+    const py::gil_scoped_release release;
+    for (int b = 0; b < nbands; ++b)
+      for (const int value : image.pixels(b))
+        *target++ = static_cast<Value>(value);
+  }
   return array;
 }
 
