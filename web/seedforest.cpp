@@ -33,7 +33,7 @@ namespace {
 constexpr int mostPixels = 36'000'000;
 
 // Everything that a visitor sees. Kept steps are those whose settings have not changed.
-struct Session {
+struct Page {
   Image image;
   bool isForTool = false; // a file that the tool reads as the page does
   Image smooth;           // the image after smoothSteps steps of a filter
@@ -52,12 +52,12 @@ struct Session {
   std::string error;
 };
 
-Session session;
+Page page;
 
 EM_JS(void, tellProgress, (double fraction), { Module.tellProgress(fraction); });
 
 Roots &allRoots() {
-  return session.strokes.empty() ? session.found : session.both;
+  return page.strokes.empty() ? page.found : page.both;
 }
 
 template <class Work>
@@ -70,11 +70,11 @@ int guarded(Work work) {
     work();
     return 1;
   } catch (const OutOfMemory &) {
-    session.error = "The image is too large for this step: the browser gives no more memory.";
+    page.error = "The image is too large for this step: the browser gives no more memory.";
   } catch (const std::bad_alloc &) {
-    session.error = "The image is too large for this step: the browser gives no more memory.";
+    page.error = "The image is too large for this step: the browser gives no more memory.";
   } catch (const std::exception &error) {
-    session.error = error.what();
+    page.error = error.what();
   }
   return 0;
 }
@@ -84,28 +84,28 @@ void start(Image image, bool isForTool) {
     throw Error("The image has " + std::to_string(image.npixels() / 1'000'000) +
                 " million pixels; this page takes up to " + std::to_string(mostPixels / 1'000'000) +
                 " million. The programs on the command line have no such limit.");
-  session = {};
-  session.image = std::move(image);
-  session.isForTool = isForTool;
+  page = {};
+  page.image = std::move(image);
+  page.isForTool = isForTool;
 }
 
 const Image &smoothed(int steps) {
   if (steps == 0)
-    return session.image;
-  if (!session.smooth || session.smoothSteps != steps) {
-    session.smooth = {};
-    session.smooth = alternatingFilter(session.image, steps);
-    session.smoothSteps = steps;
+    return page.image;
+  if (!page.smooth || page.smoothSteps != steps) {
+    page.smooth = {};
+    page.smooth = alternatingFilter(page.image, steps);
+    page.smoothSteps = steps;
   }
-  return session.smooth;
+  return page.smooth;
 }
 
 Roots joinedFiles(const Image &image) {
-  for (const std::string &file : session.rootsFiles)
+  for (const std::string &file : page.rootsFiles)
     if (file.empty())
       throw Error("Choose two roots files to join.");
-  Roots joined = decodeRoots(session.rootsFiles[0], image);
-  for (const Root &root : decodeRoots(session.rootsFiles[1], image))
+  Roots joined = decodeRoots(page.rootsFiles[0], image);
+  for (const Root &root : decodeRoots(page.rootsFiles[1], image))
     joined.push_back(root);
   return joined;
 }
@@ -139,16 +139,16 @@ Roots rootsBy(Method method, int a, int b, const Image &image, const Threshold &
 }
 
 const Image &reliefFor(Relief kind) {
-  if (!session.relief || session.reliefKind != kind) {
-    session.relief = {};
-    session.relief = reliefOf(session.image, kind);
-    session.reliefKind = kind;
+  if (!page.relief || page.reliefKind != kind) {
+    page.relief = {};
+    page.relief = reliefOf(page.image, kind);
+    page.reliefKind = kind;
   }
-  return session.relief;
+  return page.relief;
 }
 
 int keepText(const std::function<std::string()> &textOf) {
-  return guarded([&] { session.text = textOf(); });
+  return guarded([&] { page.text = textOf(); });
 }
 
 } // namespace
@@ -156,7 +156,7 @@ int keepText(const std::function<std::string()> &textOf) {
 extern "C" {
 
 EMSCRIPTEN_KEEPALIVE const char *errorText() {
-  return session.error.c_str();
+  return page.error.c_str();
 }
 
 /// A PNM file.
@@ -186,29 +186,29 @@ EMSCRIPTEN_KEEPALIVE int loadPixels(const unsigned char *samples, int ncols, int
 }
 
 EMSCRIPTEN_KEEPALIVE int columns() {
-  return session.image.ncols();
+  return page.image.ncols();
 }
 EMSCRIPTEN_KEEPALIVE int rows() {
-  return session.image.nrows();
+  return page.image.nrows();
 }
 EMSCRIPTEN_KEEPALIVE int bands() {
-  return session.image.nbands();
+  return page.image.nbands();
 }
 EMSCRIPTEN_KEEPALIVE int isForTool() {
-  return session.isForTool ? 1 : 0;
+  return page.isForTool ? 1 : 0;
 }
 EMSCRIPTEN_KEEPALIVE const int *band(int b) {
-  return session.image.pixels(b).data();
+  return page.image.pixels(b).data();
 }
 EMSCRIPTEN_KEEPALIVE int otsu() {
-  return otsuThreshold(brightnessOf(session.image));
+  return otsuThreshold(brightnessOf(page.image));
 }
 
 EMSCRIPTEN_KEEPALIVE int takeRootsFile(int place, const char *bytes, int size) {
   return guarded([&] {
     const std::string_view file(bytes, static_cast<std::size_t>(size));
-    decodeRoots(file, session.image); // a damaged file is refused at once
-    session.rootsFiles[static_cast<std::size_t>(place)] = file;
+    decodeRoots(file, page.image); // a damaged file is refused at once
+    page.rootsFiles[static_cast<std::size_t>(place)] = file;
   });
 }
 
@@ -217,30 +217,30 @@ EMSCRIPTEN_KEEPALIVE int takeRootsFile(int place, const char *bytes, int size) {
 EMSCRIPTEN_KEEPALIVE int findRoots(int method, int a, int b, int steps, int isAutomatic,
                                    int threshold, int hasGround) {
   return guarded([&] {
-    session.labels = {}; // which will be new
+    page.labels = {}; // which will be new
     const Image &image = smoothed(steps);
     Threshold limit;
     if (isAutomatic == 0)
       limit.value = threshold;
-    session.found = rootsBy(static_cast<Method>(method), a, b, image, limit);
-    session.ground = hasGround == 0 ? 0 : addGround(session.found, image, limit).label;
-    session.strokes = {};
-    session.both = {};
+    page.found = rootsBy(static_cast<Method>(method), a, b, image, limit);
+    page.ground = hasGround == 0 ? 0 : addGround(page.found, image, limit).label;
+    page.strokes = {};
+    page.both = {};
   });
 }
 
 /// Adds `count` roots, each a pixel and a label, behind those that were found.
 EMSCRIPTEN_KEEPALIVE int addStrokes(const int *pairs, int count) {
   return guarded([&] {
-    session.strokes = {};
-    session.both = {};
+    page.strokes = {};
+    page.both = {};
     if (count == 0)
       return;
-    session.both = session.found.copy();
+    page.both = page.found.copy();
     for (int i = 0; i < count; ++i) {
       const Root root = {pairs[2 * i], pairs[2 * i + 1]};
-      session.strokes.push_back(root);
-      session.both.push_back(root);
+      page.strokes.push_back(root);
+      page.both.push_back(root);
     }
   });
 }
@@ -255,7 +255,7 @@ EMSCRIPTEN_KEEPALIVE const int *rootLabels() {
   return std::as_const(allRoots()).labels().data();
 }
 EMSCRIPTEN_KEEPALIVE int groundLabel() {
-  return session.ground;
+  return page.ground;
 }
 
 /// Grows regions from the roots: `only` is 0 for the whole image, 1 above Otsu's threshold, 2 above
@@ -263,7 +263,7 @@ EMSCRIPTEN_KEEPALIVE int groundLabel() {
 EMSCRIPTEN_KEEPALIVE int growRegions(int relief, int isFour, int cost, int only, int threshold,
                                      int leastArea, int similar, int hasLines) {
   return guarded([&] {
-    const Image &image = session.image;
+    const Image &image = page.image;
     requireRegions(allRoots(), image, "The roots");
     Image mask;
     if (only != 0)
@@ -271,7 +271,7 @@ EMSCRIPTEN_KEEPALIVE int growRegions(int relief, int isFour, int cost, int only,
     ForestOptions options;
     options.adjacency = isFour != 0 ? Adjacency::four() : Adjacency::eight();
     options.mask = only != 0 ? &mask : nullptr;
-    session.labels = {};
+    page.labels = {};
     Image grown = labelsFrom(reliefFor(static_cast<Relief>(relief)), allRoots(),
                              static_cast<Cost>(cost), options);
     Merging merging = {leastArea};
@@ -279,60 +279,59 @@ EMSCRIPTEN_KEEPALIVE int growRegions(int relief, int isFour, int cost, int only,
       merging.similar = similar;
     if (merging.isAsked())
       grown = merged(std::move(grown), image, merging);
-    if (session.ground != 0)
-      clearLabel(grown, session.ground);
+    if (page.ground != 0)
+      clearLabel(grown, page.ground);
     if (hasLines != 0)
       drawLines(grown, options.adjacency);
-    session.labels = std::move(grown);
+    page.labels = std::move(grown);
   });
 }
 
 EMSCRIPTEN_KEEPALIVE const int *labelPixels() {
-  return std::as_const(session.labels).pixels().data();
+  return std::as_const(page.labels).pixels().data();
 }
 
 /// Measures the regions. A row of numbers for each, by label: label, area, x, y, and the mean of
 /// each band.
 EMSCRIPTEN_KEEPALIVE int measureRegions() {
   return guarded([&] {
-    session.regions = measuresOf(session.labels, &session.image);
-    session.rows.clear();
-    for (const Measures &region : session.regions) {
-      session.rows.insert(session.rows.end(),
-                          {static_cast<double>(region.label), static_cast<double>(region.area),
-                           region.x, region.y});
+    page.regions = measuresOf(page.labels, &page.image);
+    page.rows.clear();
+    for (const Measures &region : page.regions) {
+      page.rows.insert(page.rows.end(), {static_cast<double>(region.label),
+                                         static_cast<double>(region.area), region.x, region.y});
       for (const BandMeasures &values : region.bands)
-        session.rows.push_back(values.mean);
+        page.rows.push_back(values.mean);
     }
   });
 }
 
 EMSCRIPTEN_KEEPALIVE const double *regionRows() {
-  return session.rows.data();
+  return page.rows.data();
 }
 EMSCRIPTEN_KEEPALIVE int regionRowsSize() {
-  return static_cast<int>(session.rows.size());
+  return static_cast<int>(page.rows.size());
 }
 
 /// The bytes of files: of all roots, of those by a method, of those drawn, the table of the
 /// regions, and the image as PNM.
 EMSCRIPTEN_KEEPALIVE int writeRootsText(int which) {
   return keepText([which] {
-    const Roots &roots = which == 0 ? allRoots() : which == 1 ? session.found : session.strokes;
-    return encodeRoots(roots, session.image);
+    const Roots &roots = which == 0 ? allRoots() : which == 1 ? page.found : page.strokes;
+    return encodeRoots(roots, page.image);
   });
 }
 EMSCRIPTEN_KEEPALIVE int writeTable() {
-  return keepText([] { return csvOf(columnsFor(session.image), session.regions); });
+  return keepText([] { return csvOf(columnsFor(page.image), page.regions); });
 }
 EMSCRIPTEN_KEEPALIVE int writeImageFile() {
-  return keepText([] { return encodeImage(session.image, "-"); });
+  return keepText([] { return encodeImage(page.image, "-"); });
 }
 EMSCRIPTEN_KEEPALIVE const char *textBytes() {
-  return session.text.data();
+  return page.text.data();
 }
 EMSCRIPTEN_KEEPALIVE int textSize() {
-  return static_cast<int>(session.text.size());
+  return static_cast<int>(page.text.size());
 }
 
 } // extern "C"
