@@ -12,7 +12,7 @@ from numpy.typing import ArrayLike, NDArray
 from . import _core
 from ._arguments import Connectivity, Labels, Shape, connections, shape_of
 from ._forest import Forest
-from ._roots import Seeds, seed_table, seeds_from_labels
+from ._roots import Seeds, seed_table
 
 
 @overload
@@ -60,7 +60,7 @@ def distance_transform(
     >>> sf.distance_transform([[1, 1, 1, 0]])
     array([[9, 4, 1, 0]], dtype=int32)
     """
-    nearest = nearest_seeds(shape, seeds_from_labels(_core.complement(shape)))
+    nearest = NearestSeeds(*_core.nearest_outside(shape))
     distances: NDArray[Any] = nearest.squared_distances
     if not squared:
         infinite = distances == np.iinfo(np.int32).max

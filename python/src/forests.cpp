@@ -160,6 +160,12 @@ void bindForests(py::module_ &module) {
         return exactDistanceTransform(Image(ncols, nrows, 0), roots);
       },
       unlocked());
+  module.def(
+      "nearest_outside",
+      [](const Image &shape) {
+        return exactDistanceTransform(shape, seedforest::rootsOf(complement(shape)));
+      },
+      unlocked());
   module.def("spanning_tree", &spanningTreeOf);
   module.def(
       "cut",

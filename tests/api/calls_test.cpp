@@ -348,7 +348,7 @@ TEST_F(MemoryDeathTest, WithoutAScopeTheProcessEndsAfterALine) {
   EXPECT_FATAL(without(1, [&] { ifLabelImage(t.mask, t.out); }), "^could not allocate memory!\n$");
   EXPECT_FATAL(without(2, [&] { t.take(ifMosaicToGraph(t.labels)); }),
                "^in createGraph: could not allocate memory\n$");
-  EXPECT_FATAL(without(1, [&] { t.take(ifRegionalMaxima(t.grey)); }),
+  EXPECT_FATAL(without(1, [&] { t.take(ifCellsRoots(t.grey, 1)); }),
                "^Could not allocate image!\n$");
 }
 
