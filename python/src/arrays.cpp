@@ -121,7 +121,7 @@ Image converted(const py::array &array, Shape shape) {
 py::array_t<int> tableFrom(py::handle object, int columns) {
   if (!py::isinstance<py::array_t<int, py::array::c_style>>(object))
     throw py::type_error("not a table of int32");
-  const auto table = py::reinterpret_borrow<py::array_t<int>>(object);
+  auto table = py::reinterpret_borrow<py::array_t<int>>(object);
   if (table.ndim() != 2 || table.shape(1) != columns)
     throw py::type_error("not a table of " + std::to_string(columns) + " columns");
   return table;
@@ -131,7 +131,7 @@ py::array owning(std::unique_ptr<Image> image) {
   const int *values = image->pixels().data();
   const py::ssize_t shape[] = {image->nrows(), image->ncols()};
   const py::capsule owner(image.get(), [](void *kept) { delete static_cast<Image *>(kept); });
-  image.release();
+  static_cast<void>(image.release());
   return py::array_t<int>(shape, values, owner);
 }
 

@@ -48,6 +48,7 @@ void bindFilters(py::module_ &module) {
       [](const Image &image, const Roots &roots, const std::vector<std::pair<int, int>> &list,
          const Adjacency &adjacency) {
         std::vector<FuzzyObject> objects;
+        objects.reserve(list.size());
         for (const auto &[mean, sigma] : list)
           objects.push_back({mean, sigma});
         return fuzzyConnectedness(image, roots, objects, adjacency);

@@ -4,6 +4,9 @@
 #include "bindings.h"
 #include "seedforest/seedforest.hpp"
 
+#include <exception>
+#include <utility>
+
 namespace seedforest::python {
 
 namespace {
@@ -12,7 +15,7 @@ namespace py = pybind11;
 
 void translate(std::exception_ptr thrown) {
   try {
-    std::rethrow_exception(thrown);
+    std::rethrow_exception(std::move(thrown));
   } catch (const Cancelled &) {
     // The signal's exception stands in the interpreter already.
   } catch (const FileError &error) {
