@@ -185,7 +185,7 @@ private:
     top.level = next;
     if (components_.size() == 1)
       return;
-    Component &below = components_.end()[-2];
+    Component &below = components_[components_.size() - 2];
     if (below.level < next)
       return;
     below.area += top.area;
