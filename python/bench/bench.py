@@ -120,7 +120,7 @@ def ten_functions(image):
             lambda: sf.watershed(gradient, seeds),
             lambda: segmentation.watershed(gradient, painted, connectivity=2),
             lambda: cv2.watershed(rgb, painted.copy()),
-            lambda: ndi.watershed_ift(gradient, painted, structure=EIGHT),
+            None,
         ),
         "label": (
             lambda: sf.label(shape),
