@@ -46,13 +46,14 @@ void Runs::addEmptyRun() {
 // all that noise makes unpredictable.
 int Runs::findEdges() const {
   int *edge = edge_.get() + 2 * static_cast<std::size_t>(count_);
-  std::uint64_t before = 0;                     // the last pixel of the word before
-  for (int x = 0; x <= ncols_; x += wordBits) { // the pixel behind the row ends its last run
+  std::uint64_t before = 0; // the last pixel of the word before
+  for (std::int64_t x = 0; x <= ncols_;
+       x += wordBits) { // the pixel behind the row ends its last run
     std::uint64_t objects = 0;
     for (int byte = 0; byte < 8; ++byte)
       objects |= bitsOf(object_.get() + x + 8 * byte) << 8 * byte;
     for (std::uint64_t edges = objects ^ (objects << 1 | before); edges != 0; edges &= edges - 1)
-      *edge++ = firstPixel_ + x + std::countr_zero(edges);
+      *edge++ = firstPixel_ + static_cast<int>(x + std::countr_zero(edges));
     before = objects >> (wordBits - 1);
   }
   return static_cast<int>((edge - edge_.get()) / 2);

@@ -12,6 +12,7 @@
 #include "base/multiversion.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -46,7 +47,7 @@ SEEDFOREST_MULTIVERSION void flipValues(const int *value, int flip, int n, int *
 // The largest value of each 3 x 3 window of three rows.
 SEEDFOREST_MULTIVERSION void windowMaxima(const int *above, const int *row, const int *below, int n,
                                           int *columns, int *largest) {
-  for (int x = -1; x <= n; ++x)
+  for (std::int64_t x = -1; x <= n; ++x) // n may be the largest int
     columns[x] = std::max(std::max(above[x], row[x]), below[x]);
   for (int x = 0; x < n; ++x)
     largest[x] = std::max(std::max(columns[x - 1], columns[x]), columns[x + 1]);
