@@ -63,13 +63,13 @@ private:
   Array<int> parent_;
 };
 
-// Regions with their edges to others, which go over to the region that stays, and with integers on
-// each: they are the vertices of a graph of their own.
+// Regions with their edges to others, which go over to the region that stays: the vertices of a
+// graph of their own.
 class BorderedRegions : public Regions {
 public:
-  BorderedRegions(const char *operation, const ifGraph *graph, int dataSize)
+  BorderedRegions(const char *operation, const ifGraph *graph)
       : Regions(graph->nVertices),
-        graph_(requireMade(tryMakeGraph("createGraph", graph->nVertices, dataSize).release())) {
+        graph_(requireMade(tryMakeGraph("createGraph", graph->nVertices, 0).release())) {
     EdgeInserter edges(operation, graph_.get());
     forEachEdge(operation, graph, [&](int v, const ifEdge &edge) {
       if (edge.target != 0 && edge.target != v)
@@ -77,17 +77,17 @@ public:
     });
   }
 
-  ifGraph *graph() { return graph_.get(); }
   ifEdge *&edgesOf(int region) { return graph_->vertices[region].edges; }
 
-  // Calls keep(neighbour, edge) for each edge that leads out of a region. Those of which it does
-  // not hold go away, as do those that lead to the region itself by now.
-  template <class Keep>
-  void filterEdges(int region, Keep keep) {
+  // Calls visit(neighbour, edge) for each edge that leads out of a region. Those that lead to the
+  // region itself by now go away.
+  template <class Visit>
+  void forEachEdgeOf(int region, Visit visit) {
     for (ifEdge **link = &edgesOf(region); *link != nullptr;) {
       ifEdge *edge = *link;
       const int neighbor = of(edge->target);
-      if (neighbor != region && keep(neighbor, *edge)) {
+      if (neighbor != region) {
+        visit(neighbor, *edge);
         link = &edge->next;
       } else {
         *link = edge->next;
@@ -124,11 +124,10 @@ Array<int> areasOf(const ifGraph *graph) {
 // The neighbour at the lightest edge, or 0. Clears away the edges that do not count any more.
 int lightestNeighbor(BorderedRegions &regions, int region) {
   std::pair<int, int> best = {0, 0}; // weight, neighbour
-  regions.filterEdges(region, [&](int neighbor, const ifEdge &edge) {
+  regions.forEachEdgeOf(region, [&](int neighbor, const ifEdge &edge) {
     const std::pair<int, int> offer = {edge.weight, neighbor};
     if (best.second == 0 || offer < best)
       best = offer;
-    return true;
   });
   return best.second;
 }
@@ -139,10 +138,8 @@ int lightestNeighbor(BorderedRegions &regions, int region) {
 int lightestNeighborOfEmpty(BorderedRegions &regions, const int *areaOf, int region) {
   MinHeap<std::pair<int, int>> border; // weight, neighbour
   for (int next = region;;) {
-    regions.filterEdges(next, [&](int neighbor, const ifEdge &edge) {
-      border.emplace(edge.weight, neighbor);
-      return true;
-    });
+    regions.forEachEdgeOf(
+        next, [&](int neighbor, const ifEdge &edge) { border.emplace(edge.weight, neighbor); });
     if (next != region)
       regions.merge(next, region);
     while (!border.empty() && regions.of(border.top().second) == region)
@@ -158,119 +155,106 @@ int lightestNeighborOfEmpty(BorderedRegions &regions, const int *areaOf, int reg
 // Region growing by mean colour: see the header.
 class ColorMerging {
 public:
-  ColorMerging(BorderedRegions &regions, const imImage *labels, const imImage *image,
-               Array<int> area, int threshold, ifGraphWeightFn weight)
-      : regions_(regions), nVertices_(regions.graph()->nVertices), nbands_(image->nbands),
-        threshold_(threshold), weigh_(weight), area_(std::move(area)),
-        sum_(makeZeroedArray<std::int64_t>(size() * static_cast<std::size_t>(nbands_))),
-        version_(makeZeroedArray<int>(size())), metAt_(makeZeroedArray<std::int64_t>(size())) {
+  ColorMerging(const char *operation, const ifGraph *graph, const imImage *image, int threshold,
+               ifGraphWeightFn weight)
+      : nVertices_(graph->nVertices), nbands_(image->nbands), threshold_(threshold), weigh_(weight),
+        regions_(nVertices_), area_(areasOf(graph)),
+        sum_(makeZeroedArray<std::int64_t>(static_cast<std::size_t>(nVertices_) *
+                                           static_cast<std::size_t>(nbands_))),
+        averages_(requireMade(tryMakeGraph("createGraph", nVertices_, nbands_).release())) {
+    const imImage *labels = graph->labelImage;
     for (int b = 0; b < nbands_; ++b)
       for (int p = 0; p < labels->npixels; ++p)
         sumsOf(labels->band[0][p])[b] += image->band[b][p];
     for (int v = 0; v < nVertices_; ++v)
       updateAverages(v);
-  }
-
-  void run() {
-    for (int v = 1; v < nVertices_; ++v)
-      offerPairs(v, v);
-    Meter meter(nVertices_);
-    while (!heap_.empty()) {
-      std::pop_heap(heap_.begin(), heap_.end(), std::greater<>());
-      const Pair pair = heap_.back();
-      heap_.pop_back();
-      if (!isCurrent(pair))
-        continue;
-      merge(pair.a, pair.b);
-      meter.advance(1);
-    }
-  }
-
-private:
-  // Neighbours a < b that may merge, unless one of them has changed since.
-  struct Pair {
-    int weight;
-    int a;
-    int b;
-    int versionOfA;
-    int versionOfB;
-    auto operator<=>(const Pair &) const = default;
-  };
-
-  std::size_t size() const { return static_cast<std::size_t>(nVertices_); }
-  std::int64_t *sumsOf(int v) { return sum_.get() + std::ptrdiff_t{nbands_} * v; }
-  bool isCurrent(const Pair &pair) const {
-    return version_[pair.a] == pair.versionOfA && version_[pair.b] == pair.versionOfB;
-  }
-
-  // Whether any average is another one now.
-  bool updateAverages(int v) {
-    bool isChanged = false;
-    for (int b = 0; b < nbands_; ++b) {
-      const std::int64_t average = sumsOf(v)[b] / std::max(area_[v], 1);
-      int &old = regions_.graph()->vertices[v].data[b];
-      isChanged |= std::exchange(old, static_cast<int>(average)) != average;
-    }
-    return isChanged;
-  }
-
-  // Offers a region with each neighbour at the edges in the list of `owner`, which is the region or
-  // about to become part of it. Keeps one edge to each.
-  void offerPairs(int owner, int region) {
-    ++round_;
-    regions_.filterEdges(owner, [&](int neighbor, const ifEdge &) {
-      if (neighbor == region || std::exchange(metAt_[neighbor], round_) == round_)
-        return false;
-      offer(std::min(region, neighbor), std::max(region, neighbor));
-      return true;
+    forEachEdge(operation, graph, [&](int v, const ifEdge &edge) {
+      if (edge.target != 0)
+        borders_.push_back({0, v, edge.target});
     });
   }
 
-  void offer(int a, int b) {
-    const int weight = weigh_(regions_.graph(), a, b);
-    if (weight > threshold_)
-      return;
-    if (heap_.size() >= roomBeforeCleaning_)
-      dropOutdated();
-    heap_.push_back({weight, a, b, version_[a], version_[b]});
-    std::push_heap(heap_.begin(), heap_.end(), std::greater<>());
+  Regions &run() {
+    Meter meter(nVertices_);
+    while (takeTurn(meter)) {
+    }
+    return regions_;
   }
 
-  // Keeps the heap from growing with the number of changes.
-  void dropOutdated() {
-    std::erase_if(heap_, [this](const Pair &pair) { return !isCurrent(pair); });
-    std::make_heap(heap_.begin(), heap_.end(), std::greater<>());
-    roomBeforeCleaning_ = std::max(roomBeforeCleaning_, 2 * heap_.size());
+private:
+  // Neighbours a < b, and what their edge weighed when it was last looked at.
+  struct Border {
+    int weight;
+    int a;
+    int b;
+    auto operator<=>(const Border &) const = default;
+  };
+
+  std::int64_t *sumsOf(int v) { return sum_.get() + std::ptrdiff_t{nbands_} * v; }
+
+  void updateAverages(int v) {
+    for (int b = 0; b < nbands_; ++b)
+      averages_->vertices[v].data[b] = static_cast<int>(sumsOf(v)[b] / std::max(area_[v], 1));
   }
 
-  // Region a, the smaller, takes in region b. While its averages stay as they are, so do its pairs.
+  // The same border between the regions of now.
+  Border asOfNow(const Border &border) {
+    const int v = regions_.of(border.a);
+    const int w = regions_.of(border.b);
+    const int a = std::min(v, w);
+    const int b = std::max(v, w);
+    return {a == b ? 0 : weigh_(averages_.get(), a, b), a, b};
+  }
+
+  // Whether any regions have merged.
+  bool takeTurn(Meter &meter) {
+    for (Border &border : borders_)
+      border = asOfNow(border);
+    std::erase_if(borders_, [](const Border &border) { return border.a == border.b; });
+    std::sort(borders_.begin(), borders_.end());
+    borders_.erase(std::unique(borders_.begin(), borders_.end()), borders_.end());
+
+    bool hasMerged = false;
+    auto next = borders_.cbegin();
+    MinHeap<Border> heavier; // those that wait for another place
+    while (next != borders_.cend() || !heavier.empty()) {
+      const bool isWaiting = next == borders_.cend() || (!heavier.empty() && heavier.top() < *next);
+      const Border border = isWaiting ? heavier.top() : *next;
+      if (border.weight > threshold_)
+        break;
+      isWaiting ? heavier.pop() : void(++next);
+      const Border now = asOfNow(border);
+      if (now.a == now.b)
+        continue;
+      if (now.weight > border.weight) {
+        heavier.push(now);
+        continue;
+      }
+      merge(now.a, now.b);
+      meter.advance(1);
+      hasMerged = true;
+    }
+    return hasMerged;
+  }
+
+  // Region a, the smaller, takes in region b.
   void merge(int a, int b) {
+    regions_.merge(a, b);
     area_[a] += area_[b];
     for (int i = 0; i < nbands_; ++i)
       sumsOf(a)[i] += sumsOf(b)[i];
-    ++version_[b];
-    if (updateAverages(a)) {
-      ++version_[a];
-      regions_.merge(b, a);
-      offerPairs(a, a);
-    } else {
-      offerPairs(b, a);
-      regions_.merge(b, a);
-    }
+    updateAverages(a);
   }
 
-  BorderedRegions &regions_;
   int nVertices_;
   int nbands_;
   int threshold_;
   ifGraphWeightFn weigh_;
+  Regions regions_;
   Array<int> area_;
   Array<std::int64_t> sum_;
-  Array<int> version_;
-  Array<std::int64_t> metAt_; // the round in which a region was last met
-  std::int64_t round_ = 0;
-  Vector<Pair> heap_;
-  std::size_t roomBeforeCleaning_ = 1 << 16;
+  ifGraphPtr averages_;
+  Vector<Border> borders_;
 };
 
 } // namespace
@@ -279,7 +263,7 @@ ifGraph *ifEliminateSmallRegions(ifGraph *graph, int area, ifGraphWeightFn weigh
   constexpr const char *operation = "ifEliminateSmallRegions";
   requireRegions(operation, graph);
   requireGiven(operation, "weight", weight);
-  BorderedRegions regions(operation, graph, 0);
+  BorderedRegions regions(operation, graph);
   const Array<int> areaOf = areasOf(graph);
   MinHeap<std::pair<int, int>> small; // area, region
   const auto enqueue = [&](int region) {
@@ -330,7 +314,6 @@ ifGraph *ifMergeSimilarColors(ifGraph *graph, const imImage *image, int threshol
   requireBands(operation, image, 1);
   requireSameSize(operation, graph->labelImage, image);
   requireGiven(operation, "weight", weight);
-  BorderedRegions regions(operation, graph, image->nbands);
-  ColorMerging(regions, graph->labelImage, image, areasOf(graph), threshold, weight).run();
-  return regions.toGraph(operation, graph).release();
+  ColorMerging merging(operation, graph, image, threshold, weight);
+  return merging.run().toGraph(operation, graph).release();
 }

@@ -37,19 +37,23 @@
 [[nodiscard]] ifGraph *eliminateSimilarRegions(ifGraph *graph, int threshold,
                                                ifGraphWeightFn weight);
 
-/// Merges the two neighbours that are the most alike, as long as their edge weighs no more than the
-/// threshold: region growing by mean colour.
+/// Region growing by mean colour: merges neighbours, the most alike first, until no edge weighs the
+/// threshold or less.
 ///   image   at least one band, of the label image's size; the averages of its bands, as by
 ///           ifComputeAverageColors(), are the features, and follow the regions as they merge
 ///   weight  is asked about a graph of dataSize image->nbands in which the vertex of a region's
 ///           number has its averages, with the smaller number first; ifGraphEuclideanDistance is
 ///           the usual one
-/// Of equally light edges that with the smaller of the smaller numbers at its ends comes first,
-/// then that with the smaller of the larger numbers.
+/// The edges take turns. At the beginning of a turn all are weighed; they come up from the lightest
+/// to those of the threshold. Of equally light ones that with the smaller of the smaller numbers at
+/// its ends comes first, then that with the smaller of the larger numbers. An edge that comes up is
+/// weighed again, as its regions may have changed: if it has become heavier it waits for its new
+/// place, if not its regions merge. There are turns until one merges nothing; they are few.
 /// Algorithm: stepwise optimization (Beaulieu and Goldberg, "Hierarchy in picture segmentation: a
-/// stepwise optimization approach", 1989) on a heap of edges, renewed around a region whose number
-/// or averages have changed. Each such change takes a time that grows with the number of the
-/// region's neighbours.
+/// stepwise optimization approach", 1989) with lazy evaluation of weights (Minoux, "Accelerated
+/// greedy algorithms for maximizing submodular set functions", 1978). Weighing all edges of a
+/// region each time that it changes would take a time that grows with the number of regions to the
+/// power 1.5 where one takes in all others.
 /// Ends with an error, too: an image of another size or without bands.
 [[nodiscard]] ifGraph *ifMergeSimilarColors(ifGraph *graph, const imImage *image, int threshold,
                                             ifGraphWeightFn weight);

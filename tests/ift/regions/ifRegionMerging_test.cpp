@@ -51,24 +51,36 @@ bool joinSimilar(const ifGraph *graph, Parts &parts, int threshold, ifGraphWeigh
   return false;
 }
 
+// A turn of all borders between regions.
 bool joinMostSimilar(const ifGraph *graph, const imImage *image, Parts &parts, int threshold,
                      ifGraphWeightFn weight) {
-  const ifGraphPtr regions = makeGraph(graph->nVertices - 1, {});
-  Matrix labels = bandOf(graph->labelImage);
-  for (std::vector<int> &row : labels)
-    for (int &label : row)
-      label = parts[label];
-  setLabelImage(regions.get(), makeImage(labels).release());
-  const ifGraphPtr means(ifComputeAverageColors(regions.get(), image));
-  std::tuple<int, int, int> best = {maxInt, 0, 0}; // weight, regions
-  forEachBorder(graph, parts, [&](int u, int v) {
+  using Border = std::tuple<int, int, int>; // weight, regions
+  const auto weighed = [&](int u, int v) {
+    const ifGraphPtr regions = makeGraph(graph->nVertices - 1, {});
+    Matrix labels = bandOf(graph->labelImage);
+    for (std::vector<int> &row : labels)
+      for (int &label : row)
+        label = parts[label];
+    setLabelImage(regions.get(), makeImage(labels).release());
+    const ifGraphPtr means(ifComputeAverageColors(regions.get(), image));
     const auto [a, b] = std::minmax(parts[u], parts[v]);
-    best = std::min(best, {weight(means.get(), a, b), a, b});
-  });
-  if (std::get<1>(best) == 0 || std::get<0>(best) > threshold)
-    return false;
-  merge(parts, std::get<1>(best), std::get<2>(best));
-  return true;
+    return Border(weight(means.get(), a, b), a, b);
+  };
+  std::set<Border> borders;
+  forEachBorder(graph, parts, [&](int u, int v) { borders.insert(weighed(u, v)); });
+  const Parts before = parts;
+  while (!borders.empty()) {
+    const auto [weightThen, u, v] = borders.extract(borders.begin()).value();
+    const Border now = weighed(u, v);
+    const auto [weightNow, a, b] = now;
+    if (a == b || weightThen > threshold)
+      continue;
+    if (weightNow > weightThen)
+      borders.insert(now);
+    else
+      merge(parts, a, b);
+  }
+  return parts != before;
 }
 
 // Compares what an operation made with the parts that are there when no step is left.
