@@ -204,13 +204,34 @@ struct LabRoots {
   double z[blockPixels];
 };
 
-// Computes a and b; L, which depends on Y alone, is given.
-SEEDFOREST_MULTIVERSION void rootsToLab(const Block &xyz, const LabRoots &f, const int *lightness,
-                                        Block &lab, int n) {
+// f of Y is a line up to here.
+constexpr int darkestRoot = 146;
+
+int labLightness(int y) {
+  return truncate(116 * std::cbrt(y / one) - 16);
+}
+
+// Of pixels that are not dark: the root of Y gives L, too.
+SEEDFOREST_MULTIVERSION void rootsToLab(const Block &xyz, const LabRoots &f, Block &lab, int n) {
   apply(xyz, lab, n, fixedPoint, [&](auto a, double, double, double, int i) INLINE {
-    return Pixel{
-        {lightness[i], a.whole(500 * (f.x[i] - f.y[i])), a.whole(200 * (f.y[i] - f.z[i]))}};
+    return Pixel{{a.whole(116 * f.y[i] - 16), a.whole(500 * (f.x[i] - f.y[i])),
+                  a.whole(200 * (f.y[i] - f.z[i]))}};
   });
+}
+
+// Replaces L of dark pixels.
+SEEDFOREST_MULTIVERSION void relight(const int *y, const int *ofDark, int n, int *lightness) {
+  for (int i = 0; i < n; ++i)
+    lightness[i] = y[i] < darkestRoot ? ofDark[i] : lightness[i];
+}
+
+SEEDFOREST_MULTIVERSION bool capLight(const int *y, int n, int *capped) {
+  int anyDark = 0;
+  for (int i = 0; i < n; ++i) {
+    anyDark |= y[i] < darkestRoot ? 1 : 0;
+    capped[i] = std::min(y[i], darkestRoot - 1);
+  }
+  return anyDark != 0;
 }
 
 class XyzToLab {
@@ -219,24 +240,30 @@ public:
       : ofX_([](int x) { return labRoot(0.950456 * x / one); }, 0, mostXyz, npixels),
         ofY_([](int y) { return labRoot(y / one); }, 0, mostXyz, npixels),
         ofZ_([](int z) { return labRoot(1.088754 * z / one); }, 0, mostXyz, npixels),
-        lightness_([](int y) { return truncate(116 * std::cbrt(y / one) - 16); }, 0, mostXyz,
-                   npixels) {}
+        ofDark_(labLightness, 0, darkestRoot - 1, npixels) {}
 
   void operator()(const Block &xyz, Block &lab, int n) const {
     LabRoots f;
-    int lightness[blockPixels];
     ofX_.of(xyz.band[0], n, f.x);
     ofY_.of(xyz.band[1], n, f.y);
     ofZ_.of(xyz.band[2], n, f.z);
-    lightness_.of(xyz.band[1], n, lightness);
-    rootsToLab(xyz, f, lightness, lab, n);
+    rootsToLab(xyz, f, lab, n);
+    replaceDark(xyz.band[1], lab.band[0], n);
   }
 
 private:
+  void replaceDark(const int *y, int *lightness, int n) const {
+    int dark[blockPixels];
+    if (!capLight(y, n, dark))
+      return;
+    ofDark_.of(dark, n, dark);
+    relight(y, dark, n, lightness);
+  }
+
   Tabulated<double> ofX_;
   Tabulated<double> ofY_;
   Tabulated<double> ofZ_;
-  Tabulated<int> lightness_;
+  Tabulated<int> ofDark_;
 };
 
 SEEDFOREST_MULTIVERSION void rootsToXyz(const Block &lab, const double *fyOfPixel, Block &xyz,
@@ -299,6 +326,17 @@ public:
 private:
   Tabulated<int> lightness_;
 };
+
+// A conversion from XYZ for an image of so many pixels. To fill its tables takes as long as 300,000
+// pixels do, so they are kept; images of fewer pixels than entries do without.
+template <class Conversion>
+const Conversion &conversion(int npixels) {
+  static const Conversion withoutTables(0);
+  if (npixels <= mostXyz)
+    return withoutTables;
+  static const Conversion withTables(maxInt);
+  return withTables;
+}
 
 SEEDFOREST_MULTIVERSION void luvToXyz(const Block &luv, Block &xyz, int n) {
   applyWith<Any>(luv, xyz, n, [](Any a, double l, double uOfL, double vOfL, int) INLINE {
@@ -418,7 +456,7 @@ void imXyz2rgb(const imImage *xyz, imImage *rgb) {
 
 void imXyz2lab(const imImage *xyz, imImage *lab) {
   requireColours("imXyz2lab", xyz, lab);
-  convert(xyz, lab, XyzToLab(xyz->npixels));
+  convert(xyz, lab, conversion<XyzToLab>(xyz->npixels));
 }
 
 void imLab2xyz(const imImage *lab, imImage *xyz) {
@@ -429,7 +467,7 @@ void imLab2xyz(const imImage *lab, imImage *xyz) {
 void imXyz2luv(const imImage *xyz, imImage *luv) {
   requireColours("imXyz2luv", xyz, luv);
   progress("in xyz2luv\n");
-  convert(xyz, luv, XyzToLuv(xyz->npixels));
+  convert(xyz, luv, conversion<XyzToLuv>(xyz->npixels));
 }
 
 void imLuv2xyz(const imImage *luv, imImage *xyz) {
@@ -469,7 +507,7 @@ void imHsv2rgb(const imImage *hsv, imImage *rgb) {
 
 void imRgb2lab(const imImage *rgb, imImage *lab) {
   requireColours("imRgb2lab", rgb, lab);
-  convert(rgb, lab, join(rgbToXyz, XyzToLab(rgb->npixels)));
+  convert(rgb, lab, join(rgbToXyz, conversion<XyzToLab>(rgb->npixels)));
 }
 
 void imLab2rgb(const imImage *lab, imImage *rgb) {
@@ -481,7 +519,7 @@ void imLab2rgb(const imImage *lab, imImage *rgb) {
 void imRgb2luv(const imImage *rgb, imImage *luv) {
   requireColours("imRgb2luv", rgb, luv);
   progress("in xyz2luv\n");
-  convert(rgb, luv, join(rgbToXyz, XyzToLuv(rgb->npixels)));
+  convert(rgb, luv, join(rgbToXyz, conversion<XyzToLuv>(rgb->npixels)));
 }
 
 void imLuv2rgb(const imImage *luv, imImage *rgb) {
