@@ -152,24 +152,21 @@ SEEDFOREST_MULTIVERSION void lookUp(const int *table, const int *v, int n, int *
     results[i] = table[v[i]];
 }
 
-// A function of an integer, with a table of its values from `least` to `most` where there are more
-// `uses` than entries.
+// A function of an integer, with a table of its values from `least` to `most`.
 template <class Value>
 class Tabulated {
 public:
   using Function = Value (*)(int);
 
-  Tabulated(Function function, int least, int most, int uses)
-      : function_(function), least_(least), most_(most) {
-    if (uses <= most - least)
-      return;
-    value_ = makeArray<Value>(static_cast<std::size_t>(most - least) + 1);
+  Tabulated(Function function, int least, int most)
+      : function_(function), least_(least), most_(most),
+        value_(makeArray<Value>(static_cast<std::size_t>(most - least) + 1)) {
     for (int v = least; v <= most; ++v)
       value_[v - least] = function(v);
   }
 
   void of(const int *v, int n, Value *results) const {
-    if (value_ != nullptr && allWithin(v, n, least_, most_))
+    if (allWithin(v, n, least_, most_))
       lookUp(value_.get() - least_, v, n, results);
     else
       std::transform(v, v + n, results, function_);
@@ -249,11 +246,11 @@ SEEDFOREST_MULTIVERSION bool capLight(const int *y, int n, int *capped) {
 
 class XyzToLab {
 public:
-  explicit XyzToLab(int npixels)
-      : ofX_([](int x) { return labRoot(0.950456 * x / one); }, 0, mostXyz, npixels),
-        ofY_([](int y) { return labRoot(y / one); }, 0, mostXyz, npixels),
-        ofZ_([](int z) { return labRoot(1.088754 * z / one); }, 0, mostXyz, npixels),
-        ofDark_(labLightness, 0, darkestRoot - 1, npixels) {}
+  XyzToLab()
+      : ofX_([](int x) { return labRoot(0.950456 * x / one); }, 0, mostXyz),
+        ofY_([](int y) { return labRoot(y / one); }, 0, mostXyz),
+        ofZ_([](int z) { return labRoot(1.088754 * z / one); }, 0, mostXyz),
+        ofDark_(labLightness, 0, darkestRoot - 1) {}
 
   void operator()(const Block &xyz, Block &lab, int n) const {
     LabRoots f;
@@ -293,9 +290,8 @@ SEEDFOREST_MULTIVERSION void rootsToXyz(const Block &lab, const double *fyOfPixe
 
 class LabToXyz {
 public:
-  explicit LabToXyz(int npixels)
-      : root_([](int l) { return l > 7 ? (l + 16.0) / 116 : std::cbrt(l / 903.3); }, -16, 100,
-              npixels) {}
+  LabToXyz()
+      : root_([](int l) { return l > 7 ? (l + 16.0) / 116 : std::cbrt(l / 903.3); }, -16, 100) {}
 
   void operator()(const Block &lab, Block &xyz, int n) const {
     double fy[blockPixels];
@@ -328,7 +324,7 @@ SEEDFOREST_MULTIVERSION void lightnessToLuv(const Block &xyz, const int *lightne
 
 class XyzToLuv {
 public:
-  explicit XyzToLuv(int npixels) : lightness_(luvLightness, 0, mostXyz, npixels) {}
+  XyzToLuv() : lightness_(luvLightness, 0, mostXyz) {}
 
   void operator()(const Block &xyz, Block &luv, int n) const {
     int lightness[blockPixels];
@@ -340,15 +336,11 @@ private:
   Tabulated<int> lightness_;
 };
 
-// A conversion from XYZ for an image of so many pixels. To fill its tables takes as long as 300,000
-// pixels do, so they are kept; images of fewer pixels than entries do without.
+// A conversion with tables. Those from XYZ take a millisecond to fill, so they are kept.
 template <class Conversion>
-const Conversion &conversion(int npixels) {
-  static const Conversion withoutTables(0);
-  if (npixels <= mostXyz)
-    return withoutTables;
-  static const Conversion withTables(maxInt);
-  return withTables;
+const Conversion &tabulated() {
+  static const Conversion conversion;
+  return conversion;
 }
 
 SEEDFOREST_MULTIVERSION void luvToXyz(const Block &luv, Block &xyz, int n) {
@@ -469,18 +461,18 @@ void imXyz2rgb(const imImage *xyz, imImage *rgb) {
 
 void imXyz2lab(const imImage *xyz, imImage *lab) {
   requireColours("imXyz2lab", xyz, lab);
-  convert(xyz, lab, conversion<XyzToLab>(xyz->npixels));
+  convert(xyz, lab, tabulated<XyzToLab>());
 }
 
 void imLab2xyz(const imImage *lab, imImage *xyz) {
   requireColours("imLab2xyz", lab, xyz);
-  convert(lab, xyz, LabToXyz(lab->npixels));
+  convert(lab, xyz, tabulated<LabToXyz>());
 }
 
 void imXyz2luv(const imImage *xyz, imImage *luv) {
   requireColours("imXyz2luv", xyz, luv);
   progress("in xyz2luv\n");
-  convert(xyz, luv, conversion<XyzToLuv>(xyz->npixels));
+  convert(xyz, luv, tabulated<XyzToLuv>());
 }
 
 void imLuv2xyz(const imImage *luv, imImage *xyz) {
@@ -520,19 +512,19 @@ void imHsv2rgb(const imImage *hsv, imImage *rgb) {
 
 void imRgb2lab(const imImage *rgb, imImage *lab) {
   requireColours("imRgb2lab", rgb, lab);
-  convert(rgb, lab, join(rgbToXyz, conversion<XyzToLab>(rgb->npixels)));
+  convert(rgb, lab, join(rgbToXyz, tabulated<XyzToLab>()));
 }
 
 void imLab2rgb(const imImage *lab, imImage *rgb) {
   requireColours("imLab2rgb", lab, rgb);
-  convert(lab, rgb, join(LabToXyz(lab->npixels), xyzToRgb));
+  convert(lab, rgb, join(tabulated<LabToXyz>(), xyzToRgb));
   rgb->maxValue = 255;
 }
 
 void imRgb2luv(const imImage *rgb, imImage *luv) {
   requireColours("imRgb2luv", rgb, luv);
   progress("in xyz2luv\n");
-  convert(rgb, luv, join(rgbToXyz, conversion<XyzToLuv>(rgb->npixels)));
+  convert(rgb, luv, join(rgbToXyz, tabulated<XyzToLuv>()));
 }
 
 void imLuv2rgb(const imImage *luv, imImage *rgb) {
