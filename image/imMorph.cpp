@@ -161,9 +161,16 @@ void alternate(const char *operation, const imImage *in, imImage *out, int n, co
       if (!loadRow(in->band[b], in->npixels, base, planes.get() + npixels * b))
         return false;
     constexpr int manySteps = 1 << 20; // nobody waits for the end of more
-    Meter meter(std::int64_t{in->npixels} * in->nbands * std::min(n, manySteps));
+    const std::int64_t stepCost = std::int64_t{in->npixels} * in->nbands;
+    Meter meter(stepCost * std::min(n, manySteps));
+    const std::int64_t width = in->ncols - 1;
+    const std::int64_t height = in->nrows - 1;
     for (int i = 1; i <= n; ++i) {
       progress(line, i);
+      if (i > width * width + height * height) { // a disc as large as the image has left one value
+        meter.advance(stepCost);
+        continue;
+      }
       for (int b = 0; b < in->nbands; ++b) {
         T *plane = planes.get() + npixels * b;
         PlaneRows<T> from(plane, in->ncols);

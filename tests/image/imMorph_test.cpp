@@ -101,6 +101,11 @@ TEST(Morph, DiscsLargerThanTheImage) {
     for (const int s : {90065, 2147395599, 2147395600, maxInt})
       EXPECT_EQ(bandOf(run(imMorphErode, in.get(), s)), least);
   }
+  printedBy([&] {
+    for (int which = 0; which < nRanges; ++which)
+      for (const auto &pair : asfPairs)
+        expectLikePlain(pair, randomIn(random, which, 2, 4, 3).get(), 16); // 13 covers the image
+  });
 }
 
 TEST(Morph, FiltersLikePlainStepByStepAndTheirLines) {
