@@ -70,8 +70,7 @@ private:
 
 // A bit for each pixel: it may be conquered. So the neighbours of a pixel are told apart by three
 // reads of bytes that mostly are in the cache, in place of eight of words that mostly are not, which
-// takes a tenth to a seventh off the time of a large image. In the memory of the cost band, which is
-// written after the flood.
+// takes a tenth off the time. In the memory of the cost band, which is written after the flood.
 class OpenPixels {
 public:
   OpenPixels(int *band, int npixels)
