@@ -109,6 +109,12 @@ void nonNormalized(const Task &task, imNeighborhoodFn adjacency, ifArcWeightFn a
     growForest<Towards>(task, std::move(arcs), task.seeds);
 }
 
+// The weight of levelling.
+struct Destination {
+  const imImage *image;
+  int operator()(int, int q) const { return image->band[0][q]; }
+};
+
 void withWeightImage(const Task &task, const imImage *weights) {
   check(task);
   growForest<Minimising>(task, weightImageArcs(task.operation, task.input, weights), task.seeds);
@@ -173,8 +179,7 @@ void iftNonNormalizedLevel(const imImage *input, const imImage *marker, imImage 
   check(task);
   requireGiven(operation, "adjacency", adjacency);
   std::copy_n(marker->band[0], input->npixels, task.bands()[1]);
-  const auto valueOf = [value = input->band[0]](int, int q) { return value[q]; };
-  using Arcs = AdjacencyArcs<decltype(valueOf)>;
-  grow(LevelTransform<Arcs>{task.forest(), {NeighborWalk(input, adjacency), valueOf}},
+  using Arcs = AdjacencyArcs<Destination>;
+  grow(LevelTransform<Arcs>{task.forest(), {NeighborWalk(input, adjacency), {input}}},
        input->npixels, *seeds);
 }

@@ -52,6 +52,11 @@ public:
   /// Whether the neighbours are the eight around a pixel, in any order.
   bool isWindow() const;
 
+  /// Whether they are at most eight, all of them among those, and reach to each of the four sides.
+  bool isWithinWindow() const {
+    return n_ <= 8 && left_ == 1 && right_ == 1 && up_ == 1 && down_ == 1;
+  }
+
   /// Whether all neighbours of the pixel (x, y) exist.
   bool isInner(int x, int y) const {
     return x >= left_ && x < ncols_ - right_ && y >= up_ && y < nrows_ - down_;

@@ -89,7 +89,7 @@ public:
     return true;
   }
 
-  /// The pixel of an entry that will be taken soon, if it is in the same chunk; else none.
+  /// The pixel of an entry that will be taken soon, or none.
   int upcoming() const { return upcoming_; }
   static constexpr int none = -1;
 
@@ -147,11 +147,17 @@ private:
     return endsChunk(position) ? firstOf(next_[chunkOf(position)]) : position + 1;
   }
 
+  // The pixel of the entry `lookahead` places behind a position, in its chunk or in the next one.
   int pixelAhead(std::int64_t position, std::int64_t last) const {
-    const std::int64_t ahead = position + lookahead;
-    const bool isInChunk = (position & chunkMask_) + lookahead <= chunkMask_;
-    const bool isUsed = ahead <= last || (position ^ last) > chunkMask_;
-    return isInChunk && isUsed ? pool_[ahead].pixel : none;
+    std::int64_t ahead = position + lookahead;
+    if ((position & chunkMask_) + lookahead > chunkMask_) {
+      const bool isFollowed = (position ^ last) > chunkMask_;
+      if (!isFollowed || lookahead > chunkMask_)
+        return none;
+      ahead = firstOf(next_[chunkOf(position)]) + (ahead & chunkMask_);
+    }
+    const bool isUsed = ahead <= last || (ahead ^ last) > chunkMask_;
+    return isUsed ? pool_[ahead].pixel : none;
   }
 
   Bucket &bucketAt(int b) {
