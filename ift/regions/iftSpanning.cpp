@@ -14,6 +14,7 @@
 #include "ift/core/detail/forestTransforms.h"
 #include "ift/label/ifLabel.h"
 #include "ift/regions/detail/graphTransforms.h"
+#include "ift/regions/detail/packedTree.h"
 #include "ift/regions/detail/regionWalks.h"
 #include "image/detail/imageTools.h"
 
@@ -121,7 +122,10 @@ ifGraphPtr makePartGraph(const char *operation, const ifGraph *tree, DisjointSet
 void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight) {
   checkForest("iftPrim", image, forest);
-  growPixelTree(functionArcs("iftPrim", image, adjacency, arcWeight), forest);
+  FunctionArcs arcs = functionArcs("iftPrim", image, adjacency, arcWeight);
+  int **bands = forest->band + forest->nbands - 2;
+  if (!growPackedTree(image, arcs.neighbors, arcWeight, bands[0], bands[1]))
+    growPixelTree(std::move(arcs), forest);
 }
 
 void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights) {
