@@ -12,6 +12,7 @@
 #include "graph/detail/graphTools.h"
 #include "graph/unionfind.h"
 #include "ift/core/detail/forestTransforms.h"
+#include "ift/core/detail/lightestFirstQueue.h"
 #include "ift/label/ifLabel.h"
 #include "ift/regions/detail/graphTransforms.h"
 #include "ift/regions/detail/packedTree.h"
@@ -142,7 +143,7 @@ ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight) {
   transform.clear(n);
   if (n < 2)
     return tree.release();
-  PulledBackQueue<CostedEntry> queue(GraphTreeTransform::nbuckets, n);
+  LightestFirstQueue<CostedEntry> queue(GraphTreeTransform::nbuckets, n);
   const int cost = graph->vertices[1].data[0];
   transform.set(1, 1, cost, 1);
   queue.append(0, {1, cost});

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The fast form of the spanning tree of pixels, for built-in weights of one band over values in a
-// small range. Internal; iftSpanning.cpp decides when it applies.
+// small range, and neighbours that touch. Internal; iftSpanning.cpp decides when it applies.
 //
-// As in ift/core/detail/iftPacked.h, all that the loop reads of a pixel is packed into one word, here
-// its value, the lightest edge to the tree so far and the displacement of that edge. Costs and
-// predecessors follow from the words in raster order. Against the general form that takes half the
+// Pixels are not taken in memory order, so the time is mostly that of the cache lines touched around
+// each. All that the loop reads of a pixel is packed into one word, of 16 bits for values in a range
+// of 255: its value and the weight of the lightest edge to it so far. The edge itself waits in the
+// queue. Costs and predecessors follow in raster order. Against the general form that takes half the
 // time.
 #pragma once
 
@@ -18,8 +19,8 @@
 
 namespace seedforest::detail {
 
-/// Grows the tree and returns true or, where the weight is not built in, reads another band than the
-/// first, or does not fit a word, returns false. `cost` and `pred` are the forest's bands.
+/// Grows the tree and returns true or, where the weight, its values or the adjacency are others,
+/// returns false. `cost` and `pred` are the forest's bands.
 bool growPackedTree(const imImage *image, const NeighborWalk &neighbors, ifArcWeightFn arcWeight,
                     int *cost, int *pred);
 
