@@ -93,7 +93,7 @@ private:
   [[gnu::noinline]] void grow(Ring &ring) {
     const std::size_t before = ring.capacity;
     const std::size_t first = before == 0 ? 0 : ring.head & (before - 1);
-    const std::size_t after = std::max<std::size_t>(2 * before, 64);
+    const std::size_t after = std::max<std::size_t>(2 * before, 8);
     ring.entries = static_cast<Entry *>(tryReallocate(ring.entries, after, sizeof(Entry)));
     if (ring.entries == nullptr)
       queueUnavailable('A');

@@ -110,14 +110,17 @@ TEST(Trees, OfRegionsEqualTheLiteralForm) {
       graph->vertices[v].data[0] = round % 2 == 0 ? pick(random, 0, 3) : pick(random, 999, 1002);
     for (int edges = pick(random, 0, 2 * n); edges > 0; --edges)
       insertEdge(graph.get(), pick(random, 1, n), pick(random, 1, n), 0);
+    if (round % 5 == 0)
+      graph->vertices[pick(random, 0, n)].data[0] = minInt;
     const int rootCost = graph->vertices[1].data[0];
+    const auto weight = round % 3 == 0 ? ifGraphWatershedDistance : ifGraphEuclideanDistance;
     const Tree tree = literalPrim(n + 1, 1, rootCost, 1001, [&](int u) {
       std::vector<Arc> arcs = listsOf(graph.get())[u];
       for (Arc &arc : arcs)
-        arc.weight = ifGraphWatershedDistance(graph.get(), u, arc.target);
+        arc.weight = weight(graph.get(), u, arc.target);
       return arcs;
     });
-    const ifGraphPtr made(iftPrimGraph(graph.get(), ifGraphWatershedDistance));
+    const ifGraphPtr made(iftPrimGraph(graph.get(), weight));
     EXPECT_EQ(listsOf(made.get()), listsOf(makeGraph(n, tree.taken).get())) << round;
     EXPECT_EQ(bandOf(made->labelImage), bandOf(graph->labelImage));
     for (int v = 0; v <= n; ++v) {
