@@ -26,7 +26,7 @@ namespace seedforest::detail {
 template <class Entry>
 class LightestFirstQueue {
 public:
-  static constexpr int mostBuckets = 64 * 64;
+  static constexpr int mostBuckets = 4096;
 
   /// Ends with an error, with the line of initQueue(), when the buckets, or later the entries,
   /// cannot be allocated.
@@ -108,8 +108,8 @@ private:
   int nelems_;
   int current_ = 0;
   int upcoming_ = none;
-  std::uint64_t words_ = 0;         // a bit for each word of `occupied_`: it is not 0
-  std::uint64_t occupied_[64] = {}; // a bit for each bucket: it is not empty
+  std::uint64_t words_ = 0; // a bit for each word of `occupied_`: it is not 0
+  std::uint64_t occupied_[mostBuckets / wordBits] = {}; // a bit for each bucket: it is not empty
   Array<Ring> ring_;
 };
 

@@ -183,6 +183,7 @@ bool areTouching(const NeighborWalk &neighbors) {
 bool growPackedTree(const imImage *image, const NeighborWalk &neighbors, ifArcWeightFn arcWeight,
                     int *cost, int *pred) {
   constexpr int largestWeight = (fixedBuckets - 1) / weightScale; // others go round the buckets
+  static_assert(largestWeight < LightestFirstQueue<Edge>::mostBuckets);
   const bool isDifference = arcWeight == ifMaxDistance || arcWeight == ifEuclideanDistance;
   if (!(isDifference ? image->nbands == 1 : arcWeight == ifWatershedMetric) ||
       image->band[0] == cost || image->band[0] == pred || neighbors.size() > mostArcs ||
