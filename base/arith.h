@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 namespace seedforest::detail {
 
@@ -57,6 +58,17 @@ inline bool allWithin(const int *values, int n, int least, int most) {
   for (int i = 0; i < n; ++i)
     outside |= static_cast<int>(values[i] < least) | static_cast<int>(values[i] > most);
   return outside == 0;
+}
+
+/// The least and the greatest of n >= 1 values; vector code too.
+inline std::pair<int, int> rangeOf(const int *values, int n) {
+  int least = values[0];
+  int greatest = values[0];
+  for (int i = 0; i < n; ++i) {
+    least = std::min(least, values[i]);
+    greatest = std::max(greatest, values[i]);
+  }
+  return {least, greatest};
 }
 
 } // namespace seedforest::detail

@@ -62,19 +62,41 @@ void EdgeInserter::requireVertices(int a, int b) const {
   requireVertex(operation_, graph_, b);
 }
 
+bool EdgeInserter::isListed(int v, int target) const {
+  const ifEdge *edge = graph_->vertices[v].edges;
+  while (edge != nullptr && edge->target != target)
+    edge = edge->next;
+  return edge != nullptr;
+}
+
 void EdgeInserter::insert(int a, int b, int weight) {
   requireVertices(a, b);
-  if (!known_.insert(std::min(a, b), std::max(a, b))) // both lists have this edge
-    return;
-  prependEdge(&graph_->vertices[a], b, weight);
+  ifVertex *vertices = graph_->vertices;
+  if (vertices[a].nEdges > vertices[b].nEdges)
+    std::swap(a, b);
+  if (isLong(a) ? known_.contains(std::min(a, b), std::max(a, b)) : isListed(a, b))
+    return; // both lists have this edge
+  prependEdge(&vertices[a], b, weight);
   if (a != b)
-    prependEdge(&graph_->vertices[b], a, weight);
+    prependEdge(&vertices[b], a, weight);
+  for (const int v : {a, b})
+    if (vertices[v].nEdges == few + 1) // long from now on
+      for (const ifEdge *edge = vertices[v].edges; edge != nullptr; edge = edge->next)
+        if (isLong(edge->target))
+          known_.insert(std::min(v, edge->target), std::max(v, edge->target));
+  if (isLong(a) && isLong(b))
+    known_.insert(std::min(a, b), std::max(a, b));
 }
 
 void EdgeInserter::insertDirected(int a, int b, int weight) {
   requireVertices(a, b);
-  if (known_.insert(a, b))
-    prependEdge(&graph_->vertices[a], b, weight);
+  if (isLong(a) ? !known_.insert(a, b) : isListed(a, b))
+    return;
+  ifVertex &list = graph_->vertices[a];
+  prependEdge(&list, b, weight);
+  if (list.nEdges == few + 1)
+    for (const ifEdge *edge = list.edges; edge != nullptr; edge = edge->next)
+      known_.insert(a, edge->target);
 }
 
 } // namespace seedforest::detail

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Inserting many edges: the same lists as by insertEdge() and insertDirectedEdge(), in a time that
-// does not depend on their length.
+// does not grow with their length.
 #pragma once
 
 #include "base/buffer.h"
@@ -43,11 +43,17 @@ public:
   void insertDirected(int a, int b, int weight);
 
 private:
+  // Lists of no more edges are searched, which is faster than a look into a large table: of two
+  // regions that meet, hardly ever both have more neighbours.
+  static constexpr int few = 8;
+
   void requireVertices(int a, int b) const;
+  bool isLong(int v) const { return graph_->vertices[v].nEdges > few; }
+  bool isListed(int v, int target) const;
 
   const char *operation_;
   ifGraph *graph_;
-  PairSet known_;
+  PairSet known_; // directed edges of long lists, or undirected ones that are in two long lists
 };
 
 } // namespace seedforest::detail

@@ -98,10 +98,9 @@ void requireGraph(const char *operation, const ifGraph *graph) {
   requireGiven(operation, "graph", graph);
 }
 
-void requireVertex(const char *operation, const ifGraph *graph, int v) {
+void vertexMissing(const char *operation, const ifGraph *graph, int v) {
   requireGraph(operation, graph);
-  if (v < 0 || v >= graph->nVertices)
-    fatal("%s: vertex %d is outside the graph\n", operation, v);
+  fatal("%s: vertex %d is outside the graph\n", operation, v);
 }
 
 void requireEdges(const char *operation, const ifGraph *graph) {

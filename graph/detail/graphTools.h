@@ -37,13 +37,20 @@ ifEdge *prependEdge(ifVertex *list, int target, int weight);
 /// does.
 void copyEdges(const char *operation, ifGraph *from, ifGraph *to);
 
-/// End with an error that names the operation, unless the graph is there, v is one of its vertices,
-/// all edges lead to vertices, every vertex has at least `count` integers of data, or the label
-/// image is there and all its labels are vertices.
+/// End with an error that names the operation, unless the graph is there, all edges lead to
+/// vertices, every vertex has at least `count` integers of data, or the label image is there and all
+/// its labels are vertices.
 void requireGraph(const char *operation, const ifGraph *graph);
-void requireVertex(const char *operation, const ifGraph *graph, int v);
 void requireEdges(const char *operation, const ifGraph *graph);
 void requireData(const char *operation, const ifGraph *graph, int count);
 void requireRegions(const char *operation, const ifGraph *graph);
+
+/// The same, unless the graph is there and v is one of its vertices. Inline, since walks over graphs
+/// ask for every edge.
+[[noreturn]] void vertexMissing(const char *operation, const ifGraph *graph, int v);
+inline void requireVertex(const char *operation, const ifGraph *graph, int v) {
+  if (graph == nullptr || v < 0 || v >= graph->nVertices) [[unlikely]]
+    vertexMissing(operation, graph, v);
+}
 
 } // namespace seedforest::detail

@@ -41,7 +41,7 @@ ifGraph *iftGraph(ifGraph *graph, ifGraphWeightFn weight, ifPathCostFn pathCost,
   ifGraphPtr forest = copyOf(operation, graph, forestDataSize);
   const int n = graph->nVertices;
   Marked<GraphForestTransform> transform(
-      {{{operation, graph, weight}, forest->vertices}, pathCost, maxCost}, n);
+      {{{operation, graph, {graph, weight}}, forest->vertices}, pathCost, maxCost}, n);
   transform.clear(n);
   BucketQueue<CostedEntry> queue(std::int64_t{maxCost} + 1, n);
   const Array<int> scratch = makeArray<int>(static_cast<std::size_t>(n));

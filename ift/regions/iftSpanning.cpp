@@ -12,8 +12,10 @@
 #include "graph/detail/graphTools.h"
 #include "graph/unionfind.h"
 #include "ift/core/detail/forestTransforms.h"
+#include "ift/core/detail/lightestFirstQueue.h"
 #include "ift/label/ifLabel.h"
 #include "ift/regions/detail/graphTransforms.h"
+#include "ift/regions/detail/packedTree.h"
 #include "ift/regions/detail/regionWalks.h"
 #include "image/detail/imageTools.h"
 
@@ -21,6 +23,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <numeric>
 #include <utility>
 
@@ -51,21 +54,58 @@ void checkForest(const char *operation, const imImage *image, const imImage *for
 
 constexpr const char *primGraph = "iftPrimGraph";
 
-// The spanning tree of a graph: a graph whose vertices hold what they gain.
-struct GraphTreeTransform : VertexForest {
+// The spanning tree of a graph. What its vertices gain is kept side by side, since the integers of
+// a vertex lie on their own, and goes to them in the end.
+template <class Weight>
+struct GraphTreeTransform {
+  struct Gain {
+    int cost;
+    int predecessor;
+  };
   static constexpr int nbuckets = 1001;
+  GraphArcs<Weight> arcs;
+  ifVertex *tree;
+  Array<Gain> gain;
 
   // No search for duplicates: a vertex has no edge in the tree before it is settled.
   void settle(int v) {
-    const int predecessor = vertices[v].data[forestPredecessor];
+    const auto [cost, predecessor] = gain[v];
     if (predecessor == v)
       return;
-    prependEdge(&vertices[predecessor], v, costOf(v));
-    prependEdge(&vertices[v], predecessor, costOf(v));
+    prependEdge(&tree[predecessor], v, cost);
+    prependEdge(&tree[v], predecessor, cost);
   }
+  int costOf(int v) const { return gain[v].cost; }
   int extend(int u, int v, int k) const { return arcs.weight(u, v, k); }
+  bool improves(int offered, int v) const { return offered < gain[v].cost; }
+  void conquer(int u, int v, int, int offered) { gain[v] = {offered, u}; }
   int bucket(int offered, int) const { return circularBucket(offered, nbuckets); }
 };
+
+template <class Weight>
+void growGraphTree(const ifGraph *graph, Weight weight, ifVertex *tree) {
+  using Base = GraphTreeTransform<Weight>;
+  const int n = graph->nVertices;
+  Marked<Base> transform(Base{{primGraph, graph, weight},
+                              tree,
+                              makeArray<typename Base::Gain>(static_cast<std::size_t>(n))},
+                         n);
+  for (int v = 0; v < n; ++v)
+    transform.gain[v] = {ifInfiniteCost, v};
+  if (n > 1) {
+    LightestFirstQueue<CostedEntry> queue(Base::nbuckets, n);
+    const int cost = graph->vertices[1].data[0];
+    transform.gain[1].cost = cost;
+    queue.append(0, {1, cost});
+    propagate(transform, queue);
+  }
+  for (int v = 0; v < n; ++v) {
+    const auto [cost, predecessor] = transform.gain[v];
+    tree[v].data[forestLabel] = v == 1 || predecessor != v ? 1 : 0;
+    tree[v].data[forestCost] = cost;
+    tree[v].data[forestPredecessor] = predecessor;
+  }
+}
 
 struct TreeEdge {
   int smaller;
@@ -121,7 +161,10 @@ ifGraphPtr makePartGraph(const char *operation, const ifGraph *tree, DisjointSet
 void iftPrim(const imImage *image, imImage *forest, imNeighborhoodFn adjacency,
              ifArcWeightFn arcWeight) {
   checkForest("iftPrim", image, forest);
-  growPixelTree(functionArcs("iftPrim", image, adjacency, arcWeight), forest);
+  FunctionArcs arcs = functionArcs("iftPrim", image, adjacency, arcWeight);
+  int **bands = forest->band + forest->nbands - 2;
+  if (!growPackedTree(image, arcs.neighbors, arcWeight, bands[0], bands[1]))
+    growPixelTree(std::move(arcs), forest);
 }
 
 void iftPrimWF(const imImage *image, imImage *forest, const imImage *weights) {
@@ -133,16 +176,17 @@ ifGraph *iftPrimGraph(ifGraph *graph, ifGraphWeightFn weight) {
   requireData(primGraph, graph, 1);
   requireGiven(primGraph, "weight", weight);
   ifGraphPtr tree = requireMade(tryMakeAlike(graph, forestDataSize).release());
-  const int n = graph->nVertices;
-  Marked<GraphTreeTransform> transform({{{primGraph, graph, weight}, tree->vertices}}, n);
-  transform.clear(n);
-  if (n < 2)
-    return tree.release();
-  PulledBackQueue<CostedEntry> queue(GraphTreeTransform::nbuckets, n);
-  const int cost = graph->vertices[1].data[0];
-  transform.set(1, 1, cost, 1);
-  queue.append(0, {1, cost});
-  propagate(transform, queue);
+  if (weight == ifGraphEuclideanDistance && graph->dataSize == 1) {
+    const Array<int> feature = makeArray<int>(static_cast<std::size_t>(graph->nVertices));
+    std::transform(graph->vertices, graph->vertices + graph->nVertices, feature.get(),
+                   [](const ifVertex &vertex) { return vertex.data[0]; });
+    const auto difference = [of = feature.get()](int u, int v) {
+      return saturate(std::abs(std::int64_t{of[u]} - of[v]));
+    };
+    growGraphTree(graph, difference, tree->vertices);
+  } else {
+    growGraphTree(graph, CalledGraphWeight{graph, weight}, tree->vertices);
+  }
   return tree.release();
 }
 

@@ -73,13 +73,14 @@ SEEDFOREST_INLINE inline void propagate(T &transform, Queue &queue) {
   const auto isCurrent = [&](auto entry, int b) { return transform.isCurrent(entry, b); };
   typename T::Entry entry;
   while (queue.take(entry)) {
-    if (!isCurrent(entry, queue.current()))
-      continue;
     if constexpr (requires { transform.prefetch(0); })
       if (queue.upcoming() != queue.none)
         transform.prefetch(queue.upcoming());
-    if (queue.isCrowded())
-      queue.dropOutdated(isCurrent);
+    if (!isCurrent(entry, queue.current()))
+      continue;
+    if constexpr (requires { queue.isCrowded(); })
+      if (queue.isCrowded())
+        queue.dropOutdated(isCurrent);
     if (--unmetered == 0)
       meter.advance(unmetered = stride);
     if constexpr (requires { transform.settle(entry); })

@@ -16,10 +16,9 @@
 #include "base/arith.h"
 #include "base/buffer.h"
 #include "base/report.h"
+#include "image/detail/framedWords.h"
 #include "image/detail/imageTools.h"
-#include "image/detail/neighborWalk.h"
 #include "image/imImage.h"
-#include "image/imNeighborhood.h"
 
 #include <algorithm>
 #include <array>
@@ -33,35 +32,27 @@ namespace seedforest::detail {
 /// Finds, for each regional maximum of an image with values 0 .. highestValue, the highest
 /// threshold at which its component has `area` pixels, 1 .. npixels.
 class AreaFlood {
+  // The pixel's value, or, in the end, its maximum's level; and a bit for having been reached.
+  using Word = std::uint16_t;
+
 public:
   static constexpr int highestValue = 0x7fff;
 
   /// Whether pixels, with a frame around the image, can be numbered by ints.
-  static bool canNumber(const imImage *image) {
-    return (std::int64_t{image->ncols} + 1) * (std::int64_t{image->nrows} + 2) < maxInt;
-  }
+  static bool canNumber(const imImage *image) { return FramedWords<Word>::sizeFor(image) < maxInt; }
 
   AreaFlood(const imImage *image, int area)
-      : ncols_(image->ncols), stride_(image->ncols + 1), npixels_(image->npixels), area_(area),
-        words_(makeArray<Word>(std::size_t(stride_) * (std::size_t(image->nrows) + 2) + 1)),
+      : npixels_(image->npixels), area_(area),
+        stack_(static_cast<std::size_t>(largestValue(image, 0)) + 1),
+        occupied_((stack_.size() + wordBits - 1) / wordBits),
+        words_(image, reached, // the frame counts as reached
+               [this](int value) {
+                 ++stack_[value].end;
+                 return static_cast<Word>(value);
+               }),
         waiting_(makeArray<int>(static_cast<std::size_t>(image->npixels))) {
-    const NeighborWalk neighbors(image, imNeighborhood8);
-    for (int k = 0; k < neighborCount; ++k)
-      offset_[k] = neighbors.dx(k) + neighbors.dy(k) * stride_;
-    const int levels = largestValue(image, 0) + 1;
-    stack_.resize(static_cast<std::size_t>(levels));
-    occupied_.resize(static_cast<std::size_t>((levels + wordBits - 1) / wordBits));
-    // A frame of pixels that count as reached. The end of each row is the next one's left frame.
-    Word *word = std::fill_n(words_.get(), stride_ + 1, reached);
-    for (int y = 0; y < image->nrows; ++y) {
-      for (int x = 0; x < ncols_; ++x) {
-        const int value = image->band[0][image->row[y] + x];
-        ++stack_[value].end;
-        *word++ = static_cast<Word>(value);
-      }
-      *word++ = reached;
-    }
-    std::fill_n(word, stride_, reached);
+    const int s = words_.stride();
+    offset_ = {-s - 1, -s, -s + 1, -1, 1, s - 1, s, s + 1};
     int begin = 0;
     for (Waiting &stack : stack_) {
       stack.begin = begin;
@@ -73,7 +64,7 @@ public:
     constexpr int stride = 1024;
     Meter meter(npixels_);
     int unmetered = stride;
-    int p = indexOf(0);
+    int p = words_.indexOf(0);
     int level = words_[p];
     words_[p] |= reached;
     components_.push_back({level, 0, p, 0});
@@ -93,12 +84,11 @@ public:
   }
 
   /// After run(): the threshold for the maximum whose first pixel, in raster order, is p.
-  int levelOf(int p) const { return words_[indexOf(p)] & highestValue; }
+  int levelOf(int p) const { return words_[words_.indexOf(p)] & highestValue; }
 
 private:
-  // The pixel's value, or, in the end, its maximum's level; and a bit for having been reached.
-  using Word = std::uint16_t;
-  static constexpr Word reached = highestValue + 1;
+  static constexpr int reachedShift = 15;
+  static constexpr Word reached = Word{1} << reachedShift;
   static constexpr int neighborCount = 8;
   static constexpr int none = 0; // the index of a pixel of the frame
   static constexpr int wordBits = 64;
@@ -116,15 +106,18 @@ private:
     int end;
   };
 
-  int indexOf(int p) const { return p + p / ncols_ + stride_ + 1; }
-
   // The displacements, as bits, of the neighbours of p that have not been reached. Without branches,
   // which would be unpredictable.
   unsigned unreachedAround(int p) const {
-    unsigned bits = 0;
-    for (int k = 0; k < neighborCount; ++k)
-      bits |= static_cast<unsigned>(words_[p + offset_[k]] < reached) << k;
-    return bits;
+    const Word *row = &words_[p];
+    const Word *above = row - words_.stride();
+    const Word *below = row + words_.stride();
+    const auto bit = [](Word word, int k) { // of one that has been reached
+      return static_cast<unsigned>(word >> reachedShift) << k;
+    };
+    return (bit(above[-1], 0) | bit(above[0], 1) | bit(above[1], 2) | bit(row[-1], 3) |
+            bit(row[1], 4) | bit(below[-1], 5) | bit(below[0], 6) | bit(below[1], 7)) ^
+           0xff;
   }
 
   // Lets neighbours of p wait, up to the first that is higher than p, which is returned.
@@ -147,18 +140,16 @@ private:
 
   // Takes a pixel of the highest level that is not above `level`, which is changed to it.
   int takeWaiting(int &level) {
-    const int next = highestOccupied(level);
-    if (next < level)
+    if (stack_[level].begin == stack_[level].end) {
+      const int next = highestOccupied(level);
       leave(level, next);
-    if (next < 0)
-      return none;
-    level = next;
+      if (next < 0)
+        return none;
+      level = next;
+    }
     Waiting &stack = stack_[level];
     const int p = waiting_[--stack.end];
-    const Word *upcoming = &words_[waiting_[std::max(stack.end - lookahead, stack.begin)]];
-    prefetchAt(upcoming - stride_);
-    prefetchAt(upcoming);
-    prefetchAt(upcoming + stride_);
+    words_.prefetch(waiting_[std::max(stack.end - lookahead, stack.begin)]);
     if (stack.end == stack.begin)
       occupied_[level / wordBits] &= ~(std::uint64_t{1} << level % wordBits);
     return p;
@@ -193,14 +184,12 @@ private:
     components_.pop_back();
   }
 
-  int ncols_;
-  int stride_;
   int npixels_;
   int area_;
-  Array<Word> words_;
-  Array<int> waiting_; // the stacks of all levels, one behind the other
   Vector<Waiting> stack_;
   Vector<std::uint64_t> occupied_; // a bit for each level: its stack is not empty
+  FramedWords<Word> words_;
+  Array<int> waiting_; // the stacks of all levels, one behind the other
   std::array<int, neighborCount> offset_;
   Vector<Component> components_;
   Vector<int> pending_; // first pixels of maxima that have no level yet

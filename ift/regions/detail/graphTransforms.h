@@ -12,17 +12,25 @@
 
 namespace seedforest::detail {
 
+/// A weight function that the caller passed, for one graph.
+struct CalledGraphWeight {
+  const ifGraph *graph;
+  ifGraphWeightFn function;
+  int operator()(int u, int v) const { return function(graph, u, v); }
+};
+
 /// The arcs of a graph, in the order of its lists.
+template <class Weight>
 struct GraphArcs {
   const char *operation;
   const ifGraph *graph;
-  ifGraphWeightFn weigh;
+  Weight weigh;
 
   template <class Visit>
   void each(int u, Visit visit) const {
     forEachEdgeOf(operation, graph, u, [&](const ifEdge &edge) { visit(edge.target, 0); });
   }
-  int weight(int u, int v, int) const { return weigh(graph, u, v); }
+  int weight(int u, int v, int) const { return weigh(u, v); }
 };
 
 /// A vertex's integers in a forest of vertices; the label is the number of the tree, where those
@@ -32,7 +40,7 @@ enum ForestData { forestLabel, forestCost, forestPredecessor, forestDataSize };
 /// What a vertex of a graph gains: a label, a cost and a predecessor, kept by the vertices of a
 /// graph that becomes the result.
 struct VertexForest {
-  GraphArcs arcs;
+  GraphArcs<CalledGraphWeight> arcs;
   ifVertex *vertices; // of the result
 
   void set(int v, int label, int cost, int predecessor) {

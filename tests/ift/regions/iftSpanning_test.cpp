@@ -3,12 +3,17 @@
 
 #include "ift/regions/iftSpanning.h"
 
+#include "base/arith.h"
 #include "graphs.h"
+#include "ift/core/detail/bucketQueue.h"
 #include "ift/core/ifQueue.h"
 #include "ift/core/ifWeightImage.h"
+#include "ift/regions/detail/packedTree.h"
 #include "image/detail/neighborWalk.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 
 using namespace seedforest::detail;
 
@@ -37,24 +42,42 @@ Tree literalPrim(int n, int root, int rootCost, int nbuckets, Arcs arcs) {
       if (nodes.bucket[q] != -2 && weight < tree.cost[q]) {
         tree.cost[q] = weight;
         tree.predecessor[q] = p;
-        insertQueueUpdateCurr(&queue, &nodes, weight % nbuckets, q); // moves it when it waits
+        insertQueueUpdateCurr(&queue, &nodes, circularBucket(weight, nbuckets),
+                              q); // moves it when it waits
       }
   }
   releaseQueue(&queue, &nodes);
   return tree;
 }
 
+// To one side, so that some pixels are not reached; one twice, and one to the pixel itself.
+int oneSided(int **list) {
+  *list = static_cast<int *>(std::malloc(8 * sizeof(int)));
+  std::copy_n(std::array{1, 0, 0, 0, 1, 0, -1, 1}.begin(), 8, *list);
+  return 4;
+}
+
 TEST(Trees, OfPixelsEqualTheLiteralForm) {
   std::mt19937 random(31);
-  for (int round = 0; round < 200; ++round) {
-    const imNeighborhoodFn adjacency = round % 2 == 0 ? imNeighborhood4 : imNeighborhood8;
-    const imImagePtr image = randomImage(random, 2, imTypeAscii, pick(random, 1, 12),
-                                         pick(random, 1, 12), 0, round % 3 == 0 ? 3 : 1000);
+  const imNeighborhoodFn adjacencies[] = {imNeighborhood4, imNeighborhood8, oneSided,
+                                          [](int **list) { return imNeighborhood(list, 5); }};
+  const ifArcWeightFn weights[] = {ifMaxDistance, ifEuclideanDistance, ifWatershedMetric};
+  // The widest difference that does not go round the buckets is 1020. Then values far beyond them.
+  const std::pair<int, int> ranges[] = {{0, 3},         {0, 255},        {-500, 520}, {0, 1020},
+                                        {-500, 521},    {-3, 5},         {0, 1021},   {5000, 6000},
+                                        {0, 100000000}, {minInt, maxInt}};
+  for (int round = 0; round < 1000; ++round) {
+    const int relation = pick(random, 0, 3);
+    const imNeighborhoodFn adjacency = adjacencies[relation];
+    const ifArcWeightFn weight = weights[pick(random, 0, 2)];
+    const auto [least, most] = ranges[round % std::size(ranges)];
+    const imImagePtr image = randomImage(random, pick(random, 1, 2), imTypeAscii,
+                                         pick(random, 1, 12), pick(random, 1, 12), least, most);
     const NeighborWalk neighbors(image.get(), adjacency);
     const Tree tree = literalPrim(image->npixels, 0, 0, 50000, [&](int p) {
       std::vector<Arc> arcs;
       neighbors.each(p, [&](int q, int) {
-        arcs.push_back({q, 49 * ifEuclideanDistance(image.get(), p, q)});
+        arcs.push_back({q, saturate(std::int64_t{49} * weight(image.get(), p, q))});
       });
       return arcs;
     });
@@ -63,10 +86,18 @@ TEST(Trees, OfPixelsEqualTheLiteralForm) {
       EXPECT_TRUE(std::equal(tree.cost.begin(), tree.cost.end(), forest->band[1])) << round;
       EXPECT_TRUE(std::equal(tree.predecessor.begin(), tree.predecessor.end(), forest->band[2]));
     };
-    iftPrim(image.get(), forest.get(), adjacency, ifEuclideanDistance);
+    const auto before = packedTrees;
+    iftPrim(image.get(), forest.get(), adjacency, weight);
     expectTree();
-    iftPrimWF(image.get(), forest.get(), imImagePtr(euclideanWF(image.get(), adjacency)).get());
-    expectTree();
+    const auto [lowest, highest] = rangeOf(image->band[0], image->npixels);
+    const bool isNarrow = weight == ifWatershedMetric
+                              ? lowest >= 0 && highest <= 1020
+                              : image->nbands == 1 && std::int64_t{highest} - lowest <= 1020;
+    EXPECT_EQ(packedTrees - before, isNarrow && relation < 3 ? 1 : 0);
+    if (weight == ifEuclideanDistance && most - std::int64_t{least} <= 1000) {
+      iftPrimWF(image.get(), forest.get(), imImagePtr(euclideanWF(image.get(), adjacency)).get());
+      expectTree();
+    }
   }
 }
 
@@ -79,14 +110,17 @@ TEST(Trees, OfRegionsEqualTheLiteralForm) {
       graph->vertices[v].data[0] = round % 2 == 0 ? pick(random, 0, 3) : pick(random, 999, 1002);
     for (int edges = pick(random, 0, 2 * n); edges > 0; --edges)
       insertEdge(graph.get(), pick(random, 1, n), pick(random, 1, n), 0);
+    if (round % 5 == 0)
+      graph->vertices[pick(random, 0, n)].data[0] = minInt;
     const int rootCost = graph->vertices[1].data[0];
+    const auto weight = round % 3 == 0 ? ifGraphWatershedDistance : ifGraphEuclideanDistance;
     const Tree tree = literalPrim(n + 1, 1, rootCost, 1001, [&](int u) {
       std::vector<Arc> arcs = listsOf(graph.get())[u];
       for (Arc &arc : arcs)
-        arc.weight = ifGraphWatershedDistance(graph.get(), u, arc.target);
+        arc.weight = weight(graph.get(), u, arc.target);
       return arcs;
     });
-    const ifGraphPtr made(iftPrimGraph(graph.get(), ifGraphWatershedDistance));
+    const ifGraphPtr made(iftPrimGraph(graph.get(), weight));
     EXPECT_EQ(listsOf(made.get()), listsOf(makeGraph(n, tree.taken).get())) << round;
     EXPECT_EQ(bandOf(made->labelImage), bandOf(graph->labelImage));
     for (int v = 0; v <= n; ++v) {
