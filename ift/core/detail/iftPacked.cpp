@@ -8,6 +8,7 @@
 #include "base/findRoot.h"
 #include "base/inline.h"
 #include "ift/core/detail/iftPropagate.h"
+#include "ift/core/detail/wordsInBand.h"
 #include "ift/core/ifCost.h"
 #include "image/detail/rowWindow.h"
 
@@ -16,7 +17,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <span>
 
 namespace seedforest::detail {
@@ -48,24 +48,6 @@ struct Packing {
     return mayBeConquered(word) && arc(word) != unreached;
   }
   static bool isSeed(Word word) { return arc(word) >= fixed && arc(word) != unreached; }
-};
-
-// Words in the memory of a band, which later receives its values: read and written as bytes.
-template <class Word>
-class WordsInBand {
-public:
-  explicit WordsInBand(int *band) : bytes_(reinterpret_cast<unsigned char *>(band)) {}
-
-  unsigned char *at(int p) const { return bytes_ + sizeof(Word) * static_cast<std::size_t>(p); }
-  Word operator[](int p) const {
-    Word word;
-    std::memcpy(&word, at(p), sizeof(Word));
-    return word;
-  }
-  void set(int p, Word word) const { std::memcpy(at(p), &word, sizeof(Word)); }
-
-private:
-  unsigned char *bytes_;
 };
 
 // Paths never get better as they grow, and pixels are settled by costs that never improve. So the
