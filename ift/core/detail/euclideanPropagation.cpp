@@ -149,9 +149,9 @@ void propagateAnywhere(const EuclideanProblem &problem) {
   run(transform, queue);
 }
 
-// Finds the root of each pixel along the predecessors, in sweeps over the rows: down, then up, each
-// row in both directions. A path leads straight to its root, more or less, and is followed by one of
-// these; the last one walks what is left. Where costs are packed steps, adds them up on the way.
+// Finds the root of each pixel along the predecessors, in a sweep down and one up the image: a path
+// that comes from above, or from below, is followed to its root in one of them. The second one walks
+// what is left, and halves the ways. Where costs are packed steps, adds them up.
 template <bool addSteps>
 class Ancestry {
 public:
@@ -159,31 +159,19 @@ public:
       : problem_(problem), up_(problem.inherited.begin()->band) {}
 
   void resolve() {
-    const imImage *image = problem_.image;
+    const int npixels = problem_.image->npixels;
     const int n = static_cast<int>(problem_.rootPixels.size());
     for (int i = 0; i < n; ++i)
       up_[problem_.rootPixels[i]] = ~i;
-    for (int y = 0; y < image->nrows; ++y) {
-      const int begin = image->row[y];
-      const int end = begin + image->ncols;
-      for (int p = begin; p < end; ++p)
-        start(p);
-      for (int p = begin; p < end; ++p)
-        follow(p, end);
-      for (int p = end - 1; p >= begin; --p)
-        follow(p, end);
+    for (int p = 0; p < npixels; ++p) {
+      start(p);
+      follow(p, p);
     }
-    for (int y = image->nrows - 1; y >= 0; --y) {
-      const int begin = image->row[y];
-      const int end = begin + image->ncols;
-      for (int p = begin; p < end; ++p)
-        follow(p, image->npixels);
-      for (int p = end - 1; p >= begin; --p)
-        while (up_[p] >= 0) {
-          follow(up_[p], image->npixels);
-          follow(p, image->npixels);
-        }
-    }
+    for (int p = npixels - 1; p >= 0; --p)
+      while (up_[p] >= 0) {
+        follow(up_[p], npixels);
+        follow(p, npixels);
+      }
   }
 
   // Overwrites what was resolved.
