@@ -73,11 +73,11 @@ SEEDFOREST_INLINE inline void propagate(T &transform, Queue &queue) {
   const auto isCurrent = [&](auto entry, int b) { return transform.isCurrent(entry, b); };
   typename T::Entry entry;
   while (queue.take(entry)) {
-    if (!isCurrent(entry, queue.current()))
-      continue;
     if constexpr (requires { transform.prefetch(0); })
       if (queue.upcoming() != queue.none)
         transform.prefetch(queue.upcoming());
+    if (!isCurrent(entry, queue.current()))
+      continue;
     if (queue.isCrowded())
       queue.dropOutdated(isCurrent);
     if (--unmetered == 0)
