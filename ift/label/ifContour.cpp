@@ -273,7 +273,7 @@ private:
   static int lookAtSigned(const Row &row);
   static int lookAtAbsolute(const Row &row);
 
-  // The same as look(), without branches, a row at a time: a tenth of the time.
+  // The same as look() without branches, which would be mispredicted once a pixel.
   template <bool absolute>
   SEEDFOREST_INLINE static int lookAt(const Row &row) {
     const int ncols = row.ncols;
@@ -284,8 +284,7 @@ private:
       const int whole = row.whole[x];
       int difference = noDifference;
       int isLower = 0; // than a neighbour before
-      for (const int offset : {1, ncols, -ncols, -1}) {
-        const int q = x + offset;
+      const auto compare = [&](int q) SEEDFOREST_INLINE {
         isLower |= static_cast<int>(label < row.label[q]);
         int d = row.value[q] - value;
         if (absolute)
@@ -294,7 +293,11 @@ private:
         const int counts = static_cast<int>(label == row.label[q]) &
                            static_cast<int>(whole != noRangeAtAll) & ~isLower;
         difference = std::max(difference, counts != 0 ? d : noDifference);
-      }
+      };
+      compare(x + 1);
+      compare(x + ncols);
+      compare(x - ncols);
+      compare(x - 1);
       row.difference[x] = isLower != 0 ? nextToHigher : difference;
       largest = std::max(largest, difference);
     }
