@@ -5,6 +5,8 @@
 
 #include "base/arith.h"
 #include "base/buffer.h"
+#include "base/inline.h"
+#include "base/multiversion.h"
 #include "base/report.h"
 #include "base/require.h"
 #include "ift/label/detail/borderPixels.h"
@@ -15,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 using namespace seedforest::detail;
 
@@ -179,15 +182,29 @@ int alongContour(const Range &range, int from, int to, bool absolute) {
   return saturate(d > whole >> 1 ? whole - d : d);
 }
 
+// Calls visit(begin, end) for each run of pixels of one label.
+template <class Visit>
+void forEachRun(const int *label, int begin, int end, Visit visit) {
+  while (begin < end) {
+    int p = begin + 1;
+    while (p < end && label[p] == label[begin])
+      ++p;
+    visit(begin, p);
+    begin = p;
+  }
+}
+
 // The ranges of the labels 1 .. maxValue.
 class Ranges {
 public:
   Ranges(const imImage *value, const imImage *label)
       : index_(label), maxLabel_(label->maxValue), range_(makeArray<Range>(index_.size())) {
     std::fill_n(range_.get(), index_.size(), noRange);
-    for (int p = 0; p < label->npixels; ++p)
-      if (Range *range = find(label->band[0][p]))
-        range->include(value->band[0][p]);
+    forEachRun(label->band[0], 0, label->npixels, [&](int begin, int end) {
+      if (Range *range = find(label->band[0][begin]))
+        for (int p = begin; p < end; ++p)
+          range->include(value->band[0][p]);
+    });
   }
 
   Range *find(int label) const {
@@ -200,6 +217,109 @@ private:
   Array<Range> range_;
 };
 
+// The differences at a pixel, and the largest of all.
+class Differences {
+public:
+  Differences(const imImage *values, const imImage *labels, imImage *output, bool absolute)
+      : value_(values->band[0]), label_(labels->band[0]), difference_(output->band[0]),
+        absolute_(absolute), ranges_(values, labels), neighbors_(labels, imNeighborhood4) {}
+
+  void look(int x, int y, int p) {
+    const Range *range = ranges_.find(label_[p]);
+    int difference = noDifference;
+    neighbors_.any(x, y, [&](int q, int) {
+      if (label_[p] < label_[q])
+        difference = nextToHigher;
+      else if (label_[p] == label_[q] && range != nullptr)
+        difference = std::max(difference, alongContour(*range, value_[p], value_[q], absolute_));
+      else
+        return false;
+      if (difference == nextToHigher)
+        return true;
+      largest_ = std::max(largest_, difference);
+      return false;
+    });
+    difference_[p] = difference;
+  }
+
+  /// Whether the differences of these values fit into 32 bits, so that lookAtRow() may be called.
+  bool areNarrow(int npixels) const { return allWithin(value_, npixels, -narrow, narrow); }
+
+  /// All pixels of row y but the first and the last; not of the image's first or last row.
+  void lookAtRow(int y, int ncols, int *whole) {
+    const int row = y * ncols;
+    forEachRun(label_, row, row + ncols, [&](int begin, int end) {
+      const Range *range = ranges_.find(label_[begin]);
+      std::fill(whole + begin - row, whole + end - row,
+                range == nullptr ? noRangeAtAll : range->largest - range->smallest);
+    });
+    const Row data = {value_ + row, label_ + row, whole, difference_ + row, ncols};
+    largest_ = std::max(largest_, absolute_ ? lookAtAbsolute(data) : lookAtSigned(data));
+  }
+
+  int largest() const { return largest_; }
+
+private:
+  static constexpr int narrow = 1 << 28;
+  static constexpr int noRangeAtAll = -1;
+
+  struct Row {
+    const int *value;
+    const int *label;
+    const int *whole; // the length of the contour of that label
+    int *difference;
+    int ncols;
+  };
+  static int lookAtSigned(const Row &row);
+  static int lookAtAbsolute(const Row &row);
+
+  // The same as look() without branches, which would be mispredicted once a pixel.
+  template <bool absolute>
+  SEEDFOREST_INLINE static int lookAt(const Row &row) {
+    const int ncols = row.ncols;
+    int largest = noDifference;
+    for (int x = 1; x < ncols - 1; ++x) {
+      const int label = row.label[x];
+      const int value = row.value[x];
+      const int whole = row.whole[x];
+      int difference = noDifference;
+      int isLower = 0; // than a neighbour before
+      const auto compare = [&](int q) SEEDFOREST_INLINE {
+        isLower |= static_cast<int>(label < row.label[q]);
+        int d = row.value[q] - value;
+        if (absolute)
+          d = std::abs(d);
+        d = d > whole >> 1 ? whole - d : d;
+        const int counts = static_cast<int>(label == row.label[q]) &
+                           static_cast<int>(whole != noRangeAtAll) & ~isLower;
+        difference = std::max(difference, counts != 0 ? d : noDifference);
+      };
+      compare(x + 1);
+      compare(x + ncols);
+      compare(x - ncols);
+      compare(x - 1);
+      row.difference[x] = isLower != 0 ? nextToHigher : difference;
+      largest = std::max(largest, difference);
+    }
+    return largest;
+  }
+
+  const int *value_;
+  const int *label_;
+  int *difference_;
+  bool absolute_;
+  int largest_ = noDifference;
+  Ranges ranges_;
+  NeighborWalk neighbors_;
+};
+
+SEEDFOREST_MULTIVERSION int Differences::lookAtSigned(const Row &row) {
+  return lookAt<false>(row);
+}
+SEEDFOREST_MULTIVERSION int Differences::lookAtAbsolute(const Row &row) {
+  return lookAt<true>(row);
+}
+
 } // namespace
 
 void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *output,
@@ -209,31 +329,18 @@ void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *o
   requireBands("ifLabelDifferences", output, 1);
   requireSameSize("ifLabelDifferences", values, labels);
   requireSameSize("ifLabelDifferences", values, output);
-  const Ranges ranges(values, labels);
-  const NeighborWalk neighbors(labels, imNeighborhood4);
-  const int *value = values->band[0];
-  const int *label = labels->band[0];
-  int *difference = output->band[0];
-  int largest = noDifference;
-  int p = 0;
-  for (int y = 0; y < output->nrows; ++y)
-    for (int x = 0; x < output->ncols; ++x, ++p) {
-      const Range *range = ranges.find(label[p]);
-      difference[p] = noDifference;
-      neighbors.any(x, y, [&](int q, int) {
-        if (label[p] < label[q])
-          difference[p] = nextToHigher;
-        else if (label[p] == label[q] && range != nullptr)
-          difference[p] =
-              std::max(difference[p], alongContour(*range, value[p], value[q], absolute != 0));
-        else
-          return false;
-        if (difference[p] == nextToHigher)
-          return true;
-        largest = std::max(largest, difference[p]);
-        return false;
-      });
-    }
-  output->maxValue = saturate(std::int64_t{largest} + 1);
-  std::replace(difference, difference + output->npixels, nextToHigher, output->maxValue);
+  Differences differences(values, labels, output, absolute != 0);
+  const bool areNarrow = differences.areNarrow(values->npixels);
+  const int lastRow = output->nrows - 1;
+  const int lastColumn = output->ncols - 1;
+  const Array<int> whole = makeArray<int>(static_cast<std::size_t>(output->ncols));
+  for (int y = 0; y <= lastRow; ++y) {
+    const bool isInner = areNarrow && y > 0 && y < lastRow && lastColumn > 0;
+    if (isInner)
+      differences.lookAtRow(y, output->ncols, whole.get());
+    for (int x = 0; x <= lastColumn; x += isInner ? lastColumn : 1)
+      differences.look(x, y, output->row[y] + x);
+  }
+  output->maxValue = saturate(std::int64_t{differences.largest()} + 1);
+  std::replace(output->band[0], output->band[0] + output->npixels, nextToHigher, output->maxValue);
 }

@@ -15,10 +15,10 @@
 #include "ift/seeds/ifContourSeeds.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
-#include "image/imPixelwise.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 using namespace seedforest::detail;
 
@@ -28,35 +28,30 @@ int nearDisc(int **list) {
   return imNeighborhood(list, 2);
 }
 
-// How far apart, along the contour, the border pixels nearest to neighbouring pixels lie; and each
-// pixel's squared distance to the border.
-struct Distances {
-  bool haveRoots;
-  imImagePtr alongContour;
-  imImagePtr squared;
-};
-
 // The work image of iftSkelNova() for a shape's border.
 imImagePtr spreadBorder(const imImage *image) {
   OwnedRoots2 roots;
-  const imImagePtr shape(ifSkel2Roots(image, &roots));
-  imImagePtr work = createLike(image, 5, imTypeWork);
+  imImagePtr(ifSkel2Roots(image, &roots)); // the followed shape is not needed
+  imImagePtr work = createLike(image, 4, imTypeWork);
   iftSkelNova(image, work.get(), &roots);
   return work;
 }
 
-Distances distances(const imImage *image) {
-  const imImagePtr work = spreadBorder(image);
-  const imImagePtr label = requireMade(imCopyBand(work.get(), imTypeAscii, 1));
-  const imImagePtr contour = requireMade(imCopyBand(work.get(), imTypeAscii, 4));
-  Distances distances = {contour->maxValue > 0, createLike(image, 1, imTypeAscii),
-                         requireMade(imCopyBand(work.get(), imTypeAscii, 2))};
-  ifLabelDifferences(label.get(), contour.get(), distances.alongContour.get(), 0);
-  return distances;
-}
+// A band of an image as an image of its own, valid as long as that.
+struct BandView : imImage {
+  BandView(const imImage *image, int b) : imImage(*image), pixels(image->band[b]) {
+    nbands = 1;
+    band = &pixels;
+  }
+  BandView(const BandView &) = delete;
+  BandView &operator=(const BandView &) = delete;
 
-imImagePtr masked(const imImagePtr &image, const imImage *mask) {
-  return requireMade(imMask(image.get(), mask, 0));
+  int *pixels;
+};
+
+// Whether a skeleton of this type has pixels of this value.
+bool isOnSide(int skelType, int value) {
+  return skelType == 0 || (skelType == 1) == (value > 0);
 }
 
 // Discs are known by their squared radii. So many columns, or rows, off its centre, what is left of a
@@ -123,22 +118,26 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) 
   requireBands("ifSkel", image, 1);
   if (image->nbands != 1)
     fatal("ifSkel: an image of %d bands is no shape\n", image->nbands);
-  Distances found = distances(image);
-  const int largest = found.alongContour->maxValue;
-  // Without roots there are no differences, and no pixel reaches `largest`: nothing is selected.
-  const int least = found.haveRoots ? std::min(threshold, largest) : largest;
-  const imImagePtr selected =
-      requireMade(imThreshold(found.alongContour.get(), imTypeAscii, least, ifInfiniteCost));
-  found.alongContour.reset();
-  imImagePtr side = std::move(found.squared);
-  if (skelType == 1)
-    side = masked(side, image);
-  else if (skelType == 2)
-    side = masked(side, requireMade(imNegative2(image, imTypeGrey)).get());
-  else if (skelType != 0)
+  const imImagePtr work = spreadBorder(image);
+  const BandView position(work.get(), 0);
+  BandView contour(work.get(), 3);
+  contour.maxValue = largestValue(&contour, 0);
+  // How far apart, along the contour, the border pixels nearest to neighbouring pixels lie.
+  imImagePtr skeleton = createLike(image, 1, imTypeAscii);
+  ifLabelDifferences(&position, &contour, skeleton.get(), 0);
+  const int largest = std::exchange(skeleton->maxValue, 0);
+  if (skelType < 0 || skelType > 2) {
     warn("invalid skelType: %d\n", skelType);
-  if (skelType >= 0 && skelType <= 2)
-    *result = masked(side, selected.get()).release();
+    return largest;
+  }
+  // Without roots there are no differences, and no pixel reaches `largest`: nothing is selected.
+  const int least = contour.maxValue > 0 ? std::min(threshold, largest) : largest;
+  const int *value = image->band[0];
+  const int *squaredDistance = work->band[1];
+  int *pixel = skeleton->band[0];
+  for (int p = 0; p < image->npixels; ++p)
+    pixel[p] = pixel[p] >= least && isOnSide(skelType, value[p]) ? squaredDistance[p] : 0;
+  *result = skeleton.release();
   return largest;
 }
 

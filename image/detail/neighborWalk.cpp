@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace seedforest::detail {
 
@@ -40,7 +39,7 @@ void NeighborWalk::measure() {
 bool NeighborWalk::isWindow() const {
   unsigned seen = 1 << 4; // a bit for each place of the window; the middle is no neighbour
   for (int k = 0; k < n_; ++k)
-    if (std::abs(dx(k)) <= 1 && std::abs(dy(k)) <= 1)
+    if (dx(k) >= -1 && dx(k) <= 1 && dy(k) >= -1 && dy(k) <= 1)
       seen |= 1U << (3 * dy(k) + dx(k) + 4);
   return n_ == 8 && seen == 0x1ff;
 }

@@ -5,7 +5,9 @@
 
 #include "base/arith.h"
 #include "base/inline.h"
+#include "ift/core/detail/euclideanTiles.h"
 #include "ift/core/detail/iftPropagate.h"
+#include "ift/core/detail/turningQueue.h"
 #include "ift/core/ifCost.h"
 #include "image/detail/imageTools.h"
 
@@ -27,35 +29,6 @@ struct EuclideanEntry {
   std::uint16_t y;
 
   int cost() const { return static_cast<int>(unsigned{x} * x + unsigned{y} * y); }
-};
-
-// A queue that keeps track of the turns of its search round the circle, and so finds the bucket of
-// a cost of this turn or the next without a division.
-class TurningQueue : public BucketQueue<EuclideanEntry> {
-public:
-  TurningQueue(std::int64_t nbuckets, int nelems)
-      : BucketQueue(nbuckets, nelems), nbuckets_(static_cast<std::uint64_t>(nbuckets)) {}
-
-  bool take(EuclideanEntry &entry) {
-    if (!BucketQueue::take(entry))
-      return false;
-    const auto cost = static_cast<unsigned>(entry.cost());
-    if (cost - turn_ >= nbuckets_)
-      turn_ = cost - cost % nbuckets_;
-    return true;
-  }
-
-  SEEDFOREST_INLINE void append(int cost, EuclideanEntry entry) {
-    const std::uint64_t ahead = static_cast<unsigned>(cost) - turn_;
-    std::uint64_t bucket = ahead;
-    if (ahead >= nbuckets_)
-      bucket = ahead < 2 * nbuckets_ ? ahead - nbuckets_ : static_cast<unsigned>(cost) % nbuckets_;
-    BucketQueue::append(static_cast<int>(bucket), entry);
-  }
-
-private:
-  std::uint64_t nbuckets_;
-  std::uint64_t turn_ = 0; // the multiple of nbuckets_ below the cost of the entry taken last
 };
 
 // The absolute values of a displacement. Displacements that differ only in sign add the same to the
@@ -151,46 +124,16 @@ private:
 };
 
 // A function of its own: inlined, the loop takes a tenth more instructions.
-[[gnu::noinline]] void run(EuclideanTransform &transform, TurningQueue &queue) {
+[[gnu::noinline]] void run(EuclideanTransform &transform, TurningQueue<EuclideanEntry> &queue) {
   propagate(transform, queue);
 }
 
-// Copies the roots' values to the pixels that they won, along the predecessors. Raster order, with
-// each pixel filled once, touches far fewer cache lines than filling during the propagation.
-void inherit(const EuclideanProblem &problem) {
-  constexpr unsigned wordBits = 64;
+// Any relation of neighbours. Writes the costs and the predecessors.
+void propagateAnywhere(const EuclideanProblem &problem) {
   const int npixels = problem.image->npixels;
-  const int *pred = problem.pred;
-  const Array<std::uint64_t> settled =
-      makeZeroedArray<std::uint64_t>(static_cast<std::size_t>(npixels) / wordBits + 1);
-  const auto wordOf = [&](int p) -> std::uint64_t & {
-    return settled[static_cast<unsigned>(p) / wordBits];
-  };
-  const auto bitOf = [](int p) { return std::uint64_t{1} << static_cast<unsigned>(p) % wordBits; };
-  for (int p = 0; p < npixels; ++p) {
-    int source = p;
-    while ((wordOf(source) & bitOf(source)) == 0 && pred[source] != source)
-      source = pred[source];
-    for (int q = p; q != source; q = pred[q]) {
-      for (const InheritedBand &inherited : problem.inherited)
-        inherited.band[q] = inherited.band[source];
-      wordOf(q) |= bitOf(q);
-    }
-    wordOf(source) |= bitOf(source);
-  }
-}
-
-} // namespace
-
-void propagateEuclidean(const EuclideanProblem &problem) {
-  const int npixels = problem.image->npixels;
-  for (const int p : problem.rootPixels)
-    requirePixel(problem.operation, problem.image, p);
   EuclideanTransform transform(problem);
-  TurningQueue queue(problem.nbuckets, npixels);
+  TurningQueue<EuclideanEntry> queue(problem.nbuckets, npixels);
   std::fill_n(problem.cost, npixels, ifInfiniteCost);
-  for (const InheritedBand &inherited : problem.inherited)
-    std::fill_n(inherited.band, npixels, 0);
   for (const int p : problem.rootPixels)
     problem.cost[p] = 0;
   const auto reaches = [&](int p) { // a pixel that is no root
@@ -198,15 +141,92 @@ void propagateEuclidean(const EuclideanProblem &problem) {
     return problem.neighbors.any(p - y * problem.image->ncols, y,
                                  [&](int q, int) { return problem.cost[q] != 0; });
   };
-  forEachSeed(problem.rootPixels, problem.pred, [&](int i, int p) {
-    for (const InheritedBand &inherited : problem.inherited)
-      inherited.band[p] = inherited.atRoots[i];
+  forEachSeed(problem.rootPixels, problem.pred, [&](int, int p) {
     if (reaches(p)) // a root among roots improves none: where all of the ground is roots, most are
       queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
   });
   std::iota(problem.pred, problem.pred + npixels, 0);
   run(transform, queue);
-  inherit(problem);
+}
+
+// Finds the root of each pixel along the predecessors, in a sweep down and one up the image: a path
+// that comes from above, or from below, is followed to its root in one of them. The second one walks
+// what is left, and halves the ways. Where costs are packed steps, adds them up.
+template <bool addSteps>
+class Ancestry {
+public:
+  explicit Ancestry(const EuclideanProblem &problem)
+      : problem_(problem), up_(problem.inherited.begin()->band) {}
+
+  void resolve() {
+    const int npixels = problem_.image->npixels;
+    const int n = static_cast<int>(problem_.rootPixels.size());
+    for (int i = 0; i < n; ++i)
+      up_[problem_.rootPixels[i]] = ~i;
+    for (int p = 0; p < npixels; ++p) {
+      start(p);
+      follow(p, p);
+    }
+    for (int p = npixels - 1; p >= 0; --p)
+      while (up_[p] >= 0) {
+        follow(up_[p], npixels);
+        follow(p, npixels);
+      }
+  }
+
+  // Overwrites what was resolved.
+  void handDown() const {
+    const int npixels = problem_.image->npixels;
+    for (int p = 0; p < npixels; ++p) {
+      const int root = up_[p];
+      for (const InheritedBand &inherited : problem_.inherited)
+        inherited.band[p] = root == noRoot ? 0 : inherited.atRoots[~root];
+      if (addSteps && root != noRoot)
+        problem_.cost[p] = PackedSteps::squaredLength(problem_.cost[p]);
+    }
+  }
+
+private:
+  static constexpr int noRoot = minInt;
+
+  void start(int p) { // a root is where it is
+    if (problem_.pred[p] != p)
+      up_[p] = problem_.pred[p];
+    else if (problem_.cost[p] == ifInfiniteCost)
+      up_[p] = noRoot;
+  }
+  // Passes the pixel to which p points, if that is before `end`.
+  SEEDFOREST_INLINE void follow(int p, int end) {
+    const int up = up_[p];
+    if (static_cast<unsigned>(up) >= static_cast<unsigned>(end))
+      return;
+    up_[p] = up_[up];
+    if (addSteps)
+      problem_.cost[p] += problem_.cost[up];
+  }
+
+  const EuclideanProblem &problem_;
+  int *up_; // a pixel on the way to the root, or the complement of the root's place in the list
+};
+
+template <bool addSteps>
+void handDown(const EuclideanProblem &problem) {
+  Ancestry<addSteps> ancestry(problem);
+  ancestry.resolve();
+  ancestry.handDown();
+}
+
+} // namespace
+
+void propagateEuclidean(const EuclideanProblem &problem) {
+  for (const int p : problem.rootPixels)
+    requirePixel(problem.operation, problem.image, p);
+  if (propagateInTiles(problem)) {
+    handDown<true>(problem);
+  } else {
+    propagateAnywhere(problem);
+    handDown<false>(problem);
+  }
 }
 
 } // namespace seedforest::detail

@@ -8,6 +8,7 @@
 #include "base/findRoot.h"
 #include "base/inline.h"
 #include "ift/core/detail/iftPropagate.h"
+#include "ift/core/detail/wordsInBand.h"
 #include "ift/core/ifCost.h"
 #include "image/detail/rowWindow.h"
 
@@ -16,7 +17,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <span>
 
 namespace seedforest::detail {
@@ -50,24 +50,6 @@ struct Packing {
   static bool isSeed(Word word) { return arc(word) >= fixed && arc(word) != unreached; }
 };
 
-// Words in the memory of a band, which later receives its values: read and written as bytes.
-template <class Word>
-class WordsInBand {
-public:
-  explicit WordsInBand(int *band) : bytes_(reinterpret_cast<unsigned char *>(band)) {}
-
-  unsigned char *at(int p) const { return bytes_ + sizeof(Word) * static_cast<std::size_t>(p); }
-  Word operator[](int p) const {
-    Word word;
-    std::memcpy(&word, at(p), sizeof(Word));
-    return word;
-  }
-  void set(int p, Word word) const { std::memcpy(at(p), &word, sizeof(Word)); }
-
-private:
-  unsigned char *bytes_;
-};
-
 // A bit for each pixel: it may be conquered. So the neighbours of a pixel are told apart by three
 // reads of bytes that mostly are in the cache, in place of eight of words that mostly are not, which
 // takes a tenth off the time. In the memory of the cost band, which is written after the flood.
@@ -78,9 +60,10 @@ public:
 
   template <class Word>
   void fill(const WordsInBand<Word> &words) const {
-    for (int p = 0; p < npixels_; p += 8) {
+    for (int p = 0, n; p < npixels_; p += n) {
+      n = std::min(8, npixels_ - p);
       unsigned bits = 0;
-      for (int i = 0; i < std::min(8, npixels_ - p); ++i)
+      for (int i = 0; i < n; ++i)
         bits |= static_cast<unsigned>(Packing<Word>::mayBeConquered(words[p + i])) << i;
       bytes_[p / 8] = static_cast<unsigned char>(bits);
     }

@@ -3,6 +3,7 @@
 
 #include "ift/core/iftEuclidean.h"
 
+#include "ift/core/detail/euclideanTiles.h"
 #include "reference/literalEuclid.h"
 
 using namespace seedforest::detail;
@@ -31,6 +32,12 @@ TEST(Euclidean, LongWays) {
   EXPECT_EQ(result->band[2][46341], ifInfiniteCost);
   EXPECT_EQ(result->band[1][46341], 0);
 
+  // More than the words of tiles can tell apart, in an image that is wide enough for them.
+  const std::int64_t before = propagationsInTiles;
+  const imImagePtr wide = distances(8300, 9, {{0, 1, 0}});
+  EXPECT_EQ(propagationsInTiles, before);
+  EXPECT_EQ(wide->band[2][wide->npixels - 1], 8299 * 8299 + 8 * 8);
+
   const auto leaps = [](int **list) {
     *list = allocateInts(4);
     (*list)[0] = minInt;
@@ -51,16 +58,24 @@ int disc(int **list) {
   return imNeighborhood(list, r2);
 }
 
+int reversed(int **list) { // another order of the eight, and so other ties
+  const int n = imNeighborhood8(list);
+  std::reverse(*list, *list + 2 * n);
+  return n;
+}
+
 // Relations of more displacements than have lists of their own, and than a byte can name, too.
 TEST(Euclidean, EqualsTheLiteralForm) {
   std::mt19937 random(21);
-  const imNeighborhoodFn relations[] = {imNeighborhood4, imNeighborhood8, disc<2>,
+  const imNeighborhoodFn relations[] = {imNeighborhood4, imNeighborhood8, disc<2>,  reversed,
                                         knight,          disc<25>,        disc<100>};
-  for (int round = 0; round < 600; ++round) {
+  const std::int64_t before = propagationsInTiles;
+  for (int round = 0; round < 1400; ++round) {
     const int ncols = pick(random, 1, 40);
     const int nrows = pick(random, 1, 40);
     std::vector<Root> roots;
-    for (int n = pick(random, 0, 11); n > 0; --n)
+    const int most = round % 3 == 0 ? ncols * nrows / 3 : 11;
+    for (int n = pick(random, 0, most); n > 0; --n)
       roots.push_back({pick(random, 0, ncols * nrows - 1), n});
     const imNeighborhoodFn adjacency = relations[round % std::size(relations)];
     const imImagePtr fast = distances(ncols, nrows, roots, adjacency);
@@ -70,6 +85,7 @@ TEST(Euclidean, EqualsTheLiteralForm) {
     for (const auto &[made, expected] : {std::pair{1, 2}, {2, 0}, {3, 1}})
       ASSERT_EQ(bandOf(fast, made), bandOf(literal, expected)) << "round " << round;
   }
+  EXPECT_GT(propagationsInTiles, before + 300);
 }
 
 } // namespace

@@ -131,4 +131,25 @@ TEST(LabelDifferences, HandImages) {
   }
 }
 
+// Where differences fit into 32 bits, a row is looked at all at once. A single position that is out of
+// reach, at a pixel whose label has no range, makes no difference but to that.
+TEST(LabelDifferences, SameByRowsAndByPixels) {
+  std::mt19937 random(9);
+  for (int round = 0; round < 600; ++round) {
+    const int ncols = pick(random, 1, 70);
+    const int nrows = pick(random, 1, 9);
+    const imImagePtr label = randomImage(random, 1, imTypeAscii, ncols, nrows, -1, round % 3 + 1);
+    label->band[0][0] = -1;
+    label->maxValue = pick(random, 0, 4);
+    const imImagePtr value = randomImage(random, 1, imTypeAscii, ncols, nrows, -9, 90);
+    const imImagePtr rows = blankLike(label);
+    ifLabelDifferences(value.get(), label.get(), rows.get(), round % 2);
+    value->band[0][0] = minInt;
+    const imImagePtr pixels = blankLike(label);
+    ifLabelDifferences(value.get(), label.get(), pixels.get(), round % 2);
+    ASSERT_EQ(bandOf(rows), bandOf(pixels)) << "round " << round;
+    EXPECT_EQ(rows->maxValue, pixels->maxValue);
+  }
+}
+
 } // namespace

@@ -1,0 +1,288 @@
+// Copyright the Seedforest authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ift/core/detail/euclideanTiles.h"
+
+#include "base/inline.h"
+#include "ift/core/detail/iftPropagate.h"
+#include "ift/core/detail/turningQueue.h"
+#include "ift/core/detail/wordsInBand.h"
+#include "ift/core/ifCost.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+
+namespace seedforest::detail {
+
+namespace {
+
+constexpr int nsteps = 8;
+
+// Where the words of pixels lie: tile by tile, row by row in each, with a frame of one pixel around
+// the image.
+class Tiles {
+public:
+  explicit Tiles(const imImage *image)
+      : across_((image->ncols + 2 + width - 1) / width),
+        down_((image->nrows + 2 + height - 1) / height) {}
+
+  static constexpr int area = 32;
+
+  std::int64_t size() const { return std::int64_t{across_} * down_ * area; }
+
+  /// The place of the pixel (x, y), which may be one in the frame.
+  int place(int x, int y) const {
+    const int column = x + 1;
+    const int row = y + 1;
+    return (row / height * across_ + column / width) * area + row % height * width + column % width;
+  }
+
+  /// From a place to the one beside it by (dx, dy); `lane` is the place modulo the area of a tile.
+  int step(int lane, int dx, int dy) const {
+    const int x = width + lane % width - 1; // anywhere but at the edge
+    const int y = height + lane / width - 1;
+    return place(x + dx, y + dy) - place(x, y);
+  }
+
+private:
+  static constexpr int width = 8;
+  static constexpr int height = 4;
+
+  int across_;
+  int down_;
+};
+
+// A pixel's word: unreached or, while it waits, a flag and the last bits of its cost; when it is
+// settled, the displacement by which it was reached, plus one, or 0 for a root. Waiting costs are
+// no more than one step apart, so that their last bits tell which is less.
+struct Word {
+  static constexpr unsigned waiting = 0x8000;
+  static constexpr std::uint16_t unreached = 0x4000;
+  static constexpr std::uint16_t root = 0;
+  static constexpr unsigned farther = 0x4000; // half of the costs that can be told apart
+  static constexpr unsigned costMask = 0x7fff;
+  static constexpr int longest = 8190; // a sum of dx and dy from which a step costs less than half
+
+  static std::uint16_t wait(int cost) {
+    return static_cast<std::uint16_t>(waiting | (static_cast<unsigned>(cost) & costMask));
+  }
+  static std::uint16_t settle(int k) { return static_cast<std::uint16_t>(k + 1); }
+  static bool isImprovedBy(int cost, unsigned word) {
+    const bool isFarther = ((word - static_cast<unsigned>(cost) - 1) & farther) == 0;
+    return word == unreached || (word >= waiting && isFarther);
+  }
+};
+
+using Words = WordsInBand<std::uint16_t>;
+
+// A waiting pixel with its offsets to its root.
+struct TileEntry {
+  int pixel; // its place and, in the last bits, the displacement by which it was reached
+  std::uint16_t x;
+  std::uint16_t y;
+
+  static constexpr int arrivalBits = 3;
+  static constexpr std::int64_t mostPlaces = std::int64_t{1} << (31 - arrivalBits);
+
+  static TileEntry at(int place, int arrival, int x, int y) {
+    return {place << arrivalBits | arrival, static_cast<std::uint16_t>(x),
+            static_cast<std::uint16_t>(y)};
+  }
+  static int placeOf(int pixel) { return pixel >> arrivalBits; }
+  int place() const { return placeOf(pixel); }
+  int arrival() const { return pixel & ((1 << arrivalBits) - 1); }
+  int cost() const { return static_cast<int>(unsigned{x} * x + unsigned{y} * y); }
+};
+
+// Pixels are settled in the order of their costs. An offer is left out where a neighbour that was
+// settled before has surely made a better one. A pixel reached by a straight step has three
+// neighbours that its predecessor does not share. One reached by a diagonal step has five, of which
+// two lie back in x or in y. Say it was reached from s by (1, 1), and so has the offsets
+// (x + 1, y + 1): s + (1, 0) costs at most (x + 1)^2 + y^2, was settled before, and has offered
+// s + (2, 0) a path that costs less than (x + 2)^2 + (y + 2)^2, whichever root it leads to. That
+// leaves three neighbours in all cases.
+class TileTransform {
+public:
+  TileTransform(const NeighborWalk &neighbors, const Tiles &tiles, Words words) : words_(words) {
+    for (int k = 0; k < nsteps; ++k) {
+      const int dx = neighbors.dx(k);
+      const int dy = neighbors.dy(k);
+      length_[k] = {std::abs(dx), std::abs(dy)};
+      for (int lane = 0; lane < Tiles::area; ++lane)
+        around_[lane][k] = tiles.step(lane, dx, dy);
+      int n = 0;
+      for (int onward = 0; onward < nsteps; ++onward)
+        if (leadsOn(dx, neighbors.dx(onward), dy, neighbors.dy(onward)))
+          onward_[k][n++] = onward;
+    }
+    for (int lane = 0; lane < Tiles::area; ++lane)
+      corner_[lane] = {tiles.step(lane, -1, -1), tiles.step(lane, 1, -1), tiles.step(lane, -1, 1),
+                       tiles.step(lane, 1, 1)};
+  }
+
+  using Entry = TileEntry;
+  Entry entry(int q, int k, int) const {
+    return Entry::at(q, k, x_ + length_[k].dx, y_ + length_[k].dy);
+  }
+
+  bool isCurrent(Entry entry, int) const {
+    return words_[entry.place()] == Word::wait(entry.cost());
+  }
+
+  void settle(Entry entry) {
+    x_ = entry.x;
+    y_ = entry.y;
+    const int cost = entry.cost();
+    isExact_ = isExact_ && cost >= cost_ && x_ + y_ <= Word::longest;
+    cost_ = cost;
+    words_.set(entry.place(), cost == 0 ? Word::root : Word::settle(entry.arrival()));
+  }
+
+  template <class Offer>
+  void offers(Entry entry, Offer offer) const {
+    const int p = entry.place();
+    const auto &around = around_[p % Tiles::area];
+    const auto offerStep = [&](int k) SEEDFOREST_INLINE {
+      offer(p + around[k], k, cost_ + length_[k].dx * (2 * x_ + 1) + length_[k].dy * (2 * y_ + 1));
+    };
+    if (!isExact_)
+      return; // all this is for nothing, and offsets may not grow without bounds
+    if (cost_ == 0)
+      for (int k = 0; k < nsteps; ++k)
+        offerStep(k);
+    else
+      for (const int k : onward_[entry.arrival()])
+        offerStep(k);
+  }
+
+  bool improves(int cost, int q) const { return Word::isImprovedBy(cost, words_[q]); }
+  void conquer(int, int q, int, int cost) { words_.set(q, Word::wait(cost)); }
+  int bucket(int cost, int) const { return cost; } // the queue knows how often to go round
+  SEEDFOREST_INLINE void prefetch(int pixel) const {
+    const int p = TileEntry::placeOf(pixel);
+    for (const int offset : corner_[p % Tiles::area])
+      prefetchAt(words_.at(p + offset));
+  }
+
+  /// Whether a root at this place can improve a neighbour.
+  bool reaches(int p) const {
+    const auto &around = around_[p % Tiles::area];
+    return std::any_of(around.begin(), around.end(),
+                       [&](int offset) { return words_[p + offset] == Word::unreached; });
+  }
+
+  /// False when pixels were settled out of order, or costs could not be told apart.
+  bool isExact() const { return isExact_; }
+
+private:
+  // Whether a step behind (dx, dy) leads to a pixel that is to be offered a path.
+  static bool leadsOn(int dx, int nextX, int dy, int nextY) {
+    const bool isShared = std::abs(dx + nextX) <= 1 && std::abs(dy + nextY) <= 1;
+    return !isShared && dx * nextX >= 0 && dy * nextY >= 0;
+  }
+
+  struct Length {
+    int dx;
+    int dy;
+  };
+  Words words_;
+  std::array<Length, nsteps> length_;                       // of each step
+  std::array<std::array<int, 3>, nsteps> onward_;           // by arrival
+  std::array<std::array<int, nsteps>, Tiles::area> around_; // by the place in a tile
+  std::array<std::array<int, 4>, Tiles::area> corner_;      // together in all tiles of a window
+  int x_ = 0;                                               // of the pixel settled last
+  int y_ = 0;
+  int cost_ = 0;
+  bool isExact_ = true;
+};
+
+// A function of its own, as for any relation of neighbours.
+[[gnu::noinline]] void run(TileTransform &transform, TurningQueue<TileEntry> &queue) {
+  propagate(transform, queue);
+}
+
+// All pixels are unreached, and the frame is settled.
+void clear(const imImage *image, const Tiles &tiles, Words words) {
+  const auto size = static_cast<int>(tiles.size());
+  for (int p = 0; p < size; ++p)
+    words.set(p, Word::unreached);
+  for (int x = -1; x <= image->ncols; ++x) {
+    words.set(tiles.place(x, -1), Word::root);
+    words.set(tiles.place(x, image->nrows), Word::root);
+  }
+  for (int y = 0; y < image->nrows; ++y) {
+    words.set(tiles.place(-1, y), Word::root);
+    words.set(tiles.place(image->ncols, y), Word::root);
+  }
+}
+
+// A pixel that is its own neighbour, as in a disc, improves nothing by that.
+NeighborWalk withoutCentre(const EuclideanProblem &problem) {
+  Vector<int> displacements;
+  for (int k = 0; k < problem.neighbors.size(); ++k)
+    if (problem.neighbors.dx(k) != 0 || problem.neighbors.dy(k) != 0)
+      displacements.insert(displacements.end(), {problem.neighbors.dx(k), problem.neighbors.dy(k)});
+  return {problem.image, static_cast<int>(displacements.size() / 2), displacements.data()};
+}
+
+// The predecessors, and the step from each to its pixel.
+void unpack(const EuclideanProblem &problem, const NeighborWalk &window, const Tiles &tiles,
+            Words words) {
+  std::array<int, nsteps + 1> offset = {}; // by settled words: none to a root from itself
+  std::array<int, nsteps + 1> steps = {};
+  for (int k = 0; k < nsteps; ++k) {
+    offset[Word::settle(k)] = window.offset(k);
+    steps[Word::settle(k)] = PackedSteps::pack(std::abs(window.dx(k)), std::abs(window.dy(k)));
+  }
+  int p = 0;
+  for (int y = 0; y < problem.image->nrows; ++y)
+    for (int x = 0; x < problem.image->ncols; ++x, ++p) {
+      const std::uint16_t word = words[tiles.place(x, y)];
+      const bool isReached = word != Word::unreached;
+      problem.pred[p] = isReached ? p - offset[word] : p;
+      problem.cost[p] = isReached ? steps[word] : ifInfiniteCost;
+    }
+}
+
+} // namespace
+
+bool propagateInTiles(const EuclideanProblem &problem) {
+  const imImage *image = problem.image;
+  const NeighborWalk window = withoutCentre(problem);
+  const Tiles tiles(image);
+  const bool fits =
+      tiles.size() <= 2 * std::int64_t{image->npixels} && tiles.size() <= TileEntry::mostPlaces;
+  // Where roots are many, little is left to flood, and unpacking would cost more than that saves.
+  const bool isWorthwhile = std::ssize(problem.rootPixels) <= image->npixels / 4;
+  if (!window.isWindow() || !fits || !isWorthwhile)
+    return false;
+  const Words words(problem.inherited.begin()->band);
+  clear(image, tiles, words);
+  const auto placeOf = [&](int p) {
+    const int y = p / image->ncols;
+    return tiles.place(p - y * image->ncols, y);
+  };
+  for (const int p : problem.rootPixels)
+    words.set(placeOf(p), Word::root);
+  TileTransform transform(window, tiles, words);
+  {
+    TurningQueue<TileEntry> queue(problem.nbuckets, image->npixels);
+    forEachSeed(problem.rootPixels, problem.pred, [&](int, int p) {
+      const int place = placeOf(p);
+      if (!transform.reaches(place)) // a root among roots improves none
+        return;
+      words.set(place, Word::wait(0));
+      queue.append(0, TileEntry::at(place, 0, 0, 0));
+    });
+    run(transform, queue);
+  }
+  if (!transform.isExact())
+    return false;
+  unpack(problem, window, tiles, words);
+  ++propagationsInTiles;
+  return true;
+}
+
+} // namespace seedforest::detail
