@@ -31,7 +31,8 @@ int nearDisc(int **list) {
 // The work image of iftSkelNova() for a shape's border.
 imImagePtr spreadBorder(const imImage *image) {
   OwnedRoots2 roots;
-  imImagePtr(ifSkel2Roots(image, &roots)); // the followed shape is not needed
+  imImagePtr shape(ifSkel2Roots(image, &roots));
+  shape.reset(); // only the roots are needed
   imImagePtr work = createLike(image, 4, imTypeWork);
   iftSkelNova(image, work.get(), &roots);
   return work;
