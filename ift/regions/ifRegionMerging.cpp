@@ -222,7 +222,10 @@ private:
       const Border border = isWaiting ? heavier.top() : *next;
       if (border.weight > threshold_)
         break;
-      isWaiting ? heavier.pop() : void(++next);
+      if (isWaiting)
+        heavier.pop();
+      else
+        ++next;
       const Border now = asOfNow(border);
       if (now.a == now.b)
         continue;
