@@ -18,8 +18,6 @@ using namespace seedforest::detail::color;
 
 namespace {
 
-constexpr double one = 16384; // of XYZ, saturation and value
-
 constexpr Range bytes = {0, 256};
 constexpr Range fixedPoint = {0, 32768};
 constexpr Range labRange = {2048, 4096};
@@ -71,7 +69,7 @@ private:
 
 constexpr int mostXyz = 17838; // Z of white
 
-SEEDFOREST_MULTIVERSION void rgbToXyz(const Block &rgb, Block &xyz, int n) {
+SEEDFOREST_MULTIVERSION void rgbToXyz(const Bands &rgb, Block &xyz, int n) {
   apply(rgb, xyz, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
     return Pixel{{a.whole(a.by255((0.412453 * r + 0.35758 * g + 0.180423 * b) * one)),
                   a.whole(a.by255((0.212671 * r + 0.71516 * g + 0.072169 * b) * one)),
@@ -85,7 +83,7 @@ SEEDFOREST_INLINE inline int clipped(double c) {
   return static_cast<int>(255 * (below > 0.995 ? 1.0 : below));
 }
 
-SEEDFOREST_MULTIVERSION void xyzToRgb(const Block &xyz, Block &rgb, int n) {
+SEEDFOREST_MULTIVERSION void xyzToRgb(const Bands &xyz, Block &rgb, int n) {
   applyWith<Any>(xyz, rgb, n, [](Any, double x, double y, double z, int) INLINE {
     return Pixel{{clipped((3.240479 * x - 1.53715 * y - 0.498535 * z) / one),
                   clipped((-0.969256 * x + 1.875992 * y + 0.041556 * z) / one),
@@ -112,7 +110,7 @@ int labLightness(int y) {
 }
 
 // Of pixels that are not dark: the root of Y gives L, too.
-SEEDFOREST_MULTIVERSION void rootsToLab(const Block &xyz, const LabRoots &f, Block &lab, int n) {
+SEEDFOREST_MULTIVERSION void rootsToLab(const Bands &xyz, const LabRoots &f, Block &lab, int n) {
   apply(xyz, lab, n, fixedPoint, [&](auto a, double, double, double, int i) INLINE {
     return Pixel{{a.whole(116 * f.y[i] - 16), a.whole(500 * (f.x[i] - f.y[i])),
                   a.whole(200 * (f.y[i] - f.z[i]))}};
@@ -142,7 +140,7 @@ public:
         ofZ_([](int z) { return labRoot(1.088754 * z / one); }, 0, mostXyz),
         ofDark_(labLightness, 0, darkestRoot - 1) {}
 
-  void operator()(const Block &xyz, Block &lab, int n) const {
+  void operator()(const Bands &xyz, Block &lab, int n) const {
     LabRoots f;
     ofX_.of(xyz.band[0], n, f.x);
     ofY_.of(xyz.band[1], n, f.y);
@@ -166,7 +164,7 @@ private:
   Tabulated<int> ofDark_;
 };
 
-SEEDFOREST_MULTIVERSION void rootsToXyz(const Block &lab, const double *fyOfPixel, Block &xyz,
+SEEDFOREST_MULTIVERSION void rootsToXyz(const Bands &lab, const double *fyOfPixel, Block &xyz,
                                         int n) {
   apply(lab, xyz, n, labRange, [=](auto arithmetic, double, double a, double b, int i) INLINE {
     const double fy = fyOfPixel[i];
@@ -183,7 +181,7 @@ public:
   LabToXyz()
       : root_([](int l) { return l > 7 ? (l + 16.0) / 116 : std::cbrt(l / 903.3); }, -16, 100) {}
 
-  void operator()(const Block &lab, Block &xyz, int n) const {
+  void operator()(const Bands &lab, Block &xyz, int n) const {
     double fy[blockPixels];
     root_.of(lab.band[0], n, fy);
     rootsToXyz(lab, fy, xyz, n);
@@ -199,7 +197,7 @@ int luvLightness(int stored) {
 }
 
 // Computes u and v; L, which depends on Y alone, is given.
-SEEDFOREST_MULTIVERSION void lightnessToLuv(const Block &xyz, const int *lightness, Block &luv,
+SEEDFOREST_MULTIVERSION void lightnessToLuv(const Bands &xyz, const int *lightness, Block &luv,
                                             int n) {
   apply(xyz, luv, n, fixedPoint, [=](auto a, double x, double y, double z, int i) INLINE {
     const double sum = x + 15 * y + 3 * z; // exactly 0 or at least 1 away from it
@@ -216,7 +214,7 @@ class XyzToLuv {
 public:
   XyzToLuv() : lightness_(luvLightness, 0, mostXyz) {}
 
-  void operator()(const Block &xyz, Block &luv, int n) const {
+  void operator()(const Bands &xyz, Block &luv, int n) const {
     int lightness[blockPixels];
     lightness_.of(xyz.band[1], n, lightness);
     lightnessToLuv(xyz, lightness, luv, n);
@@ -233,7 +231,7 @@ const Conversion &tabulated() {
   return conversion;
 }
 
-SEEDFOREST_MULTIVERSION void luvToXyz(const Block &luv, Block &xyz, int n) {
+SEEDFOREST_MULTIVERSION void luvToXyz(const Bands &luv, Block &xyz, int n) {
   applyWith<Any>(luv, xyz, n, [](Any a, double l, double uOfL, double vOfL, int) INLINE {
     const double t = (l + 16) / 116;
     const double y = a.whole(t * t * t * one);
@@ -249,7 +247,7 @@ SEEDFOREST_MULTIVERSION void luvToXyz(const Block &luv, Block &xyz, int n) {
   });
 }
 
-SEEDFOREST_MULTIVERSION void rgbToYcbcr(const Block &rgb, Block &ycc, int n) {
+SEEDFOREST_MULTIVERSION void rgbToYcbcr(const Bands &rgb, Block &ycc, int n) {
   apply(rgb, ycc, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
     return Pixel{{a.whole(0.299 * r + 0.587 * g + 0.114 * b),
                   a.whole(a.by255(-37.797 * r - 74.203 * g + 112 * b) + 128),
@@ -257,7 +255,7 @@ SEEDFOREST_MULTIVERSION void rgbToYcbcr(const Block &rgb, Block &ycc, int n) {
   });
 }
 
-SEEDFOREST_MULTIVERSION void ycbcrToRgb(const Block &ycc, Block &rgb, int n) {
+SEEDFOREST_MULTIVERSION void ycbcrToRgb(const Bands &ycc, Block &rgb, int n) {
   apply(ycc, rgb, n, bytes, [](auto a, double y16, double cb128, double cr128, int) INLINE {
     const double y = (y16 - 16) * 0.00456621;
     const double cb = cb128 - 128;
@@ -278,25 +276,24 @@ SEEDFOREST_INLINE inline int rounded(double value) {
 
 // A quotient of integers below 2^52 is never rounded up to the next integer in double precision, so
 // that truncating it is their integer division.
-SEEDFOREST_MULTIVERSION void rgbToHsv(const Block &rgb, Block &hsv, int n) {
-  apply(rgb, hsv, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
-    const double rg = r > g ? r : g;
-    const double max = rg > b ? rg : b;
-    const double lowerOfRg = r < g ? r : g;
-    const double range = max - (lowerOfRg < b ? lowerOfRg : b);
-    const double share = range * one / (max == 0 ? 1.0 : max);
-    const int saturation = a.whole(max == 0 ? 0.0 : share);
+SEEDFOREST_MULTIVERSION void rgbToHsv(const Bands &rgb, Block &hsv, int n) {
+  apply(rgb, hsv, n, bytes, [](auto a, auto r, auto g, auto b, int) INLINE {
+    const auto rg = r > g ? r : g;
+    const auto max = rg > b ? rg : b;
+    const auto lowerOfRg = r < g ? r : g;
+    const auto range = max - (lowerOfRg < b ? lowerOfRg : b);
+    const int saturation = a.share(range, max);
     const double difference = r == max ? g - b : g == max ? b - r : r - g;
-    const double turn = r == max ? 0.0 : g == max ? 2.0 : 4.0;
-    const double angle = 60 * (difference / (range == 0 ? 1.0 : range) + turn);
+    const double turn = r == max ? 0 : g == max ? 2 : 4;
+    const double angle = 60 * (difference / (range == 0 ? 1 : range) + turn);
     const int hue = rounded(angle < 0 ? angle + 360 : angle);
-    return Pixel{{saturation == 0 ? noHue : hue, saturation, a.whole(a.by255(max * one))}};
+    return Pixel{{saturation == 0 ? noHue : hue, saturation, a.share(max, 255)}};
   });
 }
 
 // Where the saturation is 0, all components are v, whatever the hue. A hue outside the circle gives
 // values of no meaning.
-SEEDFOREST_MULTIVERSION void hsvToRgb(const Block &hsv, Block &rgb, int n) {
+SEEDFOREST_MULTIVERSION void hsvToRgb(const Bands &hsv, Block &rgb, int n) {
   apply(hsv, rgb, n, fixedPoint, [](auto a, double hue, double stored, double value, int) INLINE {
     const double h = (hue == 360 ? 0.0 : hue) / 60;
     const double s = stored / one;
@@ -313,7 +310,7 @@ SEEDFOREST_MULTIVERSION void hsvToRgb(const Block &hsv, Block &rgb, int n) {
 }
 
 // The pixels before the first that is grey and has a hue.
-SEEDFOREST_MULTIVERSION int beforeGreyWithHue(const Block &hsv, int n) {
+SEEDFOREST_MULTIVERSION int beforeGreyWithHue(const Bands &hsv, int n) {
   const auto isOne = [&](int i) { return (hsv.band[1][i] == 0) & (hsv.band[0][i] != noHue); };
   int any = 0;
   for (int i = 0; i < n; ++i)
@@ -325,7 +322,7 @@ SEEDFOREST_MULTIVERSION int beforeGreyWithHue(const Block &hsv, int n) {
 }
 
 // Stores the pixels that are grey or have a hue of -59 .. 360; H / 60 truncates to 0 from -59 on.
-SEEDFOREST_MULTIVERSION void storeWithHue(const Block &rgb, const Block &hsv, int n, imImage *image,
+SEEDFOREST_MULTIVERSION void storeWithHue(const Bands &rgb, const Bands &hsv, int n, imImage *image,
                                           int start) {
   for (int b = 0; b < 3; ++b) {
     int *out = image->band[b] + start;
@@ -387,11 +384,12 @@ void imRgb2hsv(const imImage *rgb, imImage *hsv) {
 
 void imHsv2rgb(const imImage *hsv, imImage *rgb) {
   requireColours("imHsv2rgb", hsv, rgb);
-  Block from;
+  Block from; // a copy: hue and saturation are read again while the result is stored
   Block to;
   for (int start = 0, n; start < hsv->npixels; start += n) {
     n = std::min(blockPixels, hsv->npixels - start);
-    load(hsv, start, n, from);
+    for (int b = 0; b < 3; ++b)
+      std::copy_n(hsv->band[b] + start, n, from.band[b]);
     const int good = beforeGreyWithHue(from, n);
     hsvToRgb(from, to, good);
     storeWithHue(to, from, good, rgb, start);

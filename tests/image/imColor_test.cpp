@@ -141,6 +141,17 @@ TEST(Color, AllColoursEqualTheirFormulas) {
       const double sum = ycc[k][0] * c[0] + ycc[k][1] * c[1] + ycc[k][2] * c[2];
       return k == 0 ? sum : sum / 255 + 128;
     });
+    expect(imRgb2hsv, [](int k, Colour c) {
+      const auto [r, g, b] = c;
+      const double max = std::max({r, g, b});
+      const double range = max - std::min({r, g, b});
+      const double saturation = max == 0 ? 0 : std::trunc(range * 16384 / max);
+      const double turned = r == max   ? (g - b) / range
+                            : g == max ? 2 + (b - r) / range
+                                       : 4 + (r - g) / range;
+      const double hue = std::nearbyint(60 * turned + (turned < 0 ? 360 : 0));
+      return k == 0 ? saturation == 0 ? 361 : hue : k == 1 ? saturation : max * 16384 / 255;
+    });
   }
   EXPECT_EQ(faults, 0);
 }
