@@ -3,12 +3,24 @@
 
 #include "bench/measure.h"
 
+#include <algorithm>
+
 namespace bench {
 
 namespace {
 
-double costOf(const Row &row, Scene scene) {
-  return nanosecondsOf(row.make(scene)) / scene.side / scene.side;
+// Small images take turns, as many as have a large one's pixels: else a small one would still be in
+// the cache from its last turn, and images that are read from a disk or a network are not.
+double costOf(const Row &row, Scene scene, int largeSide) {
+  const int n = std::max(1, largeSide / scene.side * (largeSide / scene.side));
+  std::vector<Job> jobs;
+  for (int i = 0; i < n; ++i)
+    jobs.push_back(row.make(scene));
+  const auto runAll = [&] {
+    for (const Job &job : jobs)
+      job.run();
+  };
+  return nanosecondsOf({runAll, nullptr}) / n / scene.side / scene.side;
 }
 
 } // namespace
@@ -27,16 +39,17 @@ std::vector<Growth> measureGrowth(const std::string &filter, int largest, std::F
     std::fflush(report);
   };
   for (const Row &row : rowsThatBegin(filter)) {
-    const double second = costOf(row, {Drawing::micrograph, largest / 8});
+    const double second = costOf(row, {Drawing::micrograph, largest / 8}, largest / 2);
     double natural = 0; // at the size of the hard images
     for (const int share : {16, 8, 4, 2, 1}) {
-      const double cost = share == 8 ? second : costOf(row, {Drawing::micrograph, largest / share});
+      const double cost =
+          share == 8 ? second : costOf(row, {Drawing::micrograph, largest / share}, largest / 2);
       if (share == 4)
         natural = cost;
       add(row, Drawing::micrograph, largest / share, cost, second);
     }
     for (const Drawing drawing : hard)
-      add(row, drawing, largest / 4, costOf(row, {drawing, largest / 4}), natural);
+      add(row, drawing, largest / 4, costOf(row, {drawing, largest / 4}, largest / 2), natural);
   }
   return all;
 }

@@ -42,6 +42,11 @@ struct Peak {
   double bytes; // per pixel
 };
 
+/// From now on, freed memory stays with the process and serves again, in large blocks as in small
+/// ones. Else the page faults of large images would be timed, not those of small ones; what a fresh
+/// page costs is the system's matter.
+void keepMemory();
+
 std::vector<Row> rowsThatBegin(const std::string &filter);
 
 /// The median time per run of a job alone, in nanoseconds.

@@ -177,6 +177,7 @@ void writePage(const std::string &folder, int largest, std::FILE *report) {
   // Memory first, while this process has little of its own.
   const std::vector<Peak> toolPeaks = measureToolMemory(largest / 2, report);
   const std::vector<Peak> peaks = measureMemory("", largest, report);
+  keepMemory();
   const std::vector<Timing> timings = measureTimes("", {largest / 8, largest / 2}, report);
   const std::vector<Growth> growth = measureGrowth("", largest, report);
 

@@ -63,6 +63,8 @@ bool run(const CommandLine &line, std::FILE *report) {
   const std::string command = line.word(0);
   const std::string filter = line.word(1);
   const std::vector<int> sides = {line.largest / 8, line.largest / 2};
+  if (command == "time" || command == "growth")
+    keepMemory();
   if (command == "time")
     measureTimes(filter, line.side > 0 ? std::vector{line.side} : sides, report);
   else if (command == "growth")

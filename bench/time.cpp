@@ -6,7 +6,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <stdexcept>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace bench {
 
@@ -124,6 +129,13 @@ std::vector<Timing> timesOf(const Row &row, Scene scene) {
 }
 
 } // namespace
+
+void keepMemory() {
+#if defined(__GLIBC__)
+  mallopt(M_MMAP_MAX, 0);
+  mallopt(M_TRIM_THRESHOLD, -1);
+#endif
+}
 
 std::vector<Row> rowsThatBegin(const std::string &filter) {
   std::vector<Row> rows;
