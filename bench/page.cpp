@@ -163,6 +163,7 @@ those that suit it best. Reading its input into a peer's types is not timed. Our
 row take turns in one run, in at least five rounds. Times are medians in nanoseconds per pixel; the
 ratio is taken in each round, and its median, least and largest value are given: below 1 we are faster.
 Where definitions agree, the sums of the results have been compared, and a difference ends the run.
+Freed memory stays with the process and serves again: what fresh pages cost is the system's matter.
 Times belong to a machine, ratios less so. `copy` is the yardstick: a plain copy of an image.
 
 )";
@@ -189,7 +190,10 @@ void writePage(const std::string &folder, int largest, std::FILE *report) {
     comma = ", ";
   }
   page << ".\n\n## Time\n\n"
-       << timeTable(timings) << "\n## Growth\n\n![Cost against size](performance.svg)\n\n"
+       << timeTable(timings)
+       << "\n## Growth\n\n![Cost against size](performance.svg)\n\n"
+          "Small images take turns, as many as have the pixels of a large one, so that none is in "
+          "the\ncache from its last turn; in the table above it may be.\n\n"
        << sizeTable(growth, largest) << "\nImages that are hard for some algorithms, of "
        << squared(largest / 4)
        << " pixels, and how often the cost of the natural image of that size it is:\n\n"
