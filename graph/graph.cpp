@@ -23,6 +23,14 @@ void requireList(const char *operation, const ifVertex *list) {
   requireGiven(operation, "list", list);
 }
 
+void releaseEdges(const ifVertex &list, BlockReleaser &releaser) {
+  for (ifEdge *edge = list.edges; edge != nullptr;) {
+    ifEdge *next = edge->next;
+    releaser.release(edge);
+    edge = next;
+  }
+}
+
 // The link that holds the edge to a target, or the empty one at the end of the list.
 ifEdge **findLink(ifVertex *list, int target) {
   ifEdge **link = &list->edges;
@@ -53,10 +61,11 @@ ifGraph *copyBaseGraph(ifGraph *graph, int dataSize) {
 void destroyGraph(ifGraph **graph) {
   if (graph == nullptr || *graph == nullptr)
     return;
+  BlockReleaser edges;
+  BlockReleaser data;
   for (int v = 0; (*graph)->vertices != nullptr && v < (*graph)->nVertices; ++v) {
-    ifVertex &vertex = (*graph)->vertices[v];
-    if (vertex.edges != nullptr || vertex.data != nullptr) // do not write to untouched pages
-      listDestroy(&vertex);
+    releaseEdges((*graph)->vertices[v], edges);
+    data.release((*graph)->vertices[v].data);
   }
   std::free((*graph)->vertices);
   imReleaseImage(&(*graph)->labelImage);
@@ -101,7 +110,8 @@ ifVertex *createList(int dataSize) {
   if (dataSize < 0)
     fatal("createList: %d is no number of integers\n", dataSize);
   Array<ifVertex> list = makeZeroedArray<ifVertex>(1);
-  if (!tryMakeData(*list.get(), dataSize))
+  BlockArena arena;
+  if (!tryMakeData(*list.get(), dataSize, arena))
     outOfMemory();
   return list.release();
 }
@@ -109,7 +119,10 @@ ifVertex *createList(int dataSize) {
 ifEdge *listInsertEdge(ifVertex *list, int target, int weight) {
   requireList("listInsertEdge", list);
   const ifEdge *present = *findLink(list, target);
-  return present != nullptr ? present->next : prependEdge(list, target, weight);
+  if (present != nullptr)
+    return present->next;
+  BlockArena arena;
+  return prependEdge(list, target, weight, arena);
 }
 
 void listRemoveEdge(ifVertex *list, int target) {
@@ -122,19 +135,15 @@ void listRemoveEdge(ifVertex *list, int target) {
   *link = edge->next;
   if (list->cursor == edge)
     list->cursor = edge->next;
-  std::free(edge);
+  BlockReleaser().release(edge);
 }
 
 void listDestroy(ifVertex *list) {
   requireList("listDestroy", list);
-  while (ifEdge *edge = list->edges) {
-    list->edges = edge->next;
-    std::free(edge);
-  }
-  std::free(list->data);
-  list->data = nullptr;
-  list->cursor = nullptr;
-  list->nEdges = 0;
+  BlockReleaser blocks;
+  releaseEdges(*list, blocks);
+  blocks.release(list->data);
+  *list = {list->mark, 0, nullptr, nullptr, nullptr};
 }
 
 ifEdge *listGetAndWalk(ifVertex *list) {

@@ -5,6 +5,8 @@
 // each vertex. Its main use is the adjacency of regions: vertex v is the region of label v in the
 // label image that the graph owns.
 //
+// Edges, and the integers of vertices, are released by the operations here alone, never by free().
+//
 // A vertex's list holds at most one edge to each target; a new one goes to the head, so a list
 // reads from the youngest edge to the oldest. Insertion searches the list for the target, in time
 // proportional to its length.

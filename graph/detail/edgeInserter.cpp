@@ -76,9 +76,9 @@ void EdgeInserter::insert(int a, int b, int weight) {
     std::swap(a, b);
   if (isLong(a) ? known_.contains(std::min(a, b), std::max(a, b)) : isListed(a, b))
     return; // both lists have this edge
-  prependEdge(&vertices[a], b, weight);
+  prependEdge(&vertices[a], b, weight, arena_);
   if (a != b)
-    prependEdge(&vertices[b], a, weight);
+    prependEdge(&vertices[b], a, weight, arena_);
   for (const int v : {a, b})
     if (vertices[v].nEdges == few + 1) // long from now on
       for (const ifEdge *edge = vertices[v].edges; edge != nullptr; edge = edge->next)
@@ -93,7 +93,7 @@ void EdgeInserter::insertDirected(int a, int b, int weight) {
   if (isLong(a) ? !known_.insert(a, b) : isListed(a, b))
     return;
   ifVertex &list = graph_->vertices[a];
-  prependEdge(&list, b, weight);
+  prependEdge(&list, b, weight, arena_);
   if (list.nEdges == few + 1)
     for (const ifEdge *edge = list.edges; edge != nullptr; edge = edge->next)
       known_.insert(a, edge->target);

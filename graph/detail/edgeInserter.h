@@ -6,6 +6,7 @@
 #pragma once
 
 #include "base/buffer.h"
+#include "graph/detail/blockArena.h"
 #include "graph/graph.h"
 
 #include <cstddef>
@@ -53,6 +54,7 @@ private:
 
   const char *operation_;
   ifGraph *graph_;
+  BlockArena arena_;
   PairSet known_; // directed edges of long lists, or undirected ones that are in two long lists
 };
 

@@ -14,11 +14,18 @@
 
 namespace seedforest::detail {
 
-bool tryMakeData(ifVertex &vertex, int dataSize) {
-  if (dataSize > 0)
-    vertex.data =
-        static_cast<int *>(tryAllocateZeroed(static_cast<std::size_t>(dataSize), sizeof(int)));
-  return dataSize == 0 || vertex.data != nullptr;
+bool tryMakeData(ifVertex &vertex, int dataSize, BlockArena &arena) {
+  if (dataSize == 0)
+    return true;
+  const auto count = static_cast<std::size_t>(dataSize);
+  if (count > BlockArena::largest / sizeof(int)) {
+    vertex.data = static_cast<int *>(tryAllocateZeroed(count, sizeof(int)));
+    return vertex.data != nullptr;
+  }
+  vertex.data = static_cast<int *>(arena.tryAllocate(count * sizeof(int)));
+  if (vertex.data != nullptr)
+    std::fill_n(vertex.data, count, 0);
+  return vertex.data != nullptr;
 }
 
 ifGraphPtr tryMakeRegionGraph(const imImage *labelImage, int least, int dataSize) {
@@ -42,8 +49,9 @@ ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataS
     graph->nVertices = static_cast<int>(nVertices);
     graph->dataSize = dataSize;
   }
+  BlockArena arena;
   for (int v = 0; made && dataSize != 0 && v < nVertices; ++v)
-    made = tryMakeData(graph->vertices[v], dataSize);
+    made = tryMakeData(graph->vertices[v], dataSize, arena);
   if (made)
     return graph;
   fail(possible ? About::memory : About::call, "in %s: could not allocate memory\n", operation);
@@ -62,16 +70,6 @@ ifGraphPtr requireMade(ifGraph *graph) {
   return ifGraphPtr(graph);
 }
 
-ifEdge *prependEdge(ifVertex *list, int target, int weight) {
-  auto *edge = static_cast<ifEdge *>(std::malloc(sizeof(ifEdge)));
-  if (edge == nullptr)
-    outOfMemory();
-  *edge = {target, weight, list->edges};
-  list->edges = edge;
-  ++list->nEdges;
-  return edge;
-}
-
 ifGraphPtr copyOf(const char *operation, ifGraph *graph, int dataSize) {
   ifGraphPtr copy = requireMade(tryMakeAlike(graph, dataSize).release());
   copyEdges(operation, graph, copy.get());
@@ -81,15 +79,16 @@ ifGraphPtr copyOf(const char *operation, ifGraph *graph, int dataSize) {
 void copyEdges(const char *operation, ifGraph *from, ifGraph *to) {
   // The last vertex, plus 1, that was found to have an edge to each target.
   const Array<int> seen = makeZeroedArray<int>(static_cast<std::size_t>(from->nVertices));
+  BlockArena arena;
   for (int v = 0; v < from->nVertices; ++v) {
     ifVertex &list = from->vertices[v];
-    list.cursor = list.edges;
-    while (const ifEdge *edge = listGetAndWalk(&list)) {
+    list.cursor = nullptr; // as at the end of a walk
+    for (const ifEdge *edge = list.edges; edge != nullptr; edge = edge->next) {
       requireVertex(operation, from, edge->target);
       if (seen[edge->target] == v + 1)
         continue;
       seen[edge->target] = v + 1;
-      prependEdge(&to->vertices[v], edge->target, edge->weight);
+      prependEdge(&to->vertices[v], edge->target, edge->weight, arena);
     }
   }
 }

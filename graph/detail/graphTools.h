@@ -4,9 +4,12 @@
 // Checks of graphs, and new graphs whose failure to be created is an error.
 #pragma once
 
+#include "base/report.h"
+#include "graph/detail/blockArena.h"
 #include "graph/graph.h"
 
 #include <cstdint>
+#include <new>
 
 namespace seedforest::detail {
 
@@ -15,7 +18,7 @@ namespace seedforest::detail {
 ifGraphPtr tryMakeGraph(const char *operation, std::int64_t nVertices, int dataSize);
 
 /// Allocates the integers of a vertex; false where that fails.
-bool tryMakeData(ifVertex &vertex, int dataSize);
+bool tryMakeData(ifVertex &vertex, int dataSize, BlockArena &arena);
 
 /// A graph with a copy of the label image and as many vertices as its labels need, at least
 /// `least`.
@@ -31,7 +34,14 @@ ifGraphPtr requireMade(ifGraph *graph);
 ifGraphPtr copyOf(const char *operation, ifGraph *graph, int dataSize);
 
 /// Puts an edge at the head of a list, whatever the list holds.
-ifEdge *prependEdge(ifVertex *list, int target, int weight);
+inline ifEdge *prependEdge(ifVertex *list, int target, int weight, BlockArena &arena) {
+  void *block = arena.tryAllocate(sizeof(ifEdge));
+  if (block == nullptr)
+    outOfMemory();
+  list->edges = new (block) ifEdge{target, weight, list->edges};
+  ++list->nEdges;
+  return list->edges;
+}
 
 /// Gives a graph without edges, of no fewer vertices, the edges of another, as copyBaseGraph()
 /// does.

@@ -91,7 +91,7 @@ public:
         link = &edge->next;
       } else {
         *link = edge->next;
-        std::free(edge);
+        BlockReleaser().release(edge);
       }
     }
   }

@@ -66,14 +66,15 @@ struct GraphTreeTransform {
   GraphArcs<Weight> arcs;
   ifVertex *tree;
   Array<Gain> gain;
+  BlockArena &arena;
 
   // No search for duplicates: a vertex has no edge in the tree before it is settled.
   void settle(int v) {
     const auto [cost, predecessor] = gain[v];
     if (predecessor == v)
       return;
-    prependEdge(&tree[predecessor], v, cost);
-    prependEdge(&tree[v], predecessor, cost);
+    prependEdge(&tree[predecessor], v, cost, arena);
+    prependEdge(&tree[v], predecessor, cost, arena);
   }
   int costOf(int v) const { return gain[v].cost; }
   int extend(int u, int v, int k) const { return arcs.weight(u, v, k); }
@@ -86,9 +87,11 @@ template <class Weight>
 void growGraphTree(const ifGraph *graph, Weight weight, ifVertex *tree) {
   using Base = GraphTreeTransform<Weight>;
   const int n = graph->nVertices;
+  BlockArena arena;
   Marked<Base> transform(Base{{primGraph, graph, weight},
                               tree,
-                              makeArray<typename Base::Gain>(static_cast<std::size_t>(n))},
+                              makeArray<typename Base::Gain>(static_cast<std::size_t>(n)),
+                              arena},
                          n);
   for (int v = 0; v < n; ++v)
     transform.gain[v] = {ifInfiniteCost, v};

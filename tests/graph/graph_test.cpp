@@ -62,8 +62,9 @@ TEST(Graph, CopiesInReverseAndOwnsItsLabels) {
   for (int target : {1, 2, 3})
     insertDirectedEdge(graph.get(), 0, target, target);
   setLabelImage(graph.get(), graph->labelImage);
-  graph->labelImage->maxValue = 0;         // the copy keeps all vertices
-  prependEdge(&graph->vertices[0], 2, 99); // a second one to 2
+  graph->labelImage->maxValue = 0; // the copy keeps all vertices
+  BlockArena arena;
+  prependEdge(&graph->vertices[0], 2, 99, arena); // a second one to 2
   const ifGraphPtr copy(copyBaseGraph(graph.get(), 2));
   EXPECT_EQ(listsOf(copy.get()), (Lists{{{1, 1}, {3, 3}, {2, 99}}, {}, {}, {}}));
   EXPECT_EQ(bandOf(copy->labelImage), bandOf(labels));
@@ -88,6 +89,29 @@ TEST(Graph, ManyEdgesAsIfInsertedOneByOne) {
     }
     EXPECT_EQ(listsOf(fast.get()), listsOf(literal.get()));
   }
+}
+
+// The edges of one graph come from malloc(), those of the other from slabs too. Both are taken out one
+// by one and with their lists, while others come in.
+TEST(Graph, EdgesOfBothKindsInOneList) {
+  std::mt19937 random(5);
+  constexpr int n = 200;
+  const ifGraphPtr literal = makeGraph(n, {}, 3);
+  for (int i = 0; i < 3000; ++i)
+    insertEdge(literal.get(), pick(random, 0, n), pick(random, 0, n), i);
+  const ifGraphPtr mixed(copyBaseGraph(ifGraphPtr(copyBaseGraph(literal.get(), 200)).get(), 3));
+  ASSERT_EQ(listsOf(mixed.get()), listsOf(literal.get()));
+  for (int i = 0; i < 40000; ++i) {
+    const int a = pick(random, 0, n);
+    const int b = pick(random, 0, n);
+    const int what = pick(random, 0, 300);
+    for (ifGraph *graph : {literal.get(), mixed.get()})
+      if (what == 0)
+        listDestroy(&graph->vertices[a]);
+      else
+        what % 3 == 0 ? insertEdge(graph, a, b, i) : removeEdge(graph, a, b);
+  }
+  EXPECT_EQ(listsOf(mixed.get()), listsOf(literal.get()));
 }
 
 TEST(Graph, WithoutMemory) {
