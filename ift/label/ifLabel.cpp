@@ -14,7 +14,10 @@
 #include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
-#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 
 using namespace seedforest::detail;
 
@@ -34,45 +37,82 @@ Runs findRuns(const imImage *image) {
   return runs;
 }
 
-// Labels the pixels start .. end - 1. Most runs of a noisy image have at most four pixels: four
-// stores are faster than a loop of unpredictable length.
-void fillRun(int *label, int start, int end, int number) {
-  const int second = end - start > 1 ? 1 : 0;
-  label[start] = number;
-  label[start + second] = number;
-  label[end - 1 - second] = number;
-  label[end - 1] = number;
-  if (end - start > 4)
-    std::fill(label + start + 2, label + end - 2, number);
+constexpr int stride = 16; // numbers that are written at a time
+
+// Writes to each column of a pair of rows the number of the last run that starts there or before,
+// and up to a stride behind the last column. Runs of a noisy image are rarely longer than a stride:
+// the branch that is hard to predict is hardly ever taken.
+SEEDFOREST_MULTIVERSION void spreadNumbers(PairWalk pair, std::size_t words, const int *numbers,
+                                           int *number) {
+  const int *next = numbers + pair.runBefore() + 1;
+  int current = 0;
+  int *from = number;
+  const auto fillUpTo = [&](const int *end) SEEDFOREST_INLINE {
+    int *to = from;
+    do {
+      for (int i = 0; i < stride; ++i)
+        to[i] = current;
+      to += stride;
+    } while (to < end);
+  };
+  for (std::size_t w = 0; w < words; ++w) {
+    pair.enter(w);
+    forEachBit(pair.starts(), [&](int x) SEEDFOREST_INLINE {
+      int *start = number + w * wordBits + x;
+      fillUpTo(start);
+      from = start;
+      current = ~*next++;
+    });
+  }
+  fillUpTo(number + words * wordBits);
 }
 
-// Numbers the components that have a pixel of label 0, in the order of the first such pixels, and
-// labels their runs. Returns the highest number.
-int labelRuns(Runs runs, int *label) {
-  int *link = runs.links();
+constexpr auto bitOfPixel = [] {
+  std::array<std::uint32_t, wordBits / 2> bits = {};
+  for (std::size_t x = 0; x < bits.size(); ++x)
+    bits[x] = std::uint32_t{1} << x;
+  return bits;
+}();
+
+// Labels n object pixels of half a word with their numbers, if they have one.
+SEEDFOREST_INLINE inline void labelObjects(std::uint32_t objects, const int *number, int n,
+                                           int *label) {
+  for (int x = 0; x < n; ++x)
+    label[x] = (objects & bitOfPixel[x]) != 0 && number[x] > 0 ? number[x] : label[x];
+}
+
+SEEDFOREST_MULTIVERSION void labelRow(const Word *objects, const int *number, int ncols,
+                                      int *label) {
+  constexpr int half = wordBits / 2;
+  for (std::int64_t x = 0; x < ncols; x += half) {
+    const auto bits = static_cast<std::uint32_t>(objects[x / wordBits] >> x % wordBits);
+    if (bits == 0)
+      continue;
+    if (ncols - x >= half)
+      labelObjects(bits, number + x, half, label + x);
+    else
+      labelObjects(bits, number + x, static_cast<int>(ncols - x), label + x);
+  }
+}
+
+// Numbers and labels pair by pair: what has been read of the labels is still near when it is written.
+int labelComponents(Runs runs, imImage *labels) {
+  const Array<int> number = makeArray<int>(runs.words() * wordBits + stride);
+  const auto labelPair = [&](int pair) {
+    if (!runs.hasRuns(pair))
+      return;
+    spreadNumbers(runs.walk(pair), runs.words(), runs.numbers(), number.get());
+    for (int y = 2 * pair; y < labels->nrows && y / 2 == pair; ++y)
+      labelRow(runs.row(y), number.get(), labels->ncols, labels->band[0] + labels->row[y]);
+  };
   int n = 0;
-  bool early = false; // whether a run, labelled before, came before its component had a number
-  // A run's link becomes ~(the component's number) as soon as this is known, else the leader.
-  for (int i = 0; i < runs.count(); ++i) {
-    link[i] = link[link[i]];
-    if (link[i] >= 0)
-      link[i] = link[link[i]]; // through an early run to the leader, which may have a number now
-    if (link[i] >= 0) {
-      const int *end = label + runs.end(i);
-      if (std::find<const int *>(label + runs.start(i), end, 0) == end) {
-        early = true;
-        continue;
-      }
-      ++n;
-      link[i] = link[link[i]] = ~n;
-    }
-    fillRun(label, runs.start(i), runs.end(i), ~link[i]);
+  for (int pair = 0; pair < runs.pairs(); ++pair) {
+    n = runs.number(pair, labels->band[0], n);
+    labelPair(pair);
   }
-  for (int i = 0; early && i < runs.count(); ++i) {
-    const int known = link[i] < 0 ? link[i] : link[link[i]];
-    if (known < 0)
-      fillRun(label, runs.start(i), runs.end(i), ~known);
-  }
+  if (runs.numberLate())
+    for (int pair = 0; pair < runs.pairs(); ++pair)
+      labelPair(pair);
   return n;
 }
 
@@ -83,7 +123,7 @@ void ifLabelImage(const imImage *binary, imImage *labels) {
   requireBands("ifLabelImage", labels, 1);
   requireSameSize("ifLabelImage", binary, labels);
   announceLabelling();
-  labels->maxValue = labelRuns(findRuns(binary), labels->band[0]);
+  labels->maxValue = labelComponents(findRuns(binary), labels);
 }
 
 void ifConnectedComponents(const imImage *grey, imImage *output, const ifRoots *roots) {

@@ -3,21 +3,21 @@
 
 #include "ift/label/detail/runs.h"
 
+#include "base/findRoot.h"
+#include "base/multiversion.h"
+
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <cstring>
+#include <numeric>
 
 namespace seedforest::detail {
 
 namespace {
 
-constexpr int wordBits = 64;
-
 // Bit i tells whether byte i of eight bytes of 0 and 1 is 1. Each byte is moved, by one power of two,
 // to its place in the product's highest byte, where nothing is carried.
-std::uint64_t bitsOf(const unsigned char *bytes) {
-  std::uint64_t eight = 0;
+Word bitsOf(const unsigned char *bytes) {
+  Word eight = 0;
   if constexpr (std::endian::native == std::endian::little)
     std::memcpy(&eight, bytes, sizeof eight);
   else
@@ -26,67 +26,202 @@ std::uint64_t bitsOf(const unsigned char *bytes) {
   return eight * 0x0102040810204080 >> 56;
 }
 
+Word wordOf(const unsigned char *bytes) {
+  Word word = 0;
+  for (int byte = 0; byte < 8; ++byte)
+    word |= bitsOf(bytes + 8 * byte) << 8 * byte;
+  return word;
+}
+
+// Finds the first mark in each of the intervals of a row, word by word: a carry runs from the start
+// of an interval through its columns without a mark, and stays at the first with one.
+class FirstMarks {
+public:
+  SEEDFOREST_INLINE Word operator()(Word covered, Word starts, Word marks) {
+    const Word without = covered & ~marks;
+    const Word sum = without + (starts | carry_);
+    carry_ = sum < without ? 1 : 0; // into the next word
+    return sum & marks;
+  }
+
+private:
+  Word carry_ = 0;
+};
+
+int leader(int *link, int i) {
+  return findRoot(
+      i, [link](int k) { return link[k]; }, [link](int k, int first) { link[k] = first; });
+}
+
+SEEDFOREST_INLINE inline void join(int *link, int i, int k) {
+  const int one = leader(link, i);
+  const int other = leader(link, k);
+  link[std::max(one, other)] = std::min(one, other); // no change where both are the same
+}
+
+// Joins the runs of a pair of rows with those of the pair above that they touch. `bottom` is the last
+// row above, `top` the row below it. Two runs touch in columns that both hold, where the interval
+// that they share makes one join, or else corner to corner.
+SEEDFOREST_MULTIVERSION void joinPairs(PairWalk above, PairWalk pair, const Word *bottom,
+                                       const Word *top, std::size_t words, int *link) {
+  FirstMarks firstOf;
+  Word sharedBefore = 0;
+  Word bottomBefore = 0;
+  Word topBefore = 0;
+  for (std::size_t w = 0; w < words; ++w) {
+    const Word coveredBefore = pair.covered();
+    above.enter(w);
+    pair.enter(w);
+    // Behind the last word comes the next row: that is seen by bits only that are 0 in all rows.
+    const Word left = leftOf(bottom[w], bottomBefore);
+    const Word right = rightOf(bottom[w], bottom[w + 1]);
+    const Word topBeside = leftOf(top[w], topBefore) | rightOf(top[w], top[w + 1]);
+    const Word shared = above.covered() & pair.covered();
+    const Word touching =
+        shared & ((top[w] & (left | bottom[w] | right)) | (bottom[w] & (topBeside | top[w])));
+    const Word corner = top[w] & ~above.covered();
+    const Word leftCorner = corner & left & ~leftOf(pair.covered(), coveredBefore);
+    const Word rightCorner = corner & right & ~rightOf(pair.covered(), pair.coveredAfter(w));
+    const Word starts = shared & ~leftOf(shared, sharedBefore);
+    forEachBit(firstOf(shared, starts, touching) | leftCorner,
+               [&](int x) SEEDFOREST_INLINE { join(link, pair.runAt(x), above.runAt(x)); });
+    forEachBit(rightCorner, [&](int x) SEEDFOREST_INLINE {
+      join(link, pair.runAt(x), above.runAt(x) + 1); // which starts in the next column
+    });
+    sharedBefore = shared;
+    bottomBefore = bottom[w];
+    topBefore = top[w];
+  }
+}
+
+// Joins the runs of a pair that have a pixel rejected with run 0.
+SEEDFOREST_MULTIVERSION void reject(PairWalk pair, const Word *rejected, std::size_t words,
+                                    int *link) {
+  FirstMarks firstOf;
+  for (std::size_t w = 0; w < words; ++w) {
+    pair.enter(w);
+    forEachBit(firstOf(pair.covered(), pair.starts(), rejected[w]),
+               [&](int x) SEEDFOREST_INLINE { join(link, pair.runAt(x), 0); });
+  }
+}
+
+SEEDFOREST_MULTIVERSION int countRuns(PairWalk pair, std::size_t words) {
+  for (std::size_t w = 0; w < words; ++w)
+    pair.enter(w);
+  return pair.runAt(wordBits - 1) + 1;
+}
+
+// Links runs to the numbers of their components, as far as known, or to their first runs. Returns
+// whether all are known.
+bool resolve(int *link, int first, int end) {
+  int all = -1;
+  for (int i = first; i < end; ++i) {
+    int known = link[i];
+    for (int step = 0; step < 2 && known >= 0; ++step)
+      known = link[known];
+    link[i] = known;
+    all &= known;
+  }
+  return all < 0;
+}
+
 } // namespace
 
-Runs::Runs(int ncols, int nrows) : ncols_(ncols) {
-  object_ = makeZeroedArray<unsigned char>(static_cast<std::size_t>(ncols) + wordBits);
-  const std::size_t runsPerRow = (static_cast<std::size_t>(ncols) + 1) / 2;
-  const std::size_t most = runsPerRow * static_cast<std::size_t>(nrows) + 1; // and an empty one
-  edge_ = makeArray<int>(2 * most);
-  link_ = makeArray<int>(most);
-}
-
-void Runs::addEmptyRun() {
-  edge_[0] = edge_[1] = link_[0] = 0;
-  above_ = count_ = 1;
-}
-
-// Writes the edges of the next row's runs; returns how many runs there are then. A word has a bit for
-// each pixel, and a set bit is an edge where the pixel before differs: a loop over edges, whose end is
-// all that noise makes unpredictable.
-int Runs::findEdges() const {
-  int *edge = edge_.get() + 2 * static_cast<std::size_t>(count_);
-  std::uint64_t before = 0; // the last pixel of the word before
-  for (std::int64_t x = 0; x <= ncols_;
-       x += wordBits) { // the pixel behind the row ends its last run
-    std::uint64_t objects = 0;
-    for (int byte = 0; byte < 8; ++byte)
-      objects |= bitsOf(object_.get() + x + 8 * byte) << 8 * byte;
-    for (std::uint64_t edges = objects ^ (objects << 1 | before); edges != 0; edges &= edges - 1)
-      *edge++ = firstPixel_ + static_cast<int>(x + std::countr_zero(edges));
-    before = objects >> (wordBits - 1);
-  }
-  return static_cast<int>((edge - edge_.get()) / 2);
+Runs::Runs(int ncols, int nrows)
+    : ncols_(ncols), nrows_(nrows), words_(static_cast<std::size_t>(ncols) / wordBits + 1) {
+  const auto pairs = static_cast<std::size_t>(this->pairs());
+  object_ = makeZeroedArray<unsigned char>(words_ * wordBits);
+  bits_ = makeZeroedArray<Word>(2 * pairs * words_ + 1);
+  first_ = makeArray<int>(pairs + 1);
+  const std::size_t runsPerPair = (static_cast<std::size_t>(ncols) + 1) / 2;
+  link_ = makeArray<int>(runsPerPair * pairs + 1);
+  link_[0] = 0;
+  first_[0] = 1;
 }
 
 void Runs::addRow() {
-  joinRows(findEdges());
-  firstPixel_ += ncols_;
+  Word *bits = bits_.get() + words_ * static_cast<std::size_t>(y_);
+  for (std::size_t w = 0; w < words_; ++w)
+    bits[w] = wordOf(object_.get() + wordBits * w);
+  for (std::size_t w = 0; rejected_ != nullptr && w < words_; ++w) {
+    const Word rejected = bits[w] & wordOf(rejected_.get() + wordBits * w);
+    rejectedBits_[w] = y_ % 2 == 0 ? rejected : rejectedBits_[w] | rejected;
+  }
+  ++y_;
+  if (y_ % 2 == 0 || y_ == nrows_)
+    closePair();
 }
 
-// Makes the runs up to `count` the last row's and joins them with those of the row above. A run
-// touches another when their columns, one more on each side, overlap.
-void Runs::joinRows(int count) {
-  int *link = link_.get();
-  const int first = count_;
-  int above = above_;
-  for (int i = first; i < count; ++i) {
-    const int left = start(i) - ncols_;
-    const int right = end(i) - ncols_;
-    while (above < first && end(above) < left)
-      ++above;
-    int component = link[i] = i;
-    int touching = above;
-    for (; touching < first && start(touching) <= right; ++touching) {
-      const int other = leader(touching);
-      const int smaller = std::min(component, other);
-      link[std::max(component, other)] = smaller; // no change where both are the same leader
-      component = smaller;
-    }
-    above = std::max(above, touching - 1); // the last one may reach the next run too
+unsigned char *Runs::rejected() {
+  if (rejected_ == nullptr) {
+    rejected_ = makeZeroedArray<unsigned char>(words_ * wordBits);
+    rejectedBits_ = makeZeroedArray<Word>(words_);
   }
-  above_ = first;
-  count_ = count;
+  return rejected_.get();
+}
+
+// Makes the runs of the last pair of rows.
+void Runs::closePair() {
+  const int pair = (y_ - 1) / 2;
+  const int first = first_[pair];
+  const int end = countRuns(walk(pair), words_);
+  first_[pair + 1] = end;
+  std::iota(link_.get() + first, link_.get() + end, first);
+  if (pair > 0 && hasRuns(pair) && hasRuns(pair - 1))
+    joinPairs(walk(pair - 1), walk(pair), row(2 * pair - 1), row(2 * pair), words_, link_.get());
+  if (rejected_ != nullptr)
+    reject(walk(pair), rejectedBits_.get(), words_, link_.get());
+}
+
+int Runs::number(int pair, const int *labels, int n) {
+  link_[0] = ~0;
+  const int first = first_[pair];
+  const int end = first_[pair + 1];
+  if (resolve(link_.get(), first, end))
+    return n;
+  n = numberRow(2 * pair, labels, n);
+  n = numberRow(2 * pair + 1, labels, n);
+  allKnown_ = resolve(link_.get(), first, end) && allKnown_;
+  return n;
+}
+
+bool Runs::numberLate() {
+  if (!allKnown_)
+    resolve(link_.get(), 1, first_[pairs()]);
+  return !allKnown_;
+}
+
+// Numbers the components without a number that have a pixel of label 0 in the row, from n + 1.
+SEEDFOREST_MULTIVERSION int Runs::numberRow(int y, const int *labels, int n) {
+  FirstMarks firstOf;
+  PairWalk pair = walk(y / 2);
+  for (std::size_t w = 0; w < words_; ++w) {
+    pair.enter(w);
+    forEachBit(firstOf(pair.covered(), pair.starts(), row(y)[w]), [&](int x) SEEDFOREST_INLINE {
+      const int run = pair.runAt(x);
+      const int first = link_[run];
+      if (first < 0)
+        return;
+      if (link_[first] >= 0 && (labels == nullptr || hasSeed(y, w * wordBits + x, labels)))
+        link_[first] = ~++n;
+      link_[run] = link_[first];
+    });
+  }
+  return n;
+}
+
+// Whether a pixel of the row has label 0, among those from x to the end of the run that x is in.
+bool Runs::hasSeed(int y, std::size_t x, const int *labels) const {
+  const Word *other = row(y ^ 1);
+  const int *label = labels + static_cast<std::size_t>(ncols_) * static_cast<std::size_t>(y);
+  for (;; ++x) {
+    const Word bit = Word{1} << x % wordBits;
+    const std::size_t w = x / wordBits;
+    if ((row(y)[w] & bit) != 0 && label[x] == 0)
+      return true;
+    if (((row(y)[w] | other[w]) & bit) == 0)
+      return false;
+  }
 }
 
 } // namespace seedforest::detail

@@ -1,62 +1,125 @@
 // Copyright the Seedforest authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The runs of object pixels of an image, row by row, grouped into 8-connected components: the
-// run-based form of component labelling (Rosenfeld and Pfaltz, "Sequential operations in digital
-// picture processing", 1966, on runs), with a union-find.
+// The object pixels of an image as bits, grouped into 8-connected components. Rows are taken in
+// pairs, because two object pixels of a pair touch whenever their columns are neighbours: a run, an
+// interval of columns that have an object pixel each, is connected, and is one element of the
+// union-find. This is labelling by two scans over runs (He, Chao and Suzuki, "A run-based two-scan
+// labeling algorithm", 2008) of blocks two pixels high.
 #pragma once
 
 #include "base/buffer.h"
-#include "base/findRoot.h"
+#include "base/inline.h"
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 
 namespace seedforest::detail {
 
-/// Runs are numbered from 0 in raster order. The arrays have room for a run at every second pixel;
-/// the part that is not used takes up no memory.
+/// A bit for each of 64 pixels of a row, the lowest for the leftmost.
+using Word = std::uint64_t;
+constexpr int wordBits = 64;
+
+/// Bit x of these tells of the pixel to the left, or to the right, of the one that bit x of the word
+/// tells of. The word's neighbour on that side has the pixel beyond its end.
+SEEDFOREST_INLINE inline Word leftOf(Word word, Word before) {
+  return word << 1 | before >> (wordBits - 1);
+}
+SEEDFOREST_INLINE inline Word rightOf(Word word, Word after) {
+  return word >> 1 | after << (wordBits - 1);
+}
+
+/// Calls visit(x) for each bit x that is set, in order.
+template <class Visit>
+SEEDFOREST_INLINE inline void forEachBit(Word word, Visit visit) {
+  for (; word != 0; word &= word - 1)
+    visit(std::countr_zero(word));
+}
+
+/// A walk along a pair of rows, a word at a time.
+class PairWalk {
+public:
+  PairWalk(const Word *top, const Word *bottom, int firstRun)
+      : top_(top), bottom_(bottom), before_(firstRun - 1) {}
+
+  /// Goes on to word w: 0 at first, then the next one.
+  SEEDFOREST_INLINE void enter(std::size_t w) {
+    before_ += std::popcount(starts_);
+    const Word left = covered_;
+    covered_ = top_[w] | bottom_[w];
+    starts_ = covered_ & ~leftOf(covered_, left);
+  }
+
+  /// The columns that runs hold, and the first column of each run.
+  Word covered() const { return covered_; }
+  Word starts() const { return starts_; }
+  /// The columns that runs hold in the word after word w.
+  SEEDFOREST_INLINE Word coveredAfter(std::size_t w) const { return top_[w + 1] | bottom_[w + 1]; }
+  /// The last run that starts before the word; and the last that starts at its column x or before.
+  int runBefore() const { return before_; }
+  SEEDFOREST_INLINE int runAt(int x) const {
+    return before_ + std::popcount(starts_ & ((Word{2} << x) - 1));
+  }
+
+private:
+  const Word *top_;
+  const Word *bottom_;
+  Word covered_ = 0;
+  Word starts_ = 0;
+  int before_;
+};
+
+/// Runs are numbered from 1, pair by pair and in a pair from left to right. Run 0 is empty, and the
+/// component whose first run it is has the number 0.
 class Runs {
 public:
   Runs(int ncols, int nrows);
 
-  /// The next row's object pixels: 1 for each that is one, else 0.
+  /// The next row's pixels: 1 for each object pixel, and for each rejected pixel, else 0. Without a
+  /// call of rejected() none is rejected.
   unsigned char *objects() { return object_.get(); }
+  unsigned char *rejected();
 
-  /// Appends the runs of object pixels and joins them with the runs of the row above that they
-  /// touch.
+  /// Appends the row. A component with a rejected object pixel becomes part of run 0's.
   void addRow();
 
-  /// Appends an empty run that touches no other: a component to join() others with.
-  void addEmptyRun();
+  /// To be called for each pair in order, when all rows have been added. Numbers those components in
+  /// the pair that have no number yet, and have a pixel there whose label is 0: from n + 1, in the
+  /// raster order of the first such pixels. `labels` may be null: all are 0. Returns the highest
+  /// number.
+  int number(int pair, const int *labels, int n);
 
-  /// Joins run i's component with that of an earlier run.
-  void join(int i, int earlier) { link_[leader(i)] = leader(earlier); }
+  /// To be called after that. Returns whether numbers() of pairs numbered before have changed.
+  bool numberLate();
 
-  /// The first run of run i's component; compresses the path to it.
-  int leader(int i) const {
-    return findRoot(
-        i, [this](int k) { return link_[k]; }, [this](int k, int first) { link_[k] = first; });
-  }
+  /// The number of run i's component is ~numbers()[i], negative where it has none.
+  const int *numbers() const { return link_.get(); }
 
-  int count() const { return count_; }
-  /// Run i holds the pixels from start(i) to before end(i).
-  int start(int i) const { return edge_[2 * static_cast<std::size_t>(i)]; }
-  int end(int i) const { return edge_[2 * static_cast<std::size_t>(i) + 1]; }
-
-  /// The union-find itself: run i is linked to an earlier run of its component, and the component's
-  /// first run, the leader, to itself.
-  int *links() const { return link_.get(); }
+  /// Row y, and its pair.
+  const Word *row(int y) const { return bits_.get() + words_ * static_cast<std::size_t>(y); }
+  PairWalk walk(int pair) const { return {row(2 * pair), row(2 * pair + 1), first_[pair]}; }
+  int pairs() const { return nrows_ / 2 + nrows_ % 2; }
+  bool hasRuns(int pair) const { return first_[pair] < first_[pair + 1]; }
+  /// Words in a row. The last one has at least one bit behind the row's pixels; such bits are 0.
+  std::size_t words() const { return words_; }
 
 private:
-  int findEdges() const;
-  void joinRows(int count);
+  void closePair();
+  int numberRow(int y, const int *labels, int n);
+  bool hasSeed(int y, std::size_t x, const int *labels) const;
 
   int ncols_;
-  int firstPixel_ = 0; // of the next row
-  int above_ = 0;      // first run of the row above
-  int count_ = 0;
-  Array<unsigned char> object_; // of the next row, filled up to whole words with zeros
-  Array<int> edge_;             // run i begins at pixel edge_[2i] and ends before edge_[2i + 1]
+  int nrows_;
+  int y_ = 0;            // the next row
+  bool allKnown_ = true; // whether no pair had a run when its component had no number yet
+  std::size_t words_;
+  Array<unsigned char> object_, rejected_; // of the next row, filled up to whole words with zeros
+  Array<Word> bits_;                       // the last pair has two rows too, and a word follows
+  Array<Word> rejectedBits_;               // of the pair's columns
+  Array<int> first_;                       // the first run of each pair, and the end of the last
+  // The union-find: run i is linked to an earlier run of its component, the first run to itself;
+  // number() turns links into ~(the component's number).
   Array<int> link_;
 };
 

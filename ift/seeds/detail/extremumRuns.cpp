@@ -12,8 +12,8 @@
 #include "base/multiversion.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 namespace seedforest::detail {
@@ -21,7 +21,6 @@ namespace seedforest::detail {
 namespace {
 
 constexpr int lowest = std::numeric_limits<int>::min();
-constexpr int noExtremum = 0; // the run whose component the rejected candidates join
 
 // Rows of an image, the last three, with a column of `lowest` on each side.
 class Rows {
@@ -60,7 +59,8 @@ SEEDFOREST_MULTIVERSION void dropCandidates(const int *value, const int *largest
     rest[x] = value[x] == largest[x] && value[x] != end ? lowest : value[x];
 }
 
-// Marks the candidates, and the pixels in whose window one that is none has their own value.
+// Marks the candidates, and the pixels in whose window one that is none has their own value: where
+// such a pixel is a candidate, its plateau goes on.
 SEEDFOREST_MULTIVERSION void markCandidates(const int *value, const int *rest,
                                             const int *largestRest, int n, unsigned char *candidate,
                                             unsigned char *goesOn) {
@@ -74,8 +74,7 @@ class Finder {
 public:
   Finder(const imImage *image, Extremum kind, Runs &runs)
       : image_(image), flip_(kind == Extremum::largest ? 0 : -1), runs_(runs),
-        values_(image->ncols), rest_(image->ncols), scratch_(image->ncols),
-        goesOn_(makeArray<unsigned char>(static_cast<std::size_t>(image->ncols))) {
+        values_(image->ncols), rest_(image->ncols), scratch_(image->ncols) {
     const int scale = image->type == imTypeGrey ? 255 : maxInt;
     end_ = kind == Extremum::largest ? 0 : scale ^ flip_;
   }
@@ -108,15 +107,8 @@ private:
   void addRuns(int y) {
     int *largest = scratch_[1];
     windowMaxima(rest_[y - 1], rest_[y], rest_[y + 1], image_->ncols, scratch_[0], largest);
-    markCandidates(values_[y], rest_[y], largest, image_->ncols, runs_.objects(), goesOn_.get());
-    int i = runs_.count();
+    markCandidates(values_[y], rest_[y], largest, image_->ncols, runs_.objects(), runs_.rejected());
     runs_.addRow();
-    for (; i < runs_.count(); ++i) {
-      const int length = runs_.end(i) - runs_.start(i);
-      if (std::memchr(goesOn_.get() + runs_.start(i) - image_->row[y], 1, std::size_t(length)) !=
-          nullptr)
-        runs_.join(i, noExtremum);
-    }
   }
 
   const imImage *image_;
@@ -126,19 +118,38 @@ private:
   Rows values_;
   Rows rest_;
   Rows scratch_;
-  Array<unsigned char> goesOn_;
 };
 
 } // namespace
 
 ExtremumRuns::ExtremumRuns(const imImage *image, Extremum kind)
-    : runs_(image->ncols, image->nrows) {
-  runs_.addEmptyRun();
+    : image_(image), runs_(image->ncols, image->nrows),
+      inRow_(makeArray<LabelledRun>((static_cast<std::size_t>(image->ncols) + 1) / 2)) {
   Finder(image, kind, runs_).run();
   int n = 0;
-  int *link = runs_.links();
-  for (int i = 1; i < runs_.count(); ++i) // ~ tells a label from a link
-    link[i] = link[i] == noExtremum ? ~0 : link[i] == i ? ~++n : link[link[i]];
+  for (int pair = 0; pair < runs_.pairs(); ++pair)
+    n = runs_.number(pair, nullptr, n);
+}
+
+SEEDFOREST_MULTIVERSION int ExtremumRuns::findInRow(int y) const {
+  LabelledRun *begun = inRow_.get();
+  LabelledRun *ended = inRow_.get();
+  PairWalk pair = runs_.walk(y / 2);
+  Word before = 0;
+  for (std::size_t w = 0; w < runs_.words(); ++w) {
+    pair.enter(w);
+    const Word objects = runs_.row(y)[w];
+    const Word left = leftOf(objects, before);
+    const int first = static_cast<int>(w) * wordBits;
+    forEachBit(objects & ~left, [&](int x) SEEDFOREST_INLINE {
+      begun->start = first + x;
+      begun->label = ~runs_.numbers()[pair.runAt(x)];
+      ++begun;
+    });
+    forEachBit(left & ~objects, [&](int x) SEEDFOREST_INLINE { (ended++)->end = first + x; });
+    before = objects;
+  }
+  return static_cast<int>(ended - inRow_.get());
 }
 
 std::int64_t ExtremumRuns::pixels() const {

@@ -26,13 +26,24 @@ public:
   /// raster order. Extrema are labelled 1, 2, ... in the order of their first pixels.
   template <class Visit>
   void forEach(Visit visit) const {
-    for (int i = 1; i < runs_.count(); ++i)
-      if (const int label = ~runs_.links()[i]; label > 0)
-        visit(runs_.start(i), runs_.end(i), label);
+    for (int y = 0; y < image_->nrows; ++y) {
+      const int n = findInRow(y);
+      for (int i = 0; i < n; ++i)
+        if (const LabelledRun &run = inRow_[i]; run.label > 0)
+          visit(run.start + image_->row[y], run.end + image_->row[y], run.label);
+    }
   }
 
 private:
-  Runs runs_; // run i > 0 linked to ~(its label); label 0 for none
+  struct LabelledRun {
+    int start, end, label; // columns; label 0 for none
+  };
+
+  int findInRow(int y) const;
+
+  const imImage *image_;
+  Runs runs_; // of candidates
+  Array<LabelledRun> inRow_;
 };
 
 } // namespace seedforest::detail
