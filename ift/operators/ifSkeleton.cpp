@@ -3,22 +3,22 @@
 
 #include "ift/operators/ifSkeleton.h"
 
+#include "base/multiversion.h"
 #include "base/report.h"
 #include "base/require.h"
 #include "ift/core/detail/euclideanPropagation.h"
 #include "ift/core/detail/iftPropagate.h"
 #include "ift/core/detail/lowerEnvelope.h"
-#include "ift/core/ifCost.h"
 #include "ift/core/iftEuclidean.h"
-#include "ift/label/ifContour.h"
+#include "ift/label/detail/labelDifferences.h"
 #include "ift/seeds/detail/ownedRoots.h"
-#include "ift/seeds/ifContourSeeds.h"
+#include "ift/seeds/detail/skeletonBorder.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <utility>
+#include <initializer_list>
 
 using namespace seedforest::detail;
 
@@ -28,31 +28,24 @@ int nearDisc(int **list) {
   return imNeighborhood(list, 2);
 }
 
-// The work image of iftSkelNova() for a shape's border.
-imImagePtr spreadBorder(const imImage *image) {
-  OwnedRoots2 roots;
-  imImagePtr shape(ifSkel2Roots(image, &roots));
-  shape.reset(); // only the roots are needed
-  imImagePtr work = createLike(image, 4, imTypeWork);
-  iftSkelNova(image, work.get(), &roots);
-  return work;
+void spread(const char *operation, const imImage *image, const ifRoots2 &roots, int *cost,
+            int *pred, std::initializer_list<InheritedBand> inherited) {
+  propagateEuclidean({operation, image, NeighborWalk(image, nearDisc),
+                      2 * (std::int64_t{image->ncols} + image->nrows), pixelsOf(roots), cost, pred,
+                      inherited});
 }
 
-// A band of an image as an image of its own, valid as long as that.
-struct BandView : imImage {
-  BandView(const imImage *image, int b) : imImage(*image), pixels(image->band[b]) {
-    nbands = 1;
-    band = &pixels;
+// Keeps the squared distances of the pixels that differ enough and are on the side of a skeleton of
+// this type. In place of the differences.
+SEEDFOREST_MULTIVERSION void select(int skelType, int least, const int *value,
+                                    const int *squaredDistance, int npixels, int *difference) {
+  const int inside = skelType == 1 ? 1 : 0;
+  const int anywhere = skelType == 0 ? 1 : 0;
+  for (int p = 0; p < npixels; ++p) {
+    const int isOnSide = static_cast<int>(static_cast<int>(value[p] > 0) == inside) | anywhere;
+    const int isSelected = static_cast<int>(difference[p] >= least) & isOnSide;
+    difference[p] = isSelected != 0 ? squaredDistance[p] : 0;
   }
-  BandView(const BandView &) = delete;
-  BandView &operator=(const BandView &) = delete;
-
-  int *pixels;
-};
-
-// Whether a skeleton of this type has pixels of this value.
-bool isOnSide(int skelType, int value) {
-  return skelType == 0 || (skelType == 1) == (value > 0);
 }
 
 // Discs are known by their squared radii. So many columns, or rows, off its centre, what is left of a
@@ -103,14 +96,8 @@ void iftSkelNova(const imImage *image, imImage *work, const ifRoots2 *roots) {
   requireSameSize(operation, image, work);
   requireGiven(operation, "roots record", roots);
   int **bands = work->band + work->nbands - 4;
-  propagateEuclidean({operation,
-                      image,
-                      NeighborWalk(image, nearDisc),
-                      2 * (std::int64_t{image->ncols} + image->nrows),
-                      pixelsOf(*roots),
-                      bands[1],
-                      bands[2],
-                      {{bands[0], roots->label}, {bands[3], roots->value}}});
+  spread(operation, image, *roots, bands[1], bands[2],
+         {{bands[0], roots->label}, {bands[3], roots->value}});
 }
 
 int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) {
@@ -119,25 +106,27 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) 
   requireBands("ifSkel", image, 1);
   if (image->nbands != 1)
     fatal("ifSkel: an image of %d bands is no shape\n", image->nbands);
-  const imImagePtr work = spreadBorder(image);
-  const BandView position(work.get(), 0);
-  BandView contour(work.get(), 3);
-  contour.maxValue = largestValue(&contour, 0);
-  // How far apart, along the contour, the border pixels nearest to neighbouring pixels lie.
+  // Memory that is touched for the first time takes more time than all the rest in large images, so
+  // the skeleton's pixels hold the marks of the border first and then the predecessors.
   imImagePtr skeleton = createLike(image, 1, imTypeAscii);
-  ifLabelDifferences(&position, &contour, skeleton.get(), 0);
-  const int largest = std::exchange(skeleton->maxValue, 0);
+  int *pixel = skeleton->band[0];
+  OwnedRoots2 roots;
+  SkeletonBorder border(image, reinterpret_cast<unsigned char *>(pixel));
+  roots.allocate(static_cast<std::size_t>(border.size()));
+  border.follow(&roots);
+  const imImagePtr nearest = createLike(image, 2, imTypeWork);
+  int *position = nearest->band[0];
+  int *squaredDistance = nearest->band[1];
+  spread("ifSkel", image, roots, squaredDistance, pixel, {{position, roots.label}});
+  // How far apart, along the contour, the border pixels nearest to neighbouring pixels lie.
+  const int largest = differencesAlongContours(position, roots, skeleton.get());
   if (skelType < 0 || skelType > 2) {
     warn("invalid skelType: %d\n", skelType);
     return largest;
   }
   // Without roots there are no differences, and no pixel reaches `largest`: nothing is selected.
-  const int least = contour.maxValue > 0 ? std::min(threshold, largest) : largest;
-  const int *value = image->band[0];
-  const int *squaredDistance = work->band[1];
-  int *pixel = skeleton->band[0];
-  for (int p = 0; p < image->npixels; ++p)
-    pixel[p] = pixel[p] >= least && isOnSide(skelType, value[p]) ? squaredDistance[p] : 0;
+  const int least = roots.n > 0 ? std::min(threshold, largest) : largest;
+  select(skelType, least, image->band[0], squaredDistance, image->npixels, pixel);
   *result = skeleton.release();
   return largest;
 }

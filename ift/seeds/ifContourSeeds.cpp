@@ -9,11 +9,11 @@
 #include "ift/label/ifContour.h"
 #include "ift/label/ifLabel.h"
 #include "ift/seeds/detail/ownedRoots.h"
+#include "ift/seeds/detail/skeletonBorder.h"
 #include "ift/seeds/ifFrameSeeds.h"
 #include "image/detail/imageTools.h"
 #include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
-#include "image/imPixelwise.h"
 
 #include <algorithm>
 #include <utility>
@@ -46,45 +46,19 @@ void ifDistTransfRoots(const imImage *binary, ifRoots *roots, int contour) {
   fillRoots(roots, border.get());
 }
 
-namespace {
-
-// Clears the border pixels that do not touch the interior.
-void thin(imImage *border, const imImage *interior) {
-  const NeighborWalk neighbors(border, imNeighborhood8);
-  const int *inside = interior->band[0];
-  int *mark = border->band[0];
-  int p = 0;
-  for (int y = 0; y < border->nrows; ++y)
-    for (int x = 0; x < border->ncols; ++x, ++p)
-      if (mark[p] > 0 && !neighbors.any(x, y, [inside](int q, int) { return inside[q] > 0; }))
-        mark[p] = 0;
-}
-
-// Follows all contours of a border, which is cleared on the way, into a caller's record.
-void followContours(imImage *border, const imImage *shape, ifRoots2 *roots) {
-  OwnedRoots2 record;
-  record.allocate(static_cast<std::size_t>(border->npixels));
-  int *list = nullptr;
-  imNeighborhood8(&list);
-  const Array<int> displacements(list);
-  int contour = 0;
-  for (int p = 0; p < border->npixels; ++p)
-    if (border->band[0][p] > 0)
-      ifContourFollow(&record, &record.n, ++contour, border, shape, p, displacements.get());
-  *roots = record.release();
-}
-
-} // namespace
-
 imImage *ifSkel2Roots(const imImage *image, ifRoots2 *roots) {
   requireBands("ifSkel2Roots", image, 1);
   requireGiven("ifSkel2Roots", "roots record", roots);
-  const imImagePtr border = createLike(image, 1, imTypeAscii);
-  ifRegionsToContours(image, border.get());
-  const imImagePtr interior = requireMade(imBinaryDifference(image, border.get(), imTypeGrey));
-  thin(border.get(), interior.get());
-  imImagePtr shape = requireMade(imBinaryUnion(border.get(), interior.get(), imTypeGrey));
-  followContours(border.get(), shape.get(), roots);
+  const auto npixels = static_cast<std::size_t>(image->npixels);
+  const Array<unsigned char> marks = makeArray<unsigned char>(npixels);
+  SkeletonBorder border(image, marks.get());
+  OwnedRoots2 record;
+  record.allocate(npixels);
+  border.follow(&record);
+  imImagePtr shape = requireMade(tryCreateLike(image, image->nbands, imTypeGrey, 255).release());
+  for (int p = 0; p < image->npixels; ++p)
+    shape->band[0][p] = border.isShape(p) ? 255 : 0;
+  *roots = record.release();
   return shape.release();
 }
 
