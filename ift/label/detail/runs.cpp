@@ -65,6 +65,7 @@ SEEDFOREST_MULTIVERSION void joinPairs(PairWalk above, PairWalk pair, const Word
     const Word topBeside = leftOf(top[w], top[w - 1]) | rightOf(top[w], top[w + 1]);
     const Word touching =
         shared & ((top[w] & (left | bottom[w] | right)) | (bottom[w] & (topBeside | top[w])));
+    // A run that holds the column of the other pixel too shares it, and is joined there.
     const Word leftCorner = corner & left & ~leftOf(pair.covered(), pair.coveredIn(w - 1));
     const Word rightCorner = corner & right & ~rightOf(pair.covered(), pair.coveredIn(w + 1));
     forEachBit(firstOf(shared, starts, touching) | leftCorner,
@@ -97,11 +98,9 @@ SEEDFOREST_MULTIVERSION int countRuns(PairWalk pair, std::size_t words) {
 bool resolve(int *link, int first, int end) {
   int all = -1;
   for (int i = first; i < end; ++i) {
-    int known = link[i];
-    for (int step = 0; step < 2 && known >= 0; ++step)
-      known = link[known];
-    link[i] = known;
-    all &= known;
+    if (link[i] >= 0)
+      link[i] = link[link[i]]; // of an earlier run: resolved already
+    all &= link[i];
   }
   return all < 0;
 }
