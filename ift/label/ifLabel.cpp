@@ -14,8 +14,6 @@
 #include "image/detail/neighborWalk.h"
 #include "image/imNeighborhood.h"
 
-#include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,9 +21,9 @@ using namespace seedforest::detail;
 
 namespace {
 
-SEEDFOREST_MULTIVERSION void markPositive(const int *value, int n, unsigned char *positive) {
-  for (int x = 0; x < n; ++x)
-    positive[x] = value[x] > 0 ? 1 : 0;
+SEEDFOREST_MULTIVERSION void markPositive(const int *value, int n, Word *positive) {
+  setBits(
+      n, [&](int x) SEEDFOREST_INLINE { return value[x] > 0; }, positive);
 }
 
 Runs findRuns(const imImage *image) {
@@ -66,13 +64,6 @@ SEEDFOREST_MULTIVERSION void spreadNumbers(PairWalk pair, std::size_t words, con
   }
   fillUpTo(number + words * wordBits);
 }
-
-constexpr auto bitOfPixel = [] {
-  std::array<std::uint32_t, wordBits / 2> bits = {};
-  for (std::size_t x = 0; x < bits.size(); ++x)
-    bits[x] = std::uint32_t{1} << x;
-  return bits;
-}();
 
 // Labels n object pixels of half a word with their numbers, if they have one.
 SEEDFOREST_INLINE inline void labelObjects(std::uint32_t objects, const int *number, int n,

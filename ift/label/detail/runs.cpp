@@ -7,36 +7,19 @@
 #include "base/multiversion.h"
 
 #include <algorithm>
-#include <cstring>
 #include <numeric>
 
 namespace seedforest::detail {
 
 namespace {
 
-// Bit i tells whether byte i of eight bytes of 0 and 1 is 1. Each byte is moved, by one power of two,
-// to its place in the product's highest byte, where nothing is carried.
-Word bitsOf(const unsigned char *bytes) {
-  Word eight = 0;
-  if constexpr (std::endian::native == std::endian::little)
-    std::memcpy(&eight, bytes, sizeof eight);
-  else
-    for (int i = 7; i >= 0; --i)
-      eight = eight << 8 | bytes[i];
-  return eight * 0x0102040810204080 >> 56;
-}
-
-Word wordOf(const unsigned char *bytes) {
-  Word word = 0;
-  for (int byte = 0; byte < 8; ++byte)
-    word |= bitsOf(bytes + 8 * byte) << 8 * byte;
-  return word;
-}
-
 // Finds the first mark in each of the intervals of a row, word by word: a carry runs from the start
 // of an interval through its columns without a mark, and stays at the first with one.
 class FirstMarks {
 public:
+  /// Whether the next word may have such a mark: an interval starts there, or has none so far.
+  bool maySee(Word starts) const { return (starts | carry_) != 0; }
+
   SEEDFOREST_INLINE Word operator()(Word covered, Word starts, Word marks) {
     const Word without = covered & ~marks;
     const Word sum = without + (starts | carry_);
@@ -66,31 +49,30 @@ SEEDFOREST_MULTIVERSION void joinPairs(PairWalk above, PairWalk pair, const Word
                                        const Word *top, std::size_t words, int *link) {
   FirstMarks firstOf;
   Word sharedBefore = 0;
-  Word bottomBefore = 0;
-  Word topBefore = 0;
   for (std::size_t w = 0; w < words; ++w) {
-    const Word coveredBefore = pair.covered();
     above.enter(w);
     pair.enter(w);
-    // Behind the last word comes the next row: that is seen by bits only that are 0 in all rows.
-    const Word left = leftOf(bottom[w], bottomBefore);
-    const Word right = rightOf(bottom[w], bottom[w + 1]);
-    const Word topBeside = leftOf(top[w], topBefore) | rightOf(top[w], top[w + 1]);
     const Word shared = above.covered() & pair.covered();
+    const Word starts = shared & ~leftOf(shared, sharedBefore);
+    const Word corner = top[w] & ~above.covered();
+    sharedBefore = shared;
+    if (!firstOf.maySee(starts) && corner == 0)
+      continue;
+    // The word before the first ends with a bit behind a row, a 0. The last bit of the last word sees
+    // the next row, but is 0 itself in all rows.
+    const Word left = leftOf(bottom[w], bottom[w - 1]);
+    const Word right = rightOf(bottom[w], bottom[w + 1]);
+    const Word topBeside = leftOf(top[w], top[w - 1]) | rightOf(top[w], top[w + 1]);
     const Word touching =
         shared & ((top[w] & (left | bottom[w] | right)) | (bottom[w] & (topBeside | top[w])));
-    const Word corner = top[w] & ~above.covered();
-    const Word leftCorner = corner & left & ~leftOf(pair.covered(), coveredBefore);
-    const Word rightCorner = corner & right & ~rightOf(pair.covered(), pair.coveredAfter(w));
-    const Word starts = shared & ~leftOf(shared, sharedBefore);
+    // A run that holds the column of the other pixel too shares it, and is joined there.
+    const Word leftCorner = corner & left & ~leftOf(pair.covered(), pair.coveredIn(w - 1));
+    const Word rightCorner = corner & right & ~rightOf(pair.covered(), pair.coveredIn(w + 1));
     forEachBit(firstOf(shared, starts, touching) | leftCorner,
                [&](int x) SEEDFOREST_INLINE { join(link, pair.runAt(x), above.runAt(x)); });
     forEachBit(rightCorner, [&](int x) SEEDFOREST_INLINE {
       join(link, pair.runAt(x), above.runAt(x) + 1); // which starts in the next column
     });
-    sharedBefore = shared;
-    bottomBefore = bottom[w];
-    topBefore = top[w];
   }
 }
 
@@ -116,11 +98,9 @@ SEEDFOREST_MULTIVERSION int countRuns(PairWalk pair, std::size_t words) {
 bool resolve(int *link, int first, int end) {
   int all = -1;
   for (int i = first; i < end; ++i) {
-    int known = link[i];
-    for (int step = 0; step < 2 && known >= 0; ++step)
-      known = link[known];
-    link[i] = known;
-    all &= known;
+    if (link[i] >= 0)
+      link[i] = link[link[i]]; // of an earlier run: resolved already
+    all &= link[i];
   }
   return all < 0;
 }
@@ -130,8 +110,7 @@ bool resolve(int *link, int first, int end) {
 Runs::Runs(int ncols, int nrows)
     : ncols_(ncols), nrows_(nrows), words_(static_cast<std::size_t>(ncols) / wordBits + 1) {
   const auto pairs = static_cast<std::size_t>(this->pairs());
-  object_ = makeZeroedArray<unsigned char>(words_ * wordBits);
-  bits_ = makeZeroedArray<Word>(2 * pairs * words_ + 1);
+  bits_ = makeZeroedArray<Word>(2 * pairs * words_ + 2);
   first_ = makeArray<int>(pairs + 1);
   const std::size_t runsPerPair = (static_cast<std::size_t>(ncols) + 1) / 2;
   link_ = makeArray<int>(runsPerPair * pairs + 1);
@@ -140,22 +119,19 @@ Runs::Runs(int ncols, int nrows)
 }
 
 void Runs::addRow() {
-  Word *bits = bits_.get() + words_ * static_cast<std::size_t>(y_);
-  for (std::size_t w = 0; w < words_; ++w)
-    bits[w] = wordOf(object_.get() + wordBits * w);
   for (std::size_t w = 0; rejected_ != nullptr && w < words_; ++w) {
-    const Word rejected = bits[w] & wordOf(rejected_.get() + wordBits * w);
-    rejectedBits_[w] = y_ % 2 == 0 ? rejected : rejectedBits_[w] | rejected;
+    const Word rejected = row(y_)[w] & rejected_[w];
+    rejectedOfPair_[w] = y_ % 2 == 0 ? rejected : rejectedOfPair_[w] | rejected;
   }
   ++y_;
   if (y_ % 2 == 0 || y_ == nrows_)
     closePair();
 }
 
-unsigned char *Runs::rejected() {
+Word *Runs::rejected() {
   if (rejected_ == nullptr) {
-    rejected_ = makeZeroedArray<unsigned char>(words_ * wordBits);
-    rejectedBits_ = makeZeroedArray<Word>(words_);
+    rejected_ = makeArray<Word>(words_);
+    rejectedOfPair_ = makeArray<Word>(words_);
   }
   return rejected_.get();
 }
@@ -170,7 +146,7 @@ void Runs::closePair() {
   if (pair > 0 && hasRuns(pair) && hasRuns(pair - 1))
     joinPairs(walk(pair - 1), walk(pair), row(2 * pair - 1), row(2 * pair), words_, link_.get());
   if (rejected_ != nullptr)
-    reject(walk(pair), rejectedBits_.get(), words_, link_.get());
+    reject(walk(pair), rejectedOfPair_.get(), words_, link_.get());
 }
 
 int Runs::number(int pair, const int *labels, int n) {

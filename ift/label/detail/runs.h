@@ -11,6 +11,8 @@
 #include "base/buffer.h"
 #include "base/inline.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -30,6 +32,33 @@ SEEDFOREST_INLINE inline Word rightOf(Word word, Word after) {
   return word >> 1 | after << (wordBits - 1);
 }
 
+/// Bit x of half a word.
+constexpr auto bitOfPixel = [] {
+  std::array<std::uint32_t, wordBits / 2> bits = {};
+  for (std::size_t x = 0; x < bits.size(); ++x)
+    bits[x] = std::uint32_t{1} << x;
+  return bits;
+}();
+
+/// Sets the bits of the words for n pixels: those for whose x isSet(x) holds.
+template <class IsSet>
+SEEDFOREST_INLINE inline void setBits(int n, IsSet isSet, Word *words) {
+  constexpr int half = wordBits / 2;
+  const auto gather = [&](int first, int count) SEEDFOREST_INLINE {
+    std::uint32_t bits = 0;
+    for (int x = 0; x < count; ++x)
+      bits |= isSet(first + x) ? bitOfPixel[x] : 0;
+    return Word{bits};
+  };
+  int x = 0;
+  for (; n - x >= wordBits; x += wordBits)
+    *words++ = gather(x, half) | gather(x + half, half) << half;
+  const int rest = n - x;
+  *words = gather(x, std::min(rest, half));
+  if (rest > half)
+    *words |= gather(x + half, rest - half) << half;
+}
+
 /// Calls visit(x) for each bit x that is set, in order.
 template <class Visit>
 SEEDFOREST_INLINE inline void forEachBit(Word word, Visit visit) {
@@ -47,15 +76,15 @@ public:
   SEEDFOREST_INLINE void enter(std::size_t w) {
     before_ += std::popcount(starts_);
     const Word left = covered_;
-    covered_ = top_[w] | bottom_[w];
+    covered_ = coveredIn(w);
     starts_ = covered_ & ~leftOf(covered_, left);
   }
 
   /// The columns that runs hold, and the first column of each run.
   Word covered() const { return covered_; }
   Word starts() const { return starts_; }
-  /// The columns that runs hold in the word after word w.
-  SEEDFOREST_INLINE Word coveredAfter(std::size_t w) const { return top_[w + 1] | bottom_[w + 1]; }
+  /// The columns that runs hold in word w.
+  SEEDFOREST_INLINE Word coveredIn(std::size_t w) const { return top_[w] | bottom_[w]; }
   /// The last run that starts before the word; and the last that starts at its column x or before.
   int runBefore() const { return before_; }
   SEEDFOREST_INLINE int runAt(int x) const {
@@ -76,10 +105,10 @@ class Runs {
 public:
   Runs(int ncols, int nrows);
 
-  /// The next row's pixels: 1 for each object pixel, and for each rejected pixel, else 0. Without a
-  /// call of rejected() none is rejected.
-  unsigned char *objects() { return object_.get(); }
-  unsigned char *rejected();
+  /// The next row's pixels, for setBits(): object pixels, and rejected pixels. Without a call of
+  /// rejected() none is rejected.
+  Word *objects() { return rowAt(y_); }
+  Word *rejected();
 
   /// Appends the row. A component with a rejected object pixel becomes part of run 0's.
   void addRow();
@@ -97,7 +126,7 @@ public:
   const int *numbers() const { return link_.get(); }
 
   /// Row y, and its pair.
-  const Word *row(int y) const { return bits_.get() + words_ * static_cast<std::size_t>(y); }
+  const Word *row(int y) const { return rowAt(y); }
   PairWalk walk(int pair) const { return {row(2 * pair), row(2 * pair + 1), first_[pair]}; }
   int pairs() const { return nrows_ / 2 + nrows_ % 2; }
   bool hasRuns(int pair) const { return first_[pair] < first_[pair + 1]; }
@@ -105,6 +134,7 @@ public:
   std::size_t words() const { return words_; }
 
 private:
+  Word *rowAt(int y) const { return bits_.get() + 1 + words_ * static_cast<std::size_t>(y); }
   void closePair();
   int numberRow(int y, const int *labels, int n);
   bool hasSeed(int y, std::size_t x, const int *labels) const;
@@ -114,10 +144,9 @@ private:
   int y_ = 0;            // the next row
   bool allKnown_ = true; // whether no pair had a run when its component had no number yet
   std::size_t words_;
-  Array<unsigned char> object_, rejected_; // of the next row, filled up to whole words with zeros
-  Array<Word> bits_;                       // the last pair has two rows too, and a word follows
-  Array<Word> rejectedBits_;               // of the pair's columns
-  Array<int> first_;                       // the first run of each pair, and the end of the last
+  Array<Word> bits_; // a word of zeros, all rows (the last pair has two rows too), a word of zeros
+  Array<Word> rejected_, rejectedOfPair_; // in the next row, and in the pair's columns
+  Array<int> first_;                      // the first run of each pair, and the end of the last
   // The union-find: run i is linked to an earlier run of its component, the first run to itself;
   // number() turns links into ~(the component's number).
   Array<int> link_;

@@ -62,12 +62,12 @@ SEEDFOREST_MULTIVERSION void dropCandidates(const int *value, const int *largest
 // Marks the candidates, and the pixels in whose window one that is none has their own value: where
 // such a pixel is a candidate, its plateau goes on.
 SEEDFOREST_MULTIVERSION void markCandidates(const int *value, const int *rest,
-                                            const int *largestRest, int n, unsigned char *candidate,
-                                            unsigned char *goesOn) {
-  for (int x = 0; x < n; ++x) {
-    candidate[x] = rest[x] == lowest ? 1 : 0;
-    goesOn[x] = value[x] == largestRest[x] ? 1 : 0;
-  }
+                                            const int *largestRest, int n, Word *candidate,
+                                            Word *goesOn) {
+  setBits(
+      n, [&](int x) SEEDFOREST_INLINE { return rest[x] == lowest; }, candidate);
+  setBits(
+      n, [&](int x) SEEDFOREST_INLINE { return value[x] == largestRest[x]; }, goesOn);
 }
 
 class Finder {
