@@ -106,27 +106,25 @@ int ifSkel(const imImage *image, int skelType, int threshold, imImage **result) 
   requireBands("ifSkel", image, 1);
   if (image->nbands != 1)
     fatal("ifSkel: an image of %d bands is no shape\n", image->nbands);
-  // Memory that is touched for the first time takes more time than all the rest in large images, so
-  // the skeleton's pixels hold the marks of the border first and then the predecessors.
+  // Memory that is touched for the first time can take more time than all the rest in large images,
+  // so the skeleton's pixels hold the marks of the border first and then the positions.
   imImagePtr skeleton = createLike(image, 1, imTypeAscii);
   int *pixel = skeleton->band[0];
   OwnedRoots2 roots;
   SkeletonBorder border(image, reinterpret_cast<unsigned char *>(pixel));
   roots.allocate(static_cast<std::size_t>(border.size()));
   border.follow(&roots);
-  const imImagePtr nearest = createLike(image, 2, imTypeWork);
-  int *position = nearest->band[0];
-  int *squaredDistance = nearest->band[1];
-  spread("ifSkel", image, roots, squaredDistance, pixel, {{position, roots.label}});
+  const imImagePtr distance = createLike(image, 1, imTypeWork);
+  spread("ifSkel", image, roots, distance->band[0], nullptr, {{pixel, roots.label}});
   // How far apart, along the contour, the border pixels nearest to neighbouring pixels lie.
-  const int largest = differencesAlongContours(position, roots, skeleton.get());
+  const int largest = differencesAlongContours(roots, skeleton.get());
   if (skelType < 0 || skelType > 2) {
     warn("invalid skelType: %d\n", skelType);
     return largest;
   }
   // Without roots there are no differences, and no pixel reaches `largest`: nothing is selected.
   const int least = roots.n > 0 ? std::min(threshold, largest) : largest;
-  select(skelType, least, image->band[0], squaredDistance, image->npixels, pixel);
+  select(skelType, least, image->band[0], distance->band[0], image->npixels, pixel);
   *result = skeleton.release();
   return largest;
 }

@@ -5,6 +5,8 @@
 
 #include "base/arith.h"
 #include "base/inline.h"
+#include "base/multiversion.h"
+#include "ift/core/detail/ancestry.h"
 #include "ift/core/detail/euclideanTiles.h"
 #include "ift/core/detail/iftPropagate.h"
 #include "ift/core/detail/turningQueue.h"
@@ -128,105 +130,55 @@ private:
   propagate(transform, queue);
 }
 
-// Any relation of neighbours. Writes the costs and the predecessors.
-void propagateAnywhere(const EuclideanProblem &problem) {
+// Any relation of neighbours.
+void propagateAnywhere(EuclideanProblem problem) {
   const int npixels = problem.image->npixels;
-  EuclideanTransform transform(problem);
-  TurningQueue<EuclideanEntry> queue(problem.nbuckets, npixels);
-  std::fill_n(problem.cost, npixels, ifInfiniteCost);
-  for (const int p : problem.rootPixels)
-    problem.cost[p] = 0;
-  const auto reaches = [&](int p) { // a pixel that is no root
-    const int y = p / problem.image->ncols;
-    return problem.neighbors.any(p - y * problem.image->ncols, y,
-                                 [&](int q, int) { return problem.cost[q] != 0; });
-  };
-  forEachSeed(problem.rootPixels, problem.pred, [&](int, int p) {
-    if (reaches(p)) // a root among roots improves none: where all of the ground is roots, most are
-      queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
-  });
-  std::iota(problem.pred, problem.pred + npixels, 0);
-  run(transform, queue);
-}
-
-// Finds the root of each pixel along the predecessors, in a sweep down and one up the image: a path
-// that comes from above, or from below, is followed to its root in one of them. The second one walks
-// what is left, and halves the ways. Where costs are packed steps, adds them up.
-template <bool addSteps>
-class Ancestry {
-public:
-  explicit Ancestry(const EuclideanProblem &problem)
-      : problem_(problem), up_(problem.inherited.begin()->band) {}
-
-  void resolve() {
-    const int npixels = problem_.image->npixels;
-    const int n = static_cast<int>(problem_.rootPixels.size());
-    for (int i = 0; i < n; ++i)
-      up_[problem_.rootPixels[i]] = ~i;
-    for (int p = 0; p < npixels; ++p) {
-      start(p);
-      follow(p, p);
-    }
-    for (int p = npixels - 1; p >= 0; --p)
-      while (up_[p] >= 0) {
-        follow(up_[p], npixels);
-        follow(p, npixels);
-      }
+  Array<int> scratch;
+  if (problem.pred == nullptr) {
+    scratch = makeArray<int>(static_cast<std::size_t>(npixels));
+    problem.pred = scratch.get();
   }
-
-  // Overwrites what was resolved.
-  void handDown() const {
-    const int npixels = problem_.image->npixels;
-    for (int p = 0; p < npixels; ++p) {
-      const int root = up_[p];
-      for (const InheritedBand &inherited : problem_.inherited)
-        inherited.band[p] = root == noRoot ? 0 : inherited.atRoots[~root];
-      if (addSteps && root != noRoot)
-        problem_.cost[p] = PackedSteps::squaredLength(problem_.cost[p]);
-    }
+  {
+    EuclideanTransform transform(problem);
+    TurningQueue<EuclideanEntry> queue(problem.nbuckets, npixels);
+    std::fill_n(problem.cost, npixels, ifInfiniteCost);
+    for (const int p : problem.rootPixels)
+      problem.cost[p] = 0;
+    const auto reaches = [&](int p) { // a pixel that is no root
+      const int y = p / problem.image->ncols;
+      return problem.neighbors.any(p - y * problem.image->ncols, y,
+                                   [&](int q, int) { return problem.cost[q] != 0; });
+    };
+    forEachSeed(problem.rootPixels, problem.inherited.begin()->band, [&](int, int p) {
+      if (reaches(
+              p)) // a root among roots improves none: where all of the ground is roots, most are
+        queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
+    });
+    std::iota(problem.pred, problem.pred + npixels, 0);
+    run(transform, queue);
   }
-
-private:
-  static constexpr int noRoot = minInt;
-
-  void start(int p) { // a root is where it is
-    if (problem_.pred[p] != p)
-      up_[p] = problem_.pred[p];
-    else if (problem_.cost[p] == ifInfiniteCost)
-      up_[p] = noRoot;
-  }
-  // Passes the pixel to which p points, if that is before `end`.
-  SEEDFOREST_INLINE void follow(int p, int end) {
-    const int up = up_[p];
-    if (static_cast<unsigned>(up) >= static_cast<unsigned>(end))
-      return;
-    up_[p] = up_[up];
-    if (addSteps)
-      problem_.cost[p] += problem_.cost[up];
-  }
-
-  const EuclideanProblem &problem_;
-  int *up_; // a pixel on the way to the root, or the complement of the root's place in the list
-};
-
-template <bool addSteps>
-void handDown(const EuclideanProblem &problem) {
-  Ancestry<addSteps> ancestry(problem);
-  ancestry.resolve();
+  Ancestry<false> ancestry(problem);
+  for (int y = problem.image->nrows - 1; y >= 0; --y)
+    ancestry.addRow(y, problem.pred + problem.image->row[y]);
   ancestry.handDown();
 }
 
 } // namespace
 
+SEEDFOREST_MULTIVERSION void takeFromRoots(const int *complement, const int *atRoots, int n,
+                                           int *values) {
+  for (int p = 0; p < n; ++p) {
+    const int root = complement[p];
+    const int value = atRoots[root == noRoot ? 0 : ~root];
+    values[p] = root == noRoot ? 0 : value;
+  }
+}
+
 void propagateEuclidean(const EuclideanProblem &problem) {
   for (const int p : problem.rootPixels)
     requirePixel(problem.operation, problem.image, p);
-  if (propagateInTiles(problem)) {
-    handDown<true>(problem);
-  } else {
+  if (!propagateInTiles(problem))
     propagateAnywhere(problem);
-    handDown<false>(problem);
-  }
 }
 
 } // namespace seedforest::detail

@@ -26,7 +26,7 @@ struct EuclideanProblem {
   std::int64_t nbuckets;
   std::span<const int> rootPixels;
   int *cost; ///< written: the squared distances
-  int *pred; ///< written: the predecessors
+  int *pred; ///< written: the predecessors; null where they are not wanted
   std::initializer_list<InheritedBand> inherited;
 };
 

@@ -4,6 +4,8 @@
 #include "ift/core/detail/euclideanTiles.h"
 
 #include "base/inline.h"
+#include "base/multiversion.h"
+#include "ift/core/detail/ancestry.h"
 #include "ift/core/detail/iftPropagate.h"
 #include "ift/core/detail/turningQueue.h"
 #include "ift/core/detail/wordsInBand.h"
@@ -13,6 +15,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 namespace seedforest::detail {
 
@@ -32,6 +35,20 @@ public:
 
   std::int64_t size() const { return std::int64_t{across_} * down_ * area; }
 
+  /// The tiles of row y of the image: their first place, and the number of their places.
+  int beginOfStrip(int y) const { return (y + 1) / height * sizeOfStrip(); }
+  int sizeOfStrip() const { return across_ * area; }
+
+  /// A row of the image and its frame: `across()` times `width` places in a row, from place(-1, y).
+  int across() const { return across_; }
+  static constexpr int width = 8;
+
+  /// Whether `ncols` ints for each row above a strip need as many bytes as the strips above it, of
+  /// words of 16 bits, or more. If the second strip, with three rows above, has room, all have.
+  bool leaveRoomAbove(int ncols) const {
+    return std::int64_t{ncols} * (height - 1) * 2 >= sizeOfStrip();
+  }
+
   /// The place of the pixel (x, y), which may be one in the frame.
   int place(int x, int y) const {
     const int column = x + 1;
@@ -47,7 +64,6 @@ public:
   }
 
 private:
-  static constexpr int width = 8;
   static constexpr int height = 4;
 
   int across_;
@@ -227,23 +243,74 @@ NeighborWalk withoutCentre(const EuclideanProblem &problem) {
   return {problem.image, static_cast<int>(displacements.size() / 2), displacements.data()};
 }
 
-// The predecessors, and the step from each to its pixel.
+// A step, or the sum of several, as a cost on the way: dx and dy in 16 bits each.
+struct PackedSteps {
+  static int pack(int dx, int dy) { return dx + (dy << 16); }
+  static int squaredLength(int steps) {
+    const int dx = steps & 0xffff;
+    const int dy = steps >> 16;
+    return dx * dx + dy * dy;
+  }
+};
+
+SEEDFOREST_MULTIVERSION void squareSteps(int *steps, int n) {
+  for (int p = 0; p < n; ++p)
+    steps[p] = PackedSteps::squaredLength(steps[p]);
+}
+
+// What settled words say: how far behind a pixel its predecessor is, and the step from there. Both
+// are 0 for a root.
+struct Steps {
+  std::array<int, nsteps + 1> offset = {};
+  std::array<int, nsteps + 1> packed = {};
+
+  explicit Steps(const NeighborWalk &window) {
+    for (int k = 0; k < nsteps; ++k) {
+      offset[Word::settle(k)] = window.offset(k);
+      packed[Word::settle(k)] = PackedSteps::pack(std::abs(window.dx(k)), std::abs(window.dy(k)));
+    }
+  }
+};
+
+// The predecessors and the steps of a row that begins at pixel p.
+SEEDFOREST_MULTIVERSION void unpackRow(const Steps &steps, const std::uint16_t *word, int p,
+                                       int ncols, int *pred, int *cost) {
+  for (int x = 0; x < ncols; ++x) {
+    pred[x] = p + x - steps.offset[word[x]];
+    cost[x] = steps.packed[word[x]];
+  }
+}
+
+// Finds the roots, and writes what the problem asks for. The words lie in the memory of the costs,
+// packed more densely: from the last row to the first, a row's costs take the place of words that
+// have been read.
 void unpack(const EuclideanProblem &problem, const NeighborWalk &window, const Tiles &tiles,
             Words words) {
-  std::array<int, nsteps + 1> offset = {}; // by settled words: none to a root from itself
-  std::array<int, nsteps + 1> steps = {};
-  for (int k = 0; k < nsteps; ++k) {
-    offset[Word::settle(k)] = window.offset(k);
-    steps[Word::settle(k)] = PackedSteps::pack(std::abs(window.dx(k)), std::abs(window.dy(k)));
-  }
-  int p = 0;
-  for (int y = 0; y < problem.image->nrows; ++y)
-    for (int x = 0; x < problem.image->ncols; ++x, ++p) {
-      const std::uint16_t word = words[tiles.place(x, y)];
-      const bool isReached = word != Word::unreached;
-      problem.pred[p] = isReached ? p - offset[word] : p;
-      problem.cost[p] = isReached ? steps[word] : ifInfiniteCost;
+  const imImage *image = problem.image;
+  const Steps steps(window);
+  const auto stripBytes = static_cast<std::size_t>(tiles.sizeOfStrip()) * sizeof(std::uint16_t);
+  const Array<unsigned char> strip = makeArray<unsigned char>(stripBytes);
+  const Words stripWords(strip.get());
+  int begin = -1; // of the strip in this memory
+  const auto rowLength = static_cast<std::size_t>(tiles.across()) * Tiles::width;
+  const Array<std::uint16_t> rowWords = makeArray<std::uint16_t>(rowLength);
+  const Array<int> rowPred = makeArray<int>(rowLength);
+  Ancestry<true> ancestry(problem);
+  for (int y = image->nrows - 1; y >= 0; --y) {
+    if (begin != tiles.beginOfStrip(y)) {
+      begin = tiles.beginOfStrip(y);
+      std::memcpy(strip.get(), words.at(begin), stripBytes);
     }
+    const int p = image->row[y];
+    for (int x = 0; x < tiles.across() * Tiles::width; x += Tiles::width)
+      std::memcpy(&rowWords[x], stripWords.at(tiles.place(x - 1, y) - begin),
+                  Tiles::width * sizeof(std::uint16_t));
+    int *pred = problem.pred != nullptr ? problem.pred + p : rowPred.get();
+    unpackRow(steps, &rowWords[1], p, image->ncols, pred, problem.cost + p);
+    ancestry.addRow(y, pred);
+  }
+  ancestry.handDown();
+  squareSteps(problem.cost, image->npixels);
 }
 
 } // namespace
@@ -252,13 +319,15 @@ bool propagateInTiles(const EuclideanProblem &problem) {
   const imImage *image = problem.image;
   const NeighborWalk window = withoutCentre(problem);
   const Tiles tiles(image);
-  const bool fits =
-      tiles.size() <= 2 * std::int64_t{image->npixels} && tiles.size() <= TileEntry::mostPlaces;
+  const bool fits = tiles.size() <= 2 * std::int64_t{image->npixels} &&
+                    tiles.size() <= TileEntry::mostPlaces && tiles.leaveRoomAbove(image->ncols);
   // Where roots are many, little is left to flood, and unpacking would cost more than that saves.
-  const bool isWorthwhile = std::ssize(problem.rootPixels) <= image->npixels / 4;
+  // With one root at least, every pixel is reached.
+  const bool isWorthwhile =
+      !problem.rootPixels.empty() && std::ssize(problem.rootPixels) <= image->npixels / 4;
   if (!window.isWindow() || !fits || !isWorthwhile)
     return false;
-  const Words words(problem.inherited.begin()->band);
+  const Words words(problem.cost);
   clear(image, tiles, words);
   const auto placeOf = [&](int p) {
     const int y = p / image->ncols;
@@ -269,7 +338,7 @@ bool propagateInTiles(const EuclideanProblem &problem) {
   TileTransform transform(window, tiles, words);
   {
     TurningQueue<TileEntry> queue(problem.nbuckets, image->npixels);
-    forEachSeed(problem.rootPixels, problem.pred, [&](int, int p) {
+    forEachSeed(problem.rootPixels, problem.inherited.begin()->band, [&](int, int p) {
       const int place = placeOf(p);
       if (!transform.reaches(place)) // a root among roots improves none
         return;

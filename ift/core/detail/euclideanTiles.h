@@ -17,21 +17,10 @@
 
 namespace seedforest::detail {
 
-/// Writes the predecessors (at roots and where no path arrives, the pixel itself) and, as costs, the
-/// step from the predecessor (0 at roots; where no path arrives, ifInfiniteCost), and returns true.
-/// The first inherited band is scratch. Returns false, with nothing of use in the bands, for another
-/// adjacency, a narrow or huge image, many roots, or paths too long for the words.
+/// propagateEuclidean() with roots that are pixels of the image. Returns false, with nothing of use in
+/// the bands, for another adjacency, a narrow or huge image, many roots, or paths too long for the
+/// words.
 bool propagateInTiles(const EuclideanProblem &problem);
-
-/// A step, or the sum of several, as a cost band holds it: dx and dy in 16 bits each.
-struct PackedSteps {
-  static int pack(int dx, int dy) { return dx + (dy << 16); }
-  static int squaredLength(int steps) {
-    const int dx = steps & 0xffff;
-    const int dy = steps >> 16;
-    return dx * dx + dy * dy;
-  }
-};
 
 /// The number of propagations that this thread has computed in this form, for tests that check its
 /// use.

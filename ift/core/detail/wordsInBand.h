@@ -14,6 +14,7 @@ template <class Word>
 class WordsInBand {
 public:
   explicit WordsInBand(int *band) : bytes_(reinterpret_cast<unsigned char *>(band)) {}
+  explicit WordsInBand(unsigned char *bytes) : bytes_(bytes) {}
 
   unsigned char *at(int p) const { return bytes_ + sizeof(Word) * static_cast<std::size_t>(p); }
   Word operator[](int p) const {

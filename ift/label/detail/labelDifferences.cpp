@@ -142,8 +142,8 @@ private:
 // Rows of positions on contours that were numbered one after the other.
 class FollowedRows {
 public:
-  FollowedRows(const int *positions, int ncols, const ifRoots2 &roots)
-      : position_(positions), ncols_(ncols), contourOf_(roots.value),
+  FollowedRows(const imImage *positions, const ifRoots2 &roots)
+      : positions_(positions), contourOf_(roots.value),
         contours_(makeArray<Contour>(static_cast<std::size_t>(contourAt(roots.n)) + 1)) {
     contours_[0] = {0, 0, Row::noContour};
     forEachRun(roots.value, roots.n, sameAs, [&](int begin, int end) {
@@ -155,14 +155,15 @@ public:
   }
 
   void load(int y, Row &row) const {
-    const int *position = position_ + std::int64_t{y} * ncols_;
-    std::copy_n(position, ncols_, row.value());
+    const int ncols = positions_->ncols;
+    const int *position = positions_->band[0] + positions_->row[y];
+    std::copy_n(position, ncols, row.value());
     const auto onContourOf = [this](int first) {
       return [contour = contours_[contourAt(first)]](int other) {
         return contour.first <= other && other <= contour.last;
       };
     };
-    forEachRun(position, ncols_, onContourOf, [&](int begin, int end) {
+    forEachRun(position, ncols, onContourOf, [&](int begin, int end) {
       const int contour = contourAt(position[begin]);
       std::fill(row.label() + begin, row.label() + end, contour);
       std::fill(row.whole() + begin, row.whole() + end, contours_[contour].whole);
@@ -178,8 +179,7 @@ private:
 
   int contourAt(int position) const { return position > 0 ? contourOf_[position - 1] : 0; }
 
-  const int *position_;
-  int ncols_;
+  const imImage *positions_;
   const int *contourOf_; // by root
   Array<Contour> contours_;
 };
@@ -224,6 +224,8 @@ SEEDFOREST_MULTIVERSION int lookAtAbsolute(std::array<const Row *, 3> rows, int 
   return lookAtRow<true>(rows, ncols, difference);
 }
 
+// A row is loaded before the differences of the one above it are written: output may be an image that
+// rows are loaded from. Returns the largest difference.
 template <class Rows>
 int lookAtRows(const Rows &rows, imImage *output, bool absolute) {
   std::array<Row, 3> row = {Row(output->ncols), Row(output->ncols), Row(output->ncols)};
@@ -285,7 +287,6 @@ void ifLabelDifferences(const imImage *values, const imImage *labels, imImage *o
   std::replace(output->band[0], output->band[0] + output->npixels, nextToHigher, output->maxValue);
 }
 
-int seedforest::detail::differencesAlongContours(const int *positions, const ifRoots2 &roots,
-                                                 imImage *output) {
-  return lookAtRows(FollowedRows(positions, output->ncols, roots), output, false) + 1;
+int seedforest::detail::differencesAlongContours(const ifRoots2 &roots, imImage *image) {
+  return lookAtRows(FollowedRows(image, roots), image, false) + 1;
 }

@@ -16,9 +16,9 @@ namespace seedforest::detail {
 inline constexpr int nextToHigher = std::numeric_limits<int>::max();
 
 /// The signed differences of ifLabelDifferences(), for contours that were numbered one after the
-/// other: root i has the position i + 1, and its value is the number of its contour. `positions` has
-/// one for each pixel of the output, or 0 for none, which is on no contour. Writes the differences,
-/// nextToHigher among them, and returns the largest of the others plus 1.
-int differencesAlongContours(const int *positions, const ifRoots2 &roots, imImage *output);
+/// other: root i has the position i + 1, and its value is the number of its contour. The image's
+/// pixels are the positions, or 0 for none, which is on no contour; the differences take their place,
+/// nextToHigher among them. Returns the largest of the others plus 1.
+int differencesAlongContours(const ifRoots2 &roots, imImage *image);
 
 } // namespace seedforest::detail
