@@ -61,11 +61,16 @@ ifGraph *copyBaseGraph(ifGraph *graph, int dataSize) {
 void destroyGraph(ifGraph **graph) {
   if (graph == nullptr || *graph == nullptr)
     return;
+  constexpr int ahead = 16;
   BlockReleaser edges;
   BlockReleaser data;
-  for (int v = 0; (*graph)->vertices != nullptr && v < (*graph)->nVertices; ++v) {
-    releaseEdges((*graph)->vertices[v], edges);
-    data.release((*graph)->vertices[v].data);
+  const ifVertex *vertices = (*graph)->vertices;
+  const int n = vertices == nullptr ? 0 : (*graph)->nVertices;
+  for (int v = 0; v < n; ++v) {
+    if (n - v > ahead)
+      prefetchAt(vertices[v + ahead].edges);
+    releaseEdges(vertices[v], edges);
+    data.release(vertices[v].data);
   }
   std::free((*graph)->vertices);
   imReleaseImage(&(*graph)->labelImage);
