@@ -3,10 +3,13 @@
 
 #include "graph/graph.h"
 
+#include "base/error.h"
+#include "faults.h"
 #include "graph/detail/edgeInserter.h"
 #include "graph/detail/graphTools.h"
 #include "graphs.h"
 
+#include <cerrno>
 #include <utility>
 
 using namespace seedforest::detail;
@@ -113,6 +116,29 @@ TEST(Graph, EdgesOfBothKindsInOneList) {
   }
   EXPECT_EQ(listsOf(mixed.get()), listsOf(literal.get()));
 }
+
+#ifdef SEEDFOREST_FAULTS
+TEST(Graph, CopiesWhenMemoryLasts) {
+  const seedforest::ThrowingErrors throwing;
+  std::vector<Edge> edges;
+  for (int v = 0; v < 2000; ++v)
+    edges.push_back({v, v + 1, v});
+  const ifGraphPtr graph = makeGraph(2000, edges);
+  ifGraphPtr copy;
+  int failures = 0;
+  while (copy == nullptr) {
+    inject({Call::allocate, Effect::fail, ENOMEM}, failures + 1);
+    try {
+      copy.reset(copyBaseGraph(graph.get(), 3));
+    } catch (const seedforest::OutOfMemory &) {
+      ++failures;
+    }
+    endInjection();
+  }
+  EXPECT_GT(failures, 2 * 64); // what comes before the slabs of data and of edges
+  EXPECT_EQ(listsOf(ifGraphPtr(copyBaseGraph(copy.get(), 0)).get()), listsOf(graph.get()));
+}
+#endif
 
 TEST(Graph, WithoutMemory) {
   const imImagePtr labels = makeImage({{maxInt}});
