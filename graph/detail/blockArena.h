@@ -1,15 +1,16 @@
 // Copyright the Seedforest authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Memory for the many small blocks of a graph, its edges and the integers of its vertices, from slabs:
-// blocks lie side by side in the order in which they were made, and take no bytes beside their own. With
-// a malloc() for each, the graph of a million small regions and its tree took three times as long.
+// Memory for the many small blocks of a graph, its edges and the integers of its vertices, from
+// slabs: blocks lie side by side in the order in which they were made, and take no bytes beside
+// their own. With a malloc() for each, the graph of a million small regions and its tree took three
+// times as long.
 //
-// A block is released on its own, like one of malloc(), and either kind may stand in the same list. Its
-// address tells which it is: malloc() returns multiples of twice a pointer's size, and the blocks of a
-// slab lie half of that beside. A slab is divided into sections at multiples of their size, each of
-// which begins with a pointer to its slab, so rounding down a block's address leads there. The slab
-// counts its blocks, and goes with the last one.
+// A block is released on its own, like one of malloc(), and either kind may stand in the same list.
+// Its address tells which it is: malloc() returns multiples of twice a pointer's size, and the
+// blocks of a slab lie half of that beside. A slab is divided into sections at multiples of their
+// size, each of which begins with a pointer to its slab, so rounding down a block's address leads
+// there. The slab counts its blocks, and goes with the last one.
 #pragma once
 
 #include <atomic>
@@ -29,8 +30,8 @@ namespace seedforest::detail {
 struct Slab {
   std::atomic<std::size_t> nBlocks; ///< not released yet, of as many as could ever be in it
 
-  /// Takes n from the count, and frees the slab where none is left. Atomic, since blocks may have been
-  /// moved to lists that other threads release.
+  /// Takes n from the count, and frees the slab where none is left. Atomic, since blocks may have
+  /// been moved to lists that other threads release.
   void drop(std::size_t n);
 };
 
@@ -44,8 +45,8 @@ public:
   BlockArena(const BlockArena &) = delete;
   BlockArena &operator=(const BlockArena &) = delete;
 
-  /// An uninitialised block of up to `largest` bytes, aligned for pointers, or null when it cannot be
-  /// allocated. Release with BlockReleaser.
+  /// An uninitialised block of up to `largest` bytes, aligned for pointers, or null when it cannot
+  /// be allocated. Release with BlockReleaser.
   void *tryAllocate(std::size_t bytes) {
     const std::size_t size = (bytes + unit - 1) / unit * unit;
     if (size > left_)
@@ -65,8 +66,8 @@ private:
   static_assert(alignof(std::max_align_t) % unit == 0); // so malloc() returns multiples
   static constexpr std::size_t section = 4096;
 
-  // The first few blocks are those of malloc(), so that who needs a single one asks here, too. Then come
-  // slabs, the next one four times as large as the one before.
+  // The first few blocks are those of malloc(), so that who needs a single one asks here, too. Then
+  // come slabs, the next one four times as large as the one before.
   static constexpr int few = 64;
   static constexpr std::size_t smallestSlab = std::size_t{16} << 10;
   static constexpr std::size_t largestSlab = std::size_t{16} << 20;

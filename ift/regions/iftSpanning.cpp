@@ -57,10 +57,10 @@ void checkForest(const char *operation, const imImage *image, const imImage *for
 
 constexpr const char *primGraph = "iftPrimGraph";
 
-// What the loop knows of a vertex, in one place: the loop takes vertices far apart, so its time is that
-// of the cache lines which it touches.
+// What the loop knows of a vertex, in one place: the loop takes vertices far apart, so its time is
+// that of the cache lines which it touches.
 struct TreeVertex {
-  int cost; // of the lightest edge so far; ifInfiniteCostInverted, below which no offer is, once settled
+  int cost; // of the lightest edge so far; once settled, ifInfiniteCostInverted: no offer is less
   int predecessor;
   int feature; // where the weight is that of one feature
 };
@@ -96,8 +96,8 @@ struct GraphTreeTransform {
   }
   int bucket(int offered, int) const { return circularBucket(offered, nbuckets); }
   Entry entry(int v, int, int cost) const { return {v, cost}; }
-  // First what holds the pointer to the edges, and, when that has arrived, the edges: a third of the
-  // time of the loop.
+  // First what holds the pointer to the edges, and, when that has arrived, the edges. Without, the
+  // loop takes twice as long on a million small regions.
   SEEDFOREST_INLINE void prefetch(int v) {
     prefetchAt(&vertices[v]);
     prefetchAt(&arcs.graph->vertices[v]);
@@ -106,8 +106,8 @@ struct GraphTreeTransform {
   }
 };
 
-// Inserts an edge from each vertex to its predecessor, in this order, and gives the vertices their costs
-// back. No search for duplicates: a vertex has no edge before its own turn.
+// Inserts an edge from each vertex to its predecessor, in this order, and gives the vertices their
+// costs back. No search for duplicates: a vertex has no edge before its own turn.
 void insertTreeEdges(std::span<const CostedEntry> settled, TreeVertex *vertices, ifVertex *tree) {
   constexpr std::size_t ahead = 16;
   BlockArena arena;

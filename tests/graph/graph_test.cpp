@@ -94,8 +94,8 @@ TEST(Graph, ManyEdgesAsIfInsertedOneByOne) {
   }
 }
 
-// The edges of one graph come from malloc(), those of the other from slabs too. Both are taken out one
-// by one and with their lists, while others come in.
+// The edges of one graph come from malloc(), those of the other from slabs too. Both are taken out
+// one by one and with their lists, while others come in.
 TEST(Graph, EdgesOfBothKindsInOneList) {
   std::mt19937 random(5);
   constexpr int n = 200;
