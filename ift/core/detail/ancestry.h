@@ -27,10 +27,13 @@ template <bool addSteps>
 class Ancestry {
 public:
   explicit Ancestry(const EuclideanProblem &problem)
-      : problem_(problem), up_(problem.inherited.begin()->band) {}
+      : problem_(problem), up_(problem.inherited.begin()->band) {
+    const int n = static_cast<int>(problem.rootPixels.size());
+    for (int i = 0; i < n; ++i)
+      up_[problem.rootPixels[i]] = ~i;
+  }
 
-  /// Where the first inherited band of a root starts out with the root's place in the list: from the
-  /// last to the first row, takes the predecessors of its pixels.
+  /// From the last to the first row, takes the predecessors of its pixels.
   void addRow(int y, const int *pred) {
     startRow(problem_.image->row[y], pred);
     followRow(y);
@@ -61,7 +64,7 @@ private:
     const int *cost = problem_.cost + begin;
     int *up = up_ + begin;
     for (int x = 0; x < ncols; ++x) {
-      const int root = cost[x] == ifInfiniteCost ? noRoot : ~up[x];
+      const int root = cost[x] == ifInfiniteCost ? noRoot : up[x];
       up[x] = pred[x] != begin + x ? pred[x] : root;
     }
   }

@@ -149,7 +149,7 @@ void propagateAnywhere(EuclideanProblem problem) {
       return problem.neighbors.any(p - y * problem.image->ncols, y,
                                    [&](int q, int) { return problem.cost[q] != 0; });
     };
-    forEachSeed(problem.rootPixels, problem.inherited.begin()->band, [&](int, int p) {
+    forEachSeed(problem.rootPixels, problem.pred, [&](int, int p) {
       if (reaches(
               p)) // a root among roots improves none: where all of the ground is roots, most are
         queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});

@@ -71,12 +71,12 @@ private:
 };
 
 // A pixel's word: unreached or, while it waits, a flag and the last bits of its cost; when it is
-// settled, the displacement by which it was reached, plus one, or 0 for a root. Waiting costs are
-// no more than one step apart, so that their last bits tell which is less.
+// settled, the displacement by which it was reached, in two bits each, or none for a root. Waiting
+// costs are no more than one step apart, so that their last bits tell which is less.
 struct Word {
   static constexpr unsigned waiting = 0x8000;
   static constexpr std::uint16_t unreached = 0x4000;
-  static constexpr std::uint16_t root = 0;
+  static constexpr std::uint16_t root = 5;    // settle(0, 0)
   static constexpr unsigned farther = 0x4000; // half of the costs that can be told apart
   static constexpr unsigned costMask = 0x7fff;
   static constexpr int longest = 8190; // a sum of dx and dy from which a step costs less than half
@@ -84,7 +84,11 @@ struct Word {
   static std::uint16_t wait(int cost) {
     return static_cast<std::uint16_t>(waiting | (static_cast<unsigned>(cost) & costMask));
   }
-  static std::uint16_t settle(int k) { return static_cast<std::uint16_t>(k + 1); }
+  static std::uint16_t settle(int dx, int dy) {
+    return static_cast<std::uint16_t>((dx + 1) | (dy + 1) << 2);
+  }
+  static int dx(int settled) { return (settled & 3) - 1; }
+  static int dy(int settled) { return (settled >> 2) - 1; }
   static bool isImprovedBy(int cost, unsigned word) {
     const bool isFarther = ((word - static_cast<unsigned>(cost) - 1) & farther) == 0;
     return word == unreached || (word >= waiting && isFarther);
@@ -126,6 +130,7 @@ public:
       const int dx = neighbors.dx(k);
       const int dy = neighbors.dy(k);
       length_[k] = {std::abs(dx), std::abs(dy)};
+      settled_[k] = Word::settle(dx, dy);
       for (int lane = 0; lane < Tiles::area; ++lane)
         around_[lane][k] = tiles.step(lane, dx, dy);
       int n = 0;
@@ -153,7 +158,7 @@ public:
     const int cost = entry.cost();
     isExact_ = isExact_ && cost >= cost_ && x_ + y_ <= Word::longest;
     cost_ = cost;
-    words_.set(entry.place(), cost == 0 ? Word::root : Word::settle(entry.arrival()));
+    words_.set(entry.place(), cost == 0 ? Word::root : settled_[entry.arrival()]);
   }
 
   template <class Offer>
@@ -205,6 +210,7 @@ private:
   };
   Words words_;
   std::array<Length, nsteps> length_;                       // of each step
+  std::array<std::uint16_t, nsteps> settled_;               // the word, by arrival
   std::array<std::array<int, 3>, nsteps> onward_;           // by arrival
   std::array<std::array<int, nsteps>, Tiles::area> around_; // by the place in a tile
   std::array<std::array<int, 4>, Tiles::area> corner_;      // together in all tiles of a window
@@ -258,36 +264,22 @@ SEEDFOREST_MULTIVERSION void squareSteps(int *steps, int n) {
     steps[p] = PackedSteps::squaredLength(steps[p]);
 }
 
-// What settled words say: how far behind a pixel its predecessor is, and the step from there. Both
-// are 0 for a root.
-struct Steps {
-  std::array<int, nsteps + 1> offset = {};
-  std::array<int, nsteps + 1> packed = {};
-
-  explicit Steps(const NeighborWalk &window) {
-    for (int k = 0; k < nsteps; ++k) {
-      offset[Word::settle(k)] = window.offset(k);
-      packed[Word::settle(k)] = PackedSteps::pack(std::abs(window.dx(k)), std::abs(window.dy(k)));
-    }
-  }
-};
-
-// The predecessors and the steps of a row that begins at pixel p.
-SEEDFOREST_MULTIVERSION void unpackRow(const Steps &steps, const std::uint16_t *word, int p,
-                                       int ncols, int *pred, int *cost) {
+// The predecessors and the steps of a row that begins at pixel p, of settled words.
+SEEDFOREST_MULTIVERSION void unpackRow(const std::uint16_t *word, int p, int ncols, int *pred,
+                                       int *cost) {
   for (int x = 0; x < ncols; ++x) {
-    pred[x] = p + x - steps.offset[word[x]];
-    cost[x] = steps.packed[word[x]];
+    const int dx = Word::dx(word[x]);
+    const int dy = Word::dy(word[x]);
+    pred[x] = p + x - dx - dy * ncols;
+    cost[x] = PackedSteps::pack(std::abs(dx), std::abs(dy));
   }
 }
 
 // Finds the roots, and writes what the problem asks for. The words lie in the memory of the costs,
 // packed more densely: from the last row to the first, a row's costs take the place of words that
 // have been read.
-void unpack(const EuclideanProblem &problem, const NeighborWalk &window, const Tiles &tiles,
-            Words words) {
+void unpack(const EuclideanProblem &problem, const Tiles &tiles, Words words) {
   const imImage *image = problem.image;
-  const Steps steps(window);
   const auto stripBytes = static_cast<std::size_t>(tiles.sizeOfStrip()) * sizeof(std::uint16_t);
   const Array<unsigned char> strip = makeArray<unsigned char>(stripBytes);
   const Words stripWords(strip.get());
@@ -306,7 +298,7 @@ void unpack(const EuclideanProblem &problem, const NeighborWalk &window, const T
       std::memcpy(&rowWords[x], stripWords.at(tiles.place(x - 1, y) - begin),
                   Tiles::width * sizeof(std::uint16_t));
     int *pred = problem.pred != nullptr ? problem.pred + p : rowPred.get();
-    unpackRow(steps, &rowWords[1], p, image->ncols, pred, problem.cost + p);
+    unpackRow(&rowWords[1], p, image->ncols, pred, problem.cost + p);
     ancestry.addRow(y, pred);
   }
   ancestry.handDown();
@@ -349,7 +341,7 @@ bool propagateInTiles(const EuclideanProblem &problem) {
   }
   if (!transform.isExact())
     return false;
-  unpack(problem, window, tiles, words);
+  unpack(problem, tiles, words);
   ++propagationsInTiles;
   return true;
 }

@@ -4,7 +4,13 @@
 #include "ift/seeds/ifContourSeeds.h"
 
 #include "ift/label/ifContour.h"
+#include "image/detail/neighborWalk.h"
+#include "image/imPixelwise.h"
 #include "support.h"
+
+#include <cstdlib>
+
+using seedforest::detail::NeighborWalk;
 
 namespace {
 
@@ -68,6 +74,40 @@ TEST(SkeletonSeeds, FollowedWithTheBackgroundOnTheRight) {
   EXPECT_EQ(followed({{1, 1, 1}, {1, 0, 1}, {1, 1, 1}}),
             (Matrix{{0, 101, 0}, {104, 0, 102}, {0, 103, 0}}));
   EXPECT_EQ(followed({{1, 0, 0, 0}, {0, 0, 1, 1}, {0, 0, 0, 0}}), Matrix(3, {0, 0, 0, 0}));
+}
+
+// The same from whole images: border, interior, the border that touches both sides, its contours.
+TEST(SkeletonSeeds, EqualTheirSteps) {
+  std::mt19937 random(44);
+  for (int round = 0; round < 300; ++round) {
+    const imImagePtr image = randomImage(random, 2, imTypeGrey, pick(random, 1, 70),
+                                         pick(random, 1, 30), -round % 2, round % 3 == 0 ? 1 : 20);
+    const imImagePtr border = blankLike(image);
+    ifRegionsToContours(image.get(), border.get());
+    const imImagePtr interior(imBinaryDifference(image.get(), border.get(), imTypeGrey));
+    const NeighborWalk neighbors(image.get(), imNeighborhood8);
+    for (int p = 0; p < image->npixels; ++p)
+      if (!neighbors.any(p % image->ncols, p / image->ncols,
+                         [&](int q, int) { return interior->band[0][q] > 0; }))
+        border->band[0][p] = 0;
+    const imImagePtr shape(imBinaryUnion(border.get(), interior.get(), imTypeGrey));
+    const ifRootsPtr expected = makeRoots(std::vector<Root>(image->npixels));
+    expected->n = 0;
+    ifRoots2 record = {expected->pixel, expected->label, expected->value, nullptr, 0};
+    int *list = nullptr;
+    imNeighborhood8(&list);
+    int contour = 0;
+    for (int p = 0; p < image->npixels; ++p)
+      if (border->band[0][p] > 0)
+        ifContourFollow(&record, &expected->n, ++contour, border.get(), shape.get(), p, list);
+    std::free(list);
+    ifRoots2 roots;
+    expectImage("shape", ifSkel2Roots(image.get(), &roots), imTypeGrey, 255,
+                {bandOf(shape), Matrix(image->nrows, std::vector<int>(image->ncols))});
+    const ifRoots made = {roots.pixel, roots.label, roots.value, roots.n};
+    EXPECT_EQ(listOf(&made), listOf(expected.get())) << "round " << round;
+    ifReleaseRoots2(&roots);
+  }
 }
 
 TEST(SkeletonSeeds, NumberedFromTheMiddleRow) {
