@@ -165,6 +165,7 @@ ratio is taken in each round, and its median, least and largest value are given:
 Where definitions agree, the sums of the results have been compared, and a difference ends the run.
 Freed memory stays with the process and serves again: what fresh pages cost is the system's matter.
 Times belong to a machine, ratios less so. `copy` is the yardstick: a plain copy of an image.
+[What limits the speed](limits.md) says what the time goes into.
 
 )";
 

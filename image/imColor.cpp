@@ -70,10 +70,12 @@ private:
 constexpr int mostXyz = 17838; // Z of white
 
 SEEDFOREST_MULTIVERSION void rgbToXyz(const Bands &rgb, Block &xyz, int n) {
-  apply(rgb, xyz, n, bytes, [](auto a, double r, double g, double b, int) INLINE {
-    return Pixel{{a.whole(a.by255((0.412453 * r + 0.35758 * g + 0.180423 * b) * one)),
-                  a.whole(a.by255((0.212671 * r + 0.71516 * g + 0.072169 * b) * one)),
-                  a.whole(a.by255((0.019334 * r + 0.119193 * g + 0.950227 * b) * one))}};
+  if (bytes.holds(rgb, n))
+    return bytesToXyz(rgb, xyz, n);
+  applyWith<Any>(rgb, xyz, n, [](Any a, double r, double g, double b, int) INLINE {
+    return Pixel{{a.whole((0.412453 * r + 0.35758 * g + 0.180423 * b) * one / 255),
+                  a.whole((0.212671 * r + 0.71516 * g + 0.072169 * b) * one / 255),
+                  a.whole((0.019334 * r + 0.119193 * g + 0.950227 * b) * one / 255)}};
   });
 }
 

@@ -104,6 +104,9 @@ SEEDFOREST_INLINE inline void apply(const Bands &from, Block &to, int n, Range s
     applyWith<Any>(from, to, n, rule);
 }
 
+/// XYZ of components of 0 .. 255.
+void bytesToXyz(const Bands &rgb, Block &xyz, int n);
+
 /// Copies the first n pixels of a block to those of an image from `start`.
 inline void store(const Block &block, int n, imImage *image, int start) {
   for (int b = 0; b < 3; ++b)
