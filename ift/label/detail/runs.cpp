@@ -46,10 +46,10 @@ SEEDFOREST_INLINE inline void join(int *link, int i, int k) {
 // row above, `top` the row below it. Two runs touch in columns that both hold, where the interval
 // that they share makes one join, or else corner to corner.
 SEEDFOREST_MULTIVERSION void joinPairs(PairWalk above, PairWalk pair, const Word *bottom,
-                                       const Word *top, std::size_t words, int *link) {
+                                       const Word *top, std::ptrdiff_t words, int *link) {
   FirstMarks firstOf;
   Word sharedBefore = 0;
-  for (std::size_t w = 0; w < words; ++w) {
+  for (std::ptrdiff_t w = 0; w < words; ++w) {
     above.enter(w);
     pair.enter(w);
     const Word shared = above.covered() & pair.covered();
@@ -144,7 +144,8 @@ void Runs::closePair() {
   first_[pair + 1] = end;
   std::iota(link_.get() + first, link_.get() + end, first);
   if (pair > 0 && hasRuns(pair) && hasRuns(pair - 1))
-    joinPairs(walk(pair - 1), walk(pair), row(2 * pair - 1), row(2 * pair), words_, link_.get());
+    joinPairs(walk(pair - 1), walk(pair), row(2 * pair - 1), row(2 * pair),
+              static_cast<std::ptrdiff_t>(words_), link_.get());
   if (rejected_ != nullptr)
     reject(walk(pair), rejectedOfPair_.get(), words_, link_.get());
 }

@@ -73,7 +73,7 @@ public:
       : top_(top), bottom_(bottom), before_(firstRun - 1) {}
 
   /// Goes on to word w: 0 at first, then the next one.
-  SEEDFOREST_INLINE void enter(std::size_t w) {
+  SEEDFOREST_INLINE void enter(std::ptrdiff_t w) {
     before_ += std::popcount(starts_);
     const Word left = covered_;
     covered_ = coveredIn(w);
@@ -83,8 +83,8 @@ public:
   /// The columns that runs hold, and the first column of each run.
   Word covered() const { return covered_; }
   Word starts() const { return starts_; }
-  /// The columns that runs hold in word w.
-  SEEDFOREST_INLINE Word coveredIn(std::size_t w) const { return top_[w] | bottom_[w]; }
+  /// The columns that runs hold in word w, which may be one beside the row.
+  SEEDFOREST_INLINE Word coveredIn(std::ptrdiff_t w) const { return top_[w] | bottom_[w]; }
   /// The last run that starts before the word; and the last that starts at its column x or before.
   int runBefore() const { return before_; }
   SEEDFOREST_INLINE int runAt(int x) const {
