@@ -32,18 +32,22 @@ SEEDFOREST_INLINE inline Word rightOf(Word word, Word after) {
   return word >> 1 | after << (wordBits - 1);
 }
 
-/// Bit x of half a word.
-constexpr auto bitOfPixel = [] {
-  std::array<std::uint32_t, wordBits / 2> bits = {};
-  for (std::size_t x = 0; x < bits.size(); ++x)
-    bits[x] = std::uint32_t{1} << x;
+constexpr int halfBits = wordBits / 2;
+constexpr std::array<std::uint32_t, halfBits> bitsOfPixels() {
+  std::array<std::uint32_t, halfBits> bits = {};
+  std::uint32_t next = 1;
+  for (std::uint32_t &bit : bits) {
+    bit = next;
+    next <<= 1;
+  }
   return bits;
-}();
+}
+/// Element x has bit x of half a word.
+inline constexpr std::array<std::uint32_t, halfBits> bitOfPixel = bitsOfPixels();
 
 /// Sets the bits of the words for n pixels: those for whose x isSet(x) holds.
 template <class IsSet>
 SEEDFOREST_INLINE inline void setBits(int n, IsSet isSet, Word *words) {
-  constexpr int half = wordBits / 2;
   const auto gather = [&](int first, int count) SEEDFOREST_INLINE {
     std::uint32_t bits = 0;
     for (int x = 0; x < count; ++x)
@@ -52,11 +56,11 @@ SEEDFOREST_INLINE inline void setBits(int n, IsSet isSet, Word *words) {
   };
   int x = 0;
   for (; n - x >= wordBits; x += wordBits)
-    *words++ = gather(x, half) | gather(x + half, half) << half;
+    *words++ = gather(x, halfBits) | gather(x + halfBits, halfBits) << halfBits;
   const int rest = n - x;
-  *words = gather(x, std::min(rest, half));
-  if (rest > half)
-    *words |= gather(x + half, rest - half) << half;
+  *words = gather(x, std::min(rest, halfBits));
+  if (rest > halfBits)
+    *words |= gather(x + halfBits, rest - halfBits) << halfBits;
 }
 
 /// Calls visit(x) for each bit x that is set, in order.
