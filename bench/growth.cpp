@@ -39,17 +39,19 @@ std::vector<Growth> measureGrowth(const std::string &filter, int largest, std::F
     std::fflush(report);
   };
   for (const Row &row : rowsThatBegin(filter)) {
-    const double second = costOf(row, {Drawing::micrograph, largest / 8}, largest / 2);
+    const auto cost = [&](Drawing drawing, int share) {
+      return costOf(row, {drawing, largest / share}, largest / 2);
+    };
+    const double second = cost(Drawing::micrograph, 8);
     double natural = 0; // at the size of the hard images
     for (const int share : {16, 8, 4, 2, 1}) {
-      const double cost =
-          share == 8 ? second : costOf(row, {Drawing::micrograph, largest / share}, largest / 2);
+      const double here = share == 8 ? second : cost(Drawing::micrograph, share);
       if (share == 4)
-        natural = cost;
-      add(row, Drawing::micrograph, largest / share, cost, second);
+        natural = here;
+      add(row, Drawing::micrograph, largest / share, here, second);
     }
     for (const Drawing drawing : hard)
-      add(row, drawing, largest / 4, costOf(row, {drawing, largest / 4}, largest / 2), natural);
+      add(row, drawing, largest / 4, cost(drawing, 4), natural);
   }
   return all;
 }

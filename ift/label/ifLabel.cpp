@@ -74,13 +74,12 @@ SEEDFOREST_INLINE inline void labelObjects(std::uint32_t objects, const int *num
 
 SEEDFOREST_MULTIVERSION void labelRow(const Word *objects, const int *number, int ncols,
                                       int *label) {
-  constexpr int half = wordBits / 2;
-  for (std::int64_t x = 0; x < ncols; x += half) {
+  for (std::int64_t x = 0; x < ncols; x += halfBits) {
     const auto bits = static_cast<std::uint32_t>(objects[x / wordBits] >> x % wordBits);
     if (bits == 0)
       continue;
-    if (ncols - x >= half)
-      labelObjects(bits, number + x, half, label + x);
+    if (ncols - x >= halfBits)
+      labelObjects(bits, number + x, halfBits, label + x);
     else
       labelObjects(bits, number + x, static_cast<int>(ncols - x), label + x);
   }

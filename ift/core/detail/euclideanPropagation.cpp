@@ -149,9 +149,9 @@ void propagateAnywhere(EuclideanProblem problem) {
       return problem.neighbors.any(p - y * problem.image->ncols, y,
                                    [&](int q, int) { return problem.cost[q] != 0; });
     };
+    // A root among roots improves none: where all of the ground is roots, most are.
     forEachSeed(problem.rootPixels, problem.pred, [&](int, int p) {
-      if (reaches(
-              p)) // a root among roots improves none: where all of the ground is roots, most are
+      if (reaches(p))
         queue.append(0, {p, UnsharedNeighborWalk::start, 0, 0});
     });
     std::iota(problem.pred, problem.pred + npixels, 0);
