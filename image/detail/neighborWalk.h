@@ -9,6 +9,8 @@
 #include "image/imImage.h"
 #include "image/imNeighborhood.h"
 
+#include <span>
+
 namespace seedforest::detail {
 
 /// The neighbours that the pixels of an image have under an adjacency, in list order. This is the
@@ -131,13 +133,18 @@ public:
 
   static constexpr int start = -1;
 
-  /// Calls visit(q, k) for the neighbours q of p, by displacement k, that its predecessor does not
-  /// share, when p was reached by displacement `arrival`; for all neighbours at the start of a
-  /// path.
+  /// The displacements k to the neighbours that the predecessor of a pixel does not share, when it
+  /// was reached by displacement `arrival`; to all neighbours at the start of a path.
+  std::span<const int> of(int arrival) const {
+    const int i = isSmall_ ? arrival + 1 : 0;
+    return {&list_[begin_[i]], &list_[begin_[i + 1]]};
+  }
+
+  /// Calls visit(q, k) for those neighbours q of p.
   template <class Visit>
   void each(int p, int arrival, Visit visit) const {
-    const int i = isSmall_ ? arrival + 1 : 0;
-    neighbors_.each(p, &list_[begin_[i]], begin_[i + 1] - begin_[i], visit);
+    const std::span<const int> list = of(arrival);
+    neighbors_.each(p, list.data(), static_cast<int>(list.size()), visit);
   }
 
 private:

@@ -21,6 +21,7 @@
 #include <cstdint>
 #include <map>
 #include <new>
+#include <span>
 
 namespace seedforest::detail {
 
@@ -80,13 +81,28 @@ public:
     const std::int64_t position = bucket->head;
     entry = pool_[position];
     upcoming_ = pixelAhead(position, bucket->last);
-    if (position == bucket->last)
-      drain(*bucket, current_);
-    else if (endsChunk(position))
-      bucket->head = firstOf(releaseChunk(position));
-    else
-      bucket->head = position + 1;
+    removeUpTo(*bucket, position);
     return true;
+  }
+
+  /// Takes up to `most` of the entries that take() would take next, all from one bucket, as they lie
+  /// one behind the other; none when all buckets are empty. The next append() may overwrite them.
+  std::span<const Entry> takeRun(int most) {
+    Bucket *bucket = currentBucket();
+    if (bucket == nullptr)
+      bucket = nextBucket();
+    if (bucket == nullptr)
+      return {};
+    const std::span<const Entry> run = runOf(*bucket, most);
+    const std::int64_t last = bucket->head + static_cast<std::int64_t>(run.size()) - 1;
+    removeUpTo(*bucket, last);
+    return run;
+  }
+
+  /// The entries that takeRun() would take next, if they are in the current bucket.
+  std::span<const Entry> upcomingRun(int most) {
+    const Bucket *bucket = currentBucket();
+    return bucket == nullptr ? std::span<const Entry>() : runOf(*bucket, most);
   }
 
   /// The pixel of an entry that will be taken soon, or none.
@@ -168,6 +184,32 @@ private:
     } catch (const std::bad_alloc &) {
       queueUnavailable('Q');
     }
+  }
+
+  // The current bucket, or null when it is empty.
+  Bucket *currentBucket() {
+    if (dense_)
+      return table_[current_].last == empty ? nullptr : &table_[current_];
+    const auto found = sparse_.find(current_);
+    return found == sparse_.end() ? nullptr : &found->second;
+  }
+
+  // The entries at the head of a bucket that lie one behind the other.
+  std::span<const Entry> runOf(const Bucket &bucket, int most) const {
+    const std::int64_t lastInChunk =
+        chunkOf(bucket.head) == chunkOf(bucket.last) ? bucket.last : bucket.head | chunkMask_;
+    return {&pool_[bucket.head],
+            static_cast<std::size_t>(std::min<std::int64_t>(lastInChunk - bucket.head + 1, most))};
+  }
+
+  // Removes the entries of the current bucket up to a position in the chunk of its head.
+  SEEDFOREST_INLINE void removeUpTo(Bucket &bucket, std::int64_t position) {
+    if (position == bucket.last)
+      drain(bucket, current_);
+    else if (endsChunk(position))
+      bucket.head = firstOf(releaseChunk(position));
+    else
+      bucket.head = position + 1;
   }
 
   // Appends an unused chunk to bucket b; returns the position of its first entry.

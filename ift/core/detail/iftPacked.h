@@ -7,11 +7,11 @@
 //
 // A transform visits pixels in the order of their costs, not in memory order, so its time is mostly
 // that of the cache lines touched around each pixel. All that the flood reads of a pixel is packed
-// into one word, of 16 bits for values up to 255: its value, later its cost, and the displacement by
+// into one word, of 16 bits for values up to 511: its value, later its cost, and the displacement by
 // which it was reached; and into one bit, whether it may be conquered. Labels, costs and predecessors
 // follow afterwards, in raster order. Against words of 32 bits, with labels written during the flood,
-// the words take three quarters of the time, two thirds in large images. Words and bits lie in the
-// forest's own bands.
+// the words take three quarters of the time, two thirds in large images. Words of 16 bits and the bits
+// lie in the forest's own bands.
 #pragma once
 
 #include "ift/core/ifRoots.h"

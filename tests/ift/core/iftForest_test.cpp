@@ -128,7 +128,7 @@ TEST(Forest, RecognisedWeightsEqualOthers) {
       const imNeighborhoodFn adjacency = relations[round % std::size(relations)];
       const auto before = packedRuns;
       const auto fast = run(transform, image, seeds, top, pathCost, ifWatershedMetric, adjacency);
-      EXPECT_EQ(packedRuns - before, top < 1 << 24 && adjacency != relations[2] ? 1 : 0);
+      EXPECT_EQ(packedRuns - before, top < 1 << 25 && adjacency != relations[2] ? 1 : 0);
       EXPECT_EQ(fast, run(transform, image, seeds, top, pathCost, unknown, adjacency));
       EXPECT_LE(packedRuns - before, 1);
     };
