@@ -64,4 +64,37 @@ TEST(BucketQueueOfTheLoop, EqualsAMapWhateverIsDropped) {
   EXPECT_GT(drops, 100);
 }
 
+// Runs are what take() would take, whatever is appended in between.
+TEST(BucketQueueOfTheLoop, RunsEqualSingleEntries) {
+  std::mt19937 random(32);
+  for (int round = 0; round < 40; ++round) {
+    SCOPED_TRACE(round);
+    const int nelems = 1 << pick(random, 0, 12);
+    const int nbuckets = std::vector<int>{1, 3, 300, 100000}[round % 4];
+    BucketQueue<Entry> single(nbuckets, nelems);
+    BucketQueue<Entry> inRuns(nbuckets, nelems);
+    for (int time = 0; time < 3000;) {
+      const int top = pick(random, 0, nbuckets - 1);
+      for (int n = pick(random, 0, 400); n > 0; --n, ++time) {
+        const int b = pick(random, 0, top);
+        single.append(b, {time, time});
+        inRuns.append(b, {time, time});
+      }
+      const int most = pick(random, 1, 130);
+      const auto expected = inRuns.upcomingRun(most);
+      const auto run = inRuns.takeRun(most);
+      ASSERT_LE(run.size(), static_cast<std::size_t>(most));
+      ASSERT_TRUE(expected.empty() ||
+                  (expected.data() == run.data() && expected.size() == run.size()));
+      Entry taken = {-1, -1};
+      for (const Entry entry : run) {
+        ASSERT_TRUE(single.take(taken));
+        ASSERT_EQ(entry.time, taken.time);
+        ASSERT_EQ(inRuns.current(), single.current());
+      }
+      ASSERT_FALSE(run.empty() && single.take(taken));
+    }
+  }
+}
+
 } // namespace
