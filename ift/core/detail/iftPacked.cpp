@@ -105,21 +105,21 @@ private:
   unsigned *words_;
 };
 
-// The flood: the loop of iftPropagate.h, in runs of pixels that wait in one bucket. First the open
-// neighbours of all pixels of a run are gathered, then all of these are offered paths, in the same
-// order. No branch depends on how many neighbours a pixel has, and words that are far away are
-// fetched together, which takes a quarter to a third off the time.
-//
 // Paths never get better as they grow, and pixels are settled by costs that never improve. So the
 // first path to a pixel is its best, and only a seed can be conquered while it waits, by a path that
 // is better than its own cost. Later paths cost as much or more: a pixel is offered one, and closes.
 // Only local costs have to keep it open until it is conquered, since a worse path may go where a
 // better one is blocked. Neighbours that the predecessor shares need no offer.
+//
+// So offers do not wait for those made before them, and pixels are settled in runs: no branch depends
+// on how many open neighbours a pixel has, and words that are far away are fetched together, which
+// takes a quarter to a third off the time. With local costs a run may note a pixel twice; its second
+// offer is refused.
 template <class Word, bool local>
-class PackedFlood {
+class PackedTransform {
 public:
-  PackedFlood(const PackedProblem &problem, const Margined &places, WordsInBand<Word> words,
-              OpenPixels open)
+  PackedTransform(const PackedProblem &problem, const Margined &places, WordsInBand<Word> words,
+                  OpenPixels open)
       : places_(places), words_(words), open_(open), value_(problem.value),
         mirror_(problem.mirror()), onward_(problem.neighbors), n_(problem.neighbors.size()),
         isWithinWindow_(problem.neighbors.isWithinWindow()) {
@@ -146,46 +146,20 @@ public:
     int pixel; // its place
   };
 
-  void run(BucketQueue<Entry> &queue) {
-    const int longest = std::min(longestRun, roomForOffers / std::max(n_, 1));
-    Meter meter(queue.nelems());
-    for (;;) {
-      const std::span<const Entry> run = queue.takeRun(longest);
-      if (run.empty())
-        return;
-      for (const Entry entry : queue.upcomingRun(longest))
-        open_.prefetchAround(entry.pixel);
-      const int cost = queue.current();
-      noffers_ = 0;
-      for (const Entry entry : run)
-        gather(entry.pixel, cost);
-      for (int i = 0; i < noffers_; ++i)
-        prefetchAt(words_.at(end(i)));
-      for (int i = 0; i < noffers_; ++i)
-        offer(end(i), arc_[i], cost, queue);
-      meter.advance(static_cast<std::int64_t>(run.size()));
-    }
+  Entry entry(int q) const { return {q}; }
+  int longestRun() const { return std::min(128, roomForOffers / std::max(n_, 1)); }
+  SEEDFOREST_INLINE void prefetch(int p) const { open_.prefetchAround(p); }
+
+  void startRun(int bucket) {
+    cost_ = bucket;
+    noffers_ = 0;
   }
 
-private:
-  using Bits = Packing<Word>;
-  static constexpr int windowSize = 9;
-  static constexpr int longestRun = 128;
-  static constexpr int roomForOffers = 1024;
-
-  // The arcs to the open pixels of a window, in order.
-  struct Arcs {
-    std::uint8_t n;
-    std::uint8_t k[8];
-  };
-
-  // The pixel to which the path of offer i leads.
-  int end(int i) const { return from_[i] + offset_[arc_[i]]; }
-
-  // Makes offers of the arcs from p to open pixels. A seed that was conquered while it waited has
-  // closed its neighbours since then; with local costs it has to be looked for.
-  SEEDFOREST_INLINE void gather(int p, int cost) {
-    if (local && Bits::value(words_[p]) != cost)
+  // Notes the arcs from a pixel to open ones. A seed that was conquered while it waited has closed
+  // its neighbours since then; with local costs it has to be looked for.
+  SEEDFOREST_INLINE void gather(Entry entry) {
+    const int p = entry.pixel;
+    if (local && Bits::value(words_[p]) != cost_)
       return;
     if (isWithinWindow_) {
       const int left = p - 1;
@@ -206,26 +180,49 @@ private:
       }
   }
 
-  SEEDFOREST_INLINE void offer(int q, int k, int cost, BucketQueue<Entry> &queue) {
+  template <class Append>
+  SEEDFOREST_INLINE void offerAll(Append append) {
+    for (int i = 0; i < noffers_; ++i)
+      prefetchAt(words_.at(end(i)));
+    for (int i = 0; i < noffers_; ++i)
+      offer(end(i), arc_[i], append);
+  }
+
+private:
+  using Bits = Packing<Word>;
+  static constexpr int windowSize = 9;
+  static constexpr int roomForOffers = 1024;
+
+  // The arcs to the open pixels of a window, in order.
+  struct Arcs {
+    std::uint8_t n;
+    std::uint8_t k[8];
+  };
+
+  // The pixel to which the path of offer i leads.
+  int end(int i) const { return from_[i] + offset_[arc_[i]]; }
+
+  template <class Append>
+  SEEDFOREST_INLINE void offer(int q, int k, Append append) {
     const Word word = words_[q];
     int weight = Bits::value(word);
     if (Bits::arc(word) != Bits::unreached) {
       const int best = weight; // of a seed, its cost
-      if (!Bits::mayBeConquered(word) || cost >= best)
+      if (!Bits::mayBeConquered(word) || cost_ >= best)
         return;
       weight = mirror_(value_[places_.pixelOf(q)]);
       if (weight >= best)
         return;
     }
     if constexpr (local) {
-      if (cost < weight)
+      if (cost_ < weight)
         return;
       open_.close(q);
     }
-    const int more = weight - cost;
-    const int extended = cost + (more & ~(more >> 31)); // the larger of both, without a branch
-    words_.set(q, Bits::pack(extended, k));
-    queue.append(extended, {q});
+    const int more = weight - cost_;
+    const int cost = cost_ + (more & ~(more >> 31)); // the larger of both, without a branch
+    words_.set(q, Bits::pack(cost, k));
+    append(cost, q);
   }
 
   Margined places_;
@@ -239,6 +236,7 @@ private:
   std::array<int, Bits::unreached + 1> offset_ = {};
   std::array<unsigned, 3> closing_ = {};        // of each row of a window
   std::array<Arcs, 1 << windowSize> arcs_ = {}; // for each set of open places
+  int cost_ = 0;                                // of the paths to the pixels of a run
   int noffers_ = 0;
   std::array<int, roomForOffers + 8> from_;
   std::array<std::uint8_t, roomForOffers + 8> arc_ = {};
@@ -342,7 +340,7 @@ void plantSeeds(const PackedProblem &problem, const Margined &places,
 template <class Word, bool local>
 void run(const PackedProblem &problem, const Margined &places) {
   using Bits = Packing<Word>;
-  using Flood = PackedFlood<Word, local>;
+  using Transform = PackedTransform<Word, local>;
   const imImage *input = problem.input;
   const NeighborWalk &neighbors = problem.neighbors;
   const Mirror mirror = problem.mirror();
@@ -353,12 +351,13 @@ void run(const PackedProblem &problem, const Margined &places) {
     words.set(place, Bits::pack(mirror(value[p]), Bits::unreached));
   });
   {
-    BucketQueue<typename Flood::Entry> queue(std::int64_t{problem.maxCost} + 1, input->npixels);
+    BucketQueue<typename Transform::Entry> queue(std::int64_t{problem.maxCost} + 1, input->npixels);
     plantSeeds<Word, local>(problem, places, words, queue);
     const ScratchInBand openMemory(problem.cost, input->npixels, OpenPixels::nbytes(places));
     const OpenPixels open(places, openMemory.bytes());
     open.fill(words);
-    Flood(problem, places, words, open).run(queue);
+    Transform transform(problem, places, words, open);
+    propagateInRuns(transform, queue);
   }
   std::array<int, Bits::unreached + 1> offset = {};
   for (int k = 0; k < neighbors.size(); ++k)

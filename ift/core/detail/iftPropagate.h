@@ -32,6 +32,7 @@
 #include <algorithm>
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 namespace seedforest::detail {
@@ -91,6 +92,46 @@ SEEDFOREST_INLINE inline void propagate(T &transform, Queue &queue) {
       transform.conquer(entry.pixel, q, k, cost);
       queue.append(transform.bucket(cost, q), transform.entry(q, k, cost));
     });
+  }
+}
+
+/// What a transform provides that settles pixels in runs of those that wait in one bucket:
+///
+/// - Entry, entry(q): what waits in the queue;
+/// - longestRun(): of how many pixels it can note the offers;
+/// - prefetch(p): p may be in the next run;
+/// - startRun(bucket): forgets what it has noted;
+/// - gather(entry): notes which neighbours the entry's pixel makes offers to, if no better entry has
+///   replaced this one; this must not depend on offers of the same run;
+/// - offerAll(append): makes them all, in the order in which they were noted, and calls append(b, q)
+///   for each pixel q that was conquered and waits in bucket b.
+template <class T>
+concept TransformInRuns = requires(T &transform, typename T::Entry entry, int q,
+                                   void append(int, int)) {
+  { transform.entry(q) } -> std::same_as<typename T::Entry>;
+  { transform.longestRun() } -> std::same_as<int>;
+  transform.prefetch(q);
+  transform.startRun(q);
+  transform.gather(entry);
+  transform.offerAll(append);
+};
+
+/// The same loop, a run at a time.
+template <TransformInRuns T, class Queue>
+SEEDFOREST_INLINE inline void propagateInRuns(T &transform, Queue &queue) {
+  Meter meter(queue.nelems());
+  for (;;) {
+    const auto run = queue.takeRun(transform.longestRun());
+    if (run.empty())
+      return;
+    for (const auto entry : queue.upcomingRun(transform.longestRun()))
+      transform.prefetch(entry.pixel);
+    transform.startRun(queue.current());
+    for (const auto entry : run)
+      transform.gather(entry);
+    transform.offerAll([&](int b, int q)
+                           SEEDFOREST_INLINE { queue.append(b, transform.entry(q)); });
+    meter.advance(static_cast<std::int64_t>(run.size()));
   }
 }
 
