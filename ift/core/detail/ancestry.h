@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/arith.h"
+#include "base/fetchAhead.h"
 #include "base/inline.h"
 #include "ift/core/detail/euclideanPropagation.h"
 #include "ift/core/ifCost.h"
@@ -42,12 +43,16 @@ public:
   /// Writes the inherited bands, when all rows have been added.
   void handDown() {
     const int npixels = problem_.image->npixels;
-    for (int p = 0; p < npixels; ++p)
-      while (up_[p] >= 0) {
-        if (const int q = up_[p]; up_[q] >= 0)
-          follow(q);
-        follow(p);
-      }
+    forEachFetched(
+        npixels,
+        [this](int p) SEEDFOREST_INLINE {
+          while (up_[p] >= 0) {
+            if (const int q = up_[p]; up_[q] >= 0)
+              follow(q);
+            follow(p);
+          }
+        },
+        up_);
     // The first one last: it holds the roots.
     for (std::size_t i = problem_.inherited.size(); i-- > 0;) {
       const InheritedBand &inherited = problem_.inherited.begin()[i];

@@ -63,20 +63,20 @@ public:
         visit(p + x, place + x);
   }
 
-  /// Calls visit(place) for each place of the margin behind rows.
-  template <class Visit>
-  void eachOfMargin(Visit visit) const {
-    for (int end = ncols_; end < size(); end += stride_)
-      for (int i = 0; i < margin_; ++i)
-        visit(end + i);
-  }
-
   /// The same in the opposite order.
   template <class Visit>
   SEEDFOREST_INLINE void eachBackwards(Visit visit) const {
     for (int y = nrows_ - 1; y >= 0; --y)
       for (int x = ncols_ - 1, p = y * ncols_, place = y * stride_; x >= 0; --x)
         visit(p + x, place + x);
+  }
+
+  /// Calls visit(place) for each place of the margin behind rows.
+  template <class Visit>
+  void eachOfMargin(Visit visit) const {
+    for (int end = ncols_; end < size(); end += stride_)
+      for (int i = 0; i < margin_; ++i)
+        visit(end + i);
   }
 
 private:
