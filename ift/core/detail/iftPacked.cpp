@@ -117,7 +117,7 @@ template <class Word, bool local>
 class PackedTransform {
 public:
   PackedTransform(const PackedProblem &problem, const Margined &places, WordsInBand<Word> words,
-                  OpenPixels open)
+                  const OpenPixels &open)
       : places_(places), words_(words), open_(open), value_(problem.value),
         mirror_(problem.mirror()), onward_(problem.neighbors), n_(problem.neighbors.size()),
         isWithinWindow_(problem.neighbors.isWithinWindow()) {
@@ -219,7 +219,7 @@ private:
       open_.close(q);
     }
     const int more = weight - cost_;
-    const int cost = cost_ + (more & ~(more >> 31)); // the larger of both, without a branch
+    const int cost = cost_ + (more & -static_cast<int>(more > 0)); // the larger, without a branch
     words_.set(q, Bits::pack(cost, k));
     append(cost, q);
   }
